@@ -1,0 +1,111 @@
+// What a compiler says about its sources: where, what, and what to do about it.
+//
+//     de_de/pwseal.msg:12:23: error: the text takes a number where the English text takes a text
+//        12 | -84403 Fehler beim Lesen: %d
+//           |                           ^
+//           = write %s here, or change $args -84403 in en_us/pwseal.msg
+//
+// Lines and columns count from 1, columns in bytes. A cause is told once: after an error in a line
+// a compiler does not go on to what follows from it.
+//
+// A loss is something of the source that the output cannot hold (a character without a counterpart,
+// a text without a translation). It is not an error unless --werror=loss makes it one.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrion {
+
+// What ends a compiler's process; scripts rely on the numbers.
+enum class exit_status {
+    written = 0,             // output written, nothing to say
+    written_with_losses = 1, // output written, warnings or losses told
+    usage = 2,               // command line not understood, nothing read
+    nothing_written = 4,     // errors told; files are as they were
+};
+
+// Ends the compiler with nothing written. For what has no place in a source: a file that cannot be
+// read, a disk that is full.
+struct compiler_failure : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// One source file, held whole, with its lines.
+class source_file {
+public:
+    source_file(std::string name, std::string text);
+
+    // Reads a file whole. Throws compiler_failure when that fails.
+    static source_file read(const std::string &path);
+
+    const std::string &name() const { return name_; }
+    std::string_view text() const { return text_; }
+    size_t line_count() const { return starts_.size(); }
+    // Line `number`, from 1, without its line end; empty when there is none.
+    std::string_view line(size_t number) const;
+
+private:
+    std::string name_;
+    std::string text_;
+    std::vector<size_t> starts_; // offset of each line
+};
+
+struct source_position {
+    size_t line = 0;   // from 1; 0: the file as a whole
+    size_t column = 0; // from 1, in bytes; 0: the line as a whole
+};
+
+class diagnostics {
+public:
+    explicit diagnostics(std::FILE *stream = stderr) : stream_(stream) {}
+
+    // Each takes what happened and what to do about it; both are one line without a full stop.
+    void error(const source_file &source, source_position where, std::string_view what,
+               std::string_view remedy);
+    void warning(const source_file &source, source_position where, std::string_view what,
+                 std::string_view remedy);
+    // Also a line "name:line:column: what" of the list that --losses writes. The first
+    // `losses_shown` are printed, all are counted and listed.
+    void loss(const source_file &source, source_position where, std::string_view what,
+              std::string_view remedy);
+
+    // The same without a place in a source.
+    void error(std::string_view what, std::string_view remedy);
+    void warning(std::string_view what, std::string_view remedy);
+    void loss(std::string_view what, std::string_view remedy);
+
+    void make_losses_errors() { losses_are_errors_ = true; } // --werror=loss
+
+    size_t errors() const { return errors_; }
+    size_t warnings() const { return warnings_; }
+    size_t losses() const { return losses_; }
+    bool failed() const { return errors_ != 0 || (losses_are_errors_ && losses_ != 0); }
+    exit_status status() const; // of a compiler whose files are written unless failed()
+    const std::string &loss_list() const { return loss_list_; }
+
+    static constexpr size_t losses_shown = 20;
+
+private:
+    struct place {
+        const source_file *source; // null for none
+        source_position where;
+    };
+    void print(const char *kind, place at, std::string_view what, std::string_view remedy);
+    void add_loss(place at, std::string_view what, std::string_view remedy);
+
+    std::FILE *stream_;
+    size_t errors_ = 0;
+    size_t warnings_ = 0;
+    size_t losses_ = 0;
+    bool losses_are_errors_ = false;
+    std::string loss_list_;
+};
+
+} // namespace kestrion

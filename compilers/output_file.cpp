@@ -1,0 +1,139 @@
+#include "compilers/output_file.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "compilers/diagnostics.h"
+
+namespace kestrion {
+
+const output_calls system_output_calls = {
+    .open = [](const char *path, int flags, mode_t mode) { return ::open(path, flags, mode); },
+    .write = ::write,
+    .fsync = ::fsync,
+    .close = ::close,
+    .rename = ::rename,
+    .unlink = ::unlink,
+};
+output_calls output_calls_in_use = system_output_calls;
+
+namespace {
+
+[[noreturn]] void fail(const std::string &path, const char *step, int error) {
+    throw compiler_failure("cannot write " + path + ": " + step + ": " + strerror(error));
+}
+
+// The name behind symbolic links, so that a rename replaces the file and not the link.
+std::string real_name(const std::string &path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw compiler_failure("cannot write " + path + ": it exists and is no regular file");
+    if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error)))
+        return path;
+    const std::filesystem::path target = std::filesystem::canonical(path, error);
+    if (error)
+        fail(path, "following the symbolic link", error.value());
+    return target.string();
+}
+
+// A complete copy of an output under a temporary name beside it; removed again unless it is
+// renamed.
+class staged_file {
+public:
+    explicit staged_file(const output_file &file) : target_(real_name(file.path)) {
+        fd_ = create();
+        try {
+            write_all(file.bytes);
+            if (output_calls_in_use.fsync(fd_) != 0)
+                fail(target_, "flushing to the disk", errno);
+            if (output_calls_in_use.close(std::exchange(fd_, -1)) != 0)
+                fail(target_, "closing", errno);
+        } catch (...) {
+            discard();
+            throw;
+        }
+    }
+    staged_file(staged_file &&other) noexcept
+        : target_(std::move(other.target_)), temporary_(std::exchange(other.temporary_, {})),
+          fd_(std::exchange(other.fd_, -1)) {}
+    staged_file &operator=(staged_file &&) = delete;
+    ~staged_file() { discard(); }
+
+    void put_in_place() {
+        if (output_calls_in_use.rename(temporary_.c_str(), target_.c_str()) != 0)
+            fail(target_, "renaming", errno);
+        temporary_.clear();
+    }
+
+private:
+    int create() {
+        const size_t slash = target_.rfind('/');
+        const size_t leaf = slash == std::string::npos ? 0 : slash + 1;
+        const std::string stem = target_.substr(0, leaf) + '.' + target_.substr(leaf) + '.' +
+                                 std::to_string(getpid()) + '.';
+        for (int attempt = 0;; ++attempt) {
+            temporary_ = stem + std::to_string(attempt);
+            const int fd = output_calls_in_use.open(temporary_.c_str(),
+                                                    O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+            if (fd >= 0)
+                return fd;
+            temporary_.clear();
+            if (errno != EEXIST || attempt == 100)
+                fail(target_, "making a temporary file beside it", errno);
+        }
+    }
+
+    void write_all(const std::string &bytes) {
+        for (size_t done = 0; done < bytes.size();) {
+            const ssize_t n =
+                output_calls_in_use.write(fd_, bytes.data() + done, bytes.size() - done);
+            if (n < 0 && errno == EINTR)
+                continue;
+            if (n <= 0)
+                fail(target_, "writing", n == 0 ? ENOSPC : errno);
+            done += static_cast<size_t>(n);
+        }
+    }
+
+    void discard() {
+        if (fd_ >= 0)
+            output_calls_in_use.close(std::exchange(fd_, -1));
+        if (!temporary_.empty())
+            output_calls_in_use.unlink(temporary_.c_str());
+        temporary_.clear();
+    }
+
+    std::string target_;
+    std::string temporary_; // empty when there is none to remove
+    int fd_ = -1;
+};
+
+void write_standard_output(const std::string &bytes) {
+    if (fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size() || fflush(stdout) != 0)
+        fail("the standard output", "writing", errno);
+}
+
+} // namespace
+
+void write_output_files(const std::vector<output_file> &files) {
+    std::vector<staged_file> staged;
+    for (const output_file &file : files)
+        if (!file.path.empty())
+            staged.emplace_back(file);
+    for (staged_file &file : staged)
+        file.put_in_place();
+    for (const output_file &file : files)
+        if (file.path.empty())
+            write_standard_output(file.bytes);
+}
+
+} // namespace kestrion
