@@ -18,3 +18,5 @@ foreach(folder IN ITEMS platform values env gls locale_env general isi tool)
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}/ DESTINATION include/kestrion/${folder}
           FILES_MATCHING PATTERN "*.h" PATTERN "provider" EXCLUDE)
 endforeach()
+install(FILES ${PROJECT_SOURCE_DIR}/tool/passwdapi.h ${PROJECT_SOURCE_DIR}/isi/isi_api.h
+        DESTINATION include/kestrion OPTIONAL)
