@@ -13,6 +13,8 @@
 
 #pragma once
 
+#include "gls/category.h"
+
 #include <stdint.h>
 
 typedef uint32_t gl_wchar;
@@ -20,20 +22,6 @@ typedef uint32_t gl_wchar;
 struct multi_arr;  // gls/multi.h
 struct locale_rec; // below
 struct ctype_walk; // gls/ctype_walk.h
-
-// Categories by the engine's own numbers; an index into the record's arrays is the number less
-// gl_first_category.
-enum gl_category : int32_t {
-    GL_CAT_ALL = 1,
-    GL_CAT_CTYPE,
-    GL_CAT_COLLATE,
-    GL_CAT_NUMERIC,
-    GL_CAT_MONETARY,
-    GL_CAT_TIME,
-    GL_CAT_MESSAGES
-};
-inline constexpr int32_t gl_first_category = GL_CAT_CTYPE;
-inline constexpr int32_t gl_category_count = 6;
 
 inline constexpr int32_t gl_cs_name_size = 21;   // code-set name: 19 characters in a file, and room
 inline constexpr int32_t gl_file_name_size = 34; // file name: 33 characters and the terminator

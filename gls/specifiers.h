@@ -23,6 +23,8 @@
 
 #pragma once
 
+#include "gls/category.h"
+
 #include <stddef.h>
 #include <stdint.h>
 
@@ -30,7 +32,6 @@ inline constexpr size_t gl_simple_spec_size = 32;
 inline constexpr size_t gl_composite_spec_size = 512;
 inline constexpr size_t gl_lc_fname_size = 20; // "lan_te/e01cmodi.lco" and the terminator
 inline constexpr size_t gl_cv_fname_size = 13; // "0333e01c.cvo" and the terminator
-inline constexpr int gl_categories = 6;
 
 // Categories as `_gl_is_category` numbers them: the order of the keywords in the grammar. The slots
 // of a record are in another order; see gl_keyword_slot.
@@ -42,17 +43,6 @@ enum gl_keyword : int {
     GL_KEYWORD_MONETARY,
     GL_KEYWORD_NUMERIC,
     GL_KEYWORD_MESSAGES
-};
-
-// Categories as the engine numbers them in its interfaces. A slot is this number less 2.
-enum gl_category : int {
-    GL_CATEGORY_ALL = 1,
-    GL_CATEGORY_CTYPE,
-    GL_CATEGORY_COLLATE,
-    GL_CATEGORY_NUMERIC,
-    GL_CATEGORY_MONETARY,
-    GL_CATEGORY_TIME,
-    GL_CATEGORY_MESSAGES
 };
 
 // Pieces of a simple specifier, as offsets into its text.
