@@ -1,0 +1,78 @@
+// Charmaps: which byte sequences a code set has and which character each of them is.
+//
+// A charmap is a POSIX character set description: a head of <name> value lines, the section CHARMAP
+// with a row per character, and optionally a section WIDTH. Every row is spelt out here, also where
+// the source names a range:
+//
+//     <U4E00>..<U4E02> /xb0/xa1    three rows: U+4E00 b0a1, U+4E01 b0a2, U+4E02 b0a3
+//     %IRREVERSIBLE%<U005C> /x81/x5f   a row that is read as U+005C, which is itself written
+//     otherwise
+//
+// Ranges of WIDTH run in the order of the byte sequences between the two ends, all of one length;
+// those with an end that has no row are passed over.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "compilers/posix/source_place.h"
+
+namespace kestrion {
+
+constexpr uint32_t no_code_point = 0xFFFFFFFF;
+constexpr int max_sequence_length = 4;
+
+// The bytes of one character.
+struct code_sequence {
+    uint8_t length = 0; // 1 to 4
+    unsigned char bytes[max_sequence_length] = {};
+
+    // The bytes as a big-endian number: two bytes A1 B2 are A1B2.
+    uint32_t packed() const;
+    bool operator==(const code_sequence &other) const = default;
+};
+
+struct charmap_row {
+    uint32_t code_point = no_code_point; // no_code_point: the row's name is not of the form <Uxxxx>
+    uint32_t offset = 0;                 // of the row in the source
+    code_sequence sequence;
+    int8_t width = -1;    // columns; -1: the charmap does not say
+    bool one_way = false; // read so, never written so
+};
+
+class charmap {
+public:
+    // Reads a charmap; `source` must outlive it. Throws source_error.
+    explicit charmap(const source_file &source);
+
+    std::string code_set_name;
+    std::vector<std::string> aliases;
+    int mb_cur_min = 1;
+    int mb_cur_max = 1;      // what the head says, raised to the longest sequence that a row has
+    bool has_widths = false; // there is a section WIDTH
+    std::vector<charmap_row> rows; // in the order of the source, one-way rows among them
+
+    // The row that a character is written by; null when the code set lacks it.
+    const charmap_row *find(uint32_t code_point) const;
+    // The same for any symbolic name, without its angle brackets.
+    const charmap_row *find_name(std::string_view name) const;
+
+    const source_file &source() const { return source_; }
+    source_place place(const charmap_row &row) const { return {&source_, row.offset}; }
+
+private:
+    friend class charmap_reader;
+    void index_code_points();
+
+    const source_file &source_;
+    std::vector<std::vector<uint32_t>> pages_; // by code point / 256, then by its low byte: row + 1
+    std::unordered_map<std::string, uint32_t> named_rows_;
+};
+
+// The code point of "U0041" or "U00010000" (4 or 8 hexadecimal digits), else no_code_point.
+uint32_t code_point_of_name(std::string_view name);
+
+} // namespace kestrion

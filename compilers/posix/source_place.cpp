@@ -1,0 +1,71 @@
+#include "compilers/posix/source_place.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <zlib.h>
+
+namespace kestrion {
+namespace {
+
+constexpr size_t largest_text = size_t{256} << 20;
+constexpr int read_step = 1 << 18;
+
+struct gz_closer {
+    void operator()(gzFile file) const { gzclose(file); }
+};
+
+// The text of a file; null with errno when it cannot be opened.
+std::unique_ptr<source_file> read_if_there(const std::string &path) {
+    std::unique_ptr<gzFile_s, gz_closer> file(gzopen(path.c_str(), "rb"));
+    if (!file)
+        return nullptr;
+    std::string text;
+    for (int got = read_step; got == read_step;) {
+        size_t length = text.size();
+        text.resize(length + read_step);
+        got = gzread(file.get(), text.data() + length, read_step);
+        int number = Z_OK;
+        const char *reason = gzerror(file.get(), &number);
+        // A compressed file that breaks off reads as a short one; only its end tells the truth.
+        if (got < 0 || number == Z_BUF_ERROR)
+            throw compiler_failure(path + ": " +
+                                   (number == Z_ERRNO ? std::strerror(errno) : reason));
+        text.resize(length + static_cast<size_t>(got));
+        if (text.size() > largest_text)
+            throw compiler_failure(path + ": more than 256 MB of text");
+    }
+    return std::make_unique<source_file>(path, std::move(text));
+}
+
+} // namespace
+
+source_position source_place::position() const {
+    if (file == nullptr)
+        return {};
+    std::string_view before = file->text().substr(0, offset);
+    auto lines = static_cast<size_t>(std::count(before.begin(), before.end(), '\n'));
+    return {lines + 1, before.size() - (before.rfind('\n') + 1) + 1};
+}
+
+std::unique_ptr<source_file> find_source_file(const std::string &name,
+                                              const std::vector<std::string> &directories) {
+    std::vector<std::string> candidates;
+    if (name.find('/') != std::string::npos)
+        candidates.push_back(name);
+    else
+        for (const std::string &directory : directories)
+            for (const char *ending : {"", ".gz"})
+                candidates.push_back(directory + "/" + name + ending);
+    std::string tried;
+    for (const std::string &path : candidates) {
+        if (std::unique_ptr<source_file> source = read_if_there(path))
+            return source;
+        if (errno != ENOENT)
+            throw compiler_failure(path + ": " + std::strerror(errno));
+        tried += (tried.empty() ? "" : ", ") + path;
+    }
+    throw compiler_failure(name + " is not there: tried " + tried);
+}
+
+} // namespace kestrion
