@@ -1,0 +1,70 @@
+#include "platform/os_control.h"
+
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "platform/character_tables.h"
+#include "support/failing_malloc.h"
+
+namespace {
+
+TEST(OsControl, FirstUseMakesTheOneBlockWithItsStartValues) {
+    EXPECT_EQ(ostcb, nullptr);
+    _ixctype['x' + 1] = 77; // the block copies the tables as they are at its making
+    os_control *block = CheckOsInit();
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(ostcb, block);
+    EXPECT_EQ(checkOsApi(), block);
+    EXPECT_EQ(block->state, 0);
+    EXPECT_EQ(block->trace_state, 0);
+    for (int32_t handle : {block->handle_a, block->handle_b, block->handle_c})
+        EXPECT_EQ(handle, -1);
+    EXPECT_EQ(block->os_error, 0);
+    EXPECT_EQ(block->ctype['x' + 1], 77);
+    EXPECT_EQ(memcmp(block->ctype, _ixctype, 258), 0);
+    EXPECT_EQ(memcmp(block->to_lower, _ix2lowmap, 256), 0);
+    EXPECT_EQ(memcmp(block->to_upper, _ix2upmap, 256), 0);
+}
+
+TEST(OsControl, ConnectionAndErrorLieInTheBlock) {
+    EXPECT_EQ(qvt_osgetconn(), -1);
+    EXPECT_EQ(qvt_ossetconn(42), ostcb);
+    EXPECT_EQ(qvt_osgetconn(), 42);
+    EXPECT_EQ(getoserr(), 0);
+    ostcb->os_error = 13;
+    EXPECT_EQ(getoserr(), 13);
+}
+
+TEST(OsControl, AllocatingABlockPublishesNothing) {
+    os_control *block = ostcb_alloc();
+    ASSERT_NE(block, nullptr);
+    EXPECT_EQ(ostcb, nullptr);
+    EXPECT_EQ(block->connection, -1);
+    free(block);
+}
+
+TEST(OsControl, NoMemoryAnswersNothingAndTheNextCallTriesAgain) {
+    {
+        failing_malloc::scope refused(1);
+        EXPECT_EQ(CheckOsInit(), nullptr);
+        EXPECT_EQ(refused.calls(), 1u) << "the locale must not start without the block";
+    }
+    EXPECT_EQ(ostcb, nullptr);
+    {
+        failing_malloc::scope refused(1);
+        EXPECT_EQ(getoserr(), 0);
+    }
+    {
+        failing_malloc::scope refused(1);
+        EXPECT_EQ(qvt_osgetconn(), 0);
+    }
+    {
+        failing_malloc::scope refused(1);
+        EXPECT_EQ(qvt_ossetconn(4), nullptr);
+    }
+    EXPECT_NE(CheckOsInit(), nullptr);
+    EXPECT_EQ(qvt_osgetconn(), -1);
+}
+
+} // namespace
