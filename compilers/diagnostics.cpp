@@ -121,12 +121,14 @@ void diagnostics::add_loss(place at, std::string_view what, std::string_view rem
     ++losses_;
     if (losses_ <= losses_shown)
         print(losses_are_errors_ ? "error: loss" : "loss", at, what, remedy);
-    else if (losses_ == losses_shown + 1)
+    else if (losses_ == losses_shown + 1 && stream_ != nullptr)
         std::fprintf(stream_, "further losses are not shown; --losses FILE lists them all\n");
 }
 
 void diagnostics::print(const char *kind, place at, std::string_view what,
                         std::string_view remedy) {
+    if (stream_ == nullptr)
+        return;
     const std::string prefix = place_text(at.source, at.where) + kind + ": ";
     std::fprintf(stream_, "%s%.*s\n", prefix.c_str(), static_cast<int>(what.size()), what.data());
     const std::string line = at.source == nullptr ? "" : shown(at.source->line(at.where.line));

@@ -64,6 +64,7 @@ struct source_position {
 
 class diagnostics {
 public:
+    // A null stream: things are counted and listed, not printed.
     explicit diagnostics(std::FILE *stream = stderr) : stream_(stream) {}
 
     // Each takes what happened and what to do about it; both are one line without a full stop.

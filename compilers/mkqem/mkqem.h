@@ -1,0 +1,11 @@
+// The message catalogue compiler, as one record for the frame of the compilers.
+
+#pragma once
+
+#include "compilers/compiler.h"
+
+namespace kestrion {
+
+int mkqem_main(int argc, char **argv, std::FILE *messages = stderr);
+
+} // namespace kestrion
