@@ -25,8 +25,8 @@ int qvtx_dlopen(qvtx_dl_handle *handle, const char *path, int flags);
 // library or name is the code -2 and the text "Internal Error".
 int qvtx_dlsym(qvtx_dl_handle *handle, void **out, const char *name);
 
-// Closes the library and frees its path. Returns -1 when none is open, else the result of the
-// loader, or that of `qvtx_dlerror` when closing failed.
+// Closes the library and frees its path and the error text. Returns -1 when none is open, 0 when it
+// closed, or the result of `qvtx_dlerror` when that failed.
 int qvtx_dlclose(qvtx_dl_handle *handle);
 
 // Replaces the handle's text by a copy of the system's, sets its code to -1 and returns errno.

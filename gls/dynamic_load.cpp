@@ -1,0 +1,92 @@
+#include "gls/dynamic_load.h"
+
+#include "gls/ext_funcs.h"
+#include "gls/real_identity.h"
+
+#include <cerrno>
+#include <cstring>
+#include <dlfcn.h>
+
+namespace {
+
+char *copy_of(const char *text) {
+    const size_t size = std::strlen(text) + 1;
+    char *const copy = static_cast<char *>(_gl_ext_malloc(size));
+    if (copy != nullptr)
+        std::memcpy(copy, text, size);
+    return copy;
+}
+
+void set_text(qvtx_dl_handle *handle, const char *text) {
+    _gl_free_ptr(handle->text);
+    handle->text = copy_of(text);
+}
+
+void forget_path(qvtx_dl_handle *handle) {
+    _gl_free_ptr(handle->path);
+    handle->path = nullptr;
+}
+
+int internal_error(qvtx_dl_handle *handle) {
+    if (handle != nullptr) {
+        set_text(handle, "Internal Error");
+        handle->error = -2;
+    }
+    return -1;
+}
+
+} // namespace
+
+extern "C" {
+
+int qvtx_dlopen(qvtx_dl_handle *handle, const char *path, int flags) {
+    *handle = {};
+    if (path == nullptr)
+        return internal_error(handle);
+    handle->path = copy_of(path);
+    kestrion::real_identity identity;
+    if (handle->path == nullptr || !identity.take()) {
+        forget_path(handle);
+        handle->error = -1;
+        return -1;
+    }
+    handle->library = dlopen(path, flags == qvtx_dl_default_flags ? RTLD_NOW | RTLD_GLOBAL : flags);
+    identity.give_back();
+    if (handle->library != nullptr)
+        return 0;
+    forget_path(handle);
+    qvtx_dlerror(handle);
+    return -1;
+}
+
+int qvtx_dlsym(qvtx_dl_handle *handle, void **out, const char *name) {
+    if (handle == nullptr || handle->library == nullptr || name == nullptr || out == nullptr)
+        return internal_error(handle);
+    *out = dlsym(handle->library, name);
+    if (*out != nullptr)
+        return 0;
+    qvtx_dlerror(handle);
+    return -1;
+}
+
+int qvtx_dlclose(qvtx_dl_handle *handle) {
+    if (handle == nullptr || handle->library == nullptr)
+        return -1;
+    const int closed = dlclose(handle->library);
+    handle->library = nullptr;
+    forget_path(handle);
+    if (closed != 0)
+        return qvtx_dlerror(handle);
+    _gl_free_ptr(handle->text);
+    handle->text = nullptr;
+    return 0;
+}
+
+int qvtx_dlerror(qvtx_dl_handle *handle) {
+    const int number = errno;
+    const char *const text = dlerror();
+    set_text(handle, text != nullptr ? text : "");
+    handle->error = -1;
+    return number;
+}
+}

@@ -1,0 +1,153 @@
+#include "gls/readers.h"
+
+#include "gls/ext_funcs.h"
+
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string_view>
+
+namespace {
+
+constexpr int max_kept_digits = 39;  // behind the first character of an integer
+constexpr int max_float_length = 80; // characters of a floating number
+constexpr int max_hex_digits = 8;
+
+struct hex_values {
+    unsigned char of[256];
+};
+
+constexpr hex_values make_hex_values() {
+    hex_values values = {};
+    for (int i = 0; i < 10; ++i)
+        values.of['0' + i] = static_cast<unsigned char>(i);
+    for (int i = 0; i < 6; ++i)
+        values.of['a' + i] = values.of['A' + i] = static_cast<unsigned char>(10 + i);
+    return values;
+}
+
+constexpr hex_values hex = make_hex_values();
+
+// Classes of the "C" locale, whatever the host's is.
+constexpr bool is_white(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool is_digit(int c) { return c >= '0' && c <= '9'; }
+constexpr bool is_float_part(int c) {
+    return is_digit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
+}
+
+void put_back(int c, FILE *file) {
+    if (c != EOF)
+        _gl_ext_ungetc(c, file);
+}
+
+// Appends a digit to a magnitude that stops at `limit`.
+uint64_t append_digit(uint64_t magnitude, unsigned digit, uint64_t limit) {
+    return magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
+}
+
+double to_double(std::string_view text) {
+    // A plus sign is the one thing that numbers may start with and from_chars does not take.
+    if (text.starts_with('+') && !text.starts_with("+-"))
+        text.remove_prefix(1);
+    double value = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (result.ec == std::errc::result_out_of_range) {
+        // Within 80 characters only an exponent leads out of range, and its sign says where to.
+        const size_t exponent = text.find_first_of("eE");
+        const bool tiny = exponent != text.npos && text.substr(exponent + 1).starts_with('-');
+        value = tiny ? 0 : text.starts_with('-') ? -HUGE_VAL : HUGE_VAL;
+    }
+    return value;
+}
+
+} // namespace
+
+extern "C" {
+
+int _gl_skip_whitespace(FILE *file) {
+    int c;
+    do
+        c = _gl_ext_fgetc(file);
+    while (is_white(c));
+    put_back(c, file);
+    return c;
+}
+
+void _gl_skip_space_if_needed(FILE *file) {
+    const int c = _gl_ext_fgetc(file);
+    if (c != ' ')
+        put_back(c, file);
+}
+
+int _gl_skip_nl(FILE *file) {
+    const int c = _gl_ext_fgetc(file);
+    if (c == '\n')
+        return 1;
+    put_back(c, file);
+    return 0;
+}
+
+uint32_t _gl_get_hex_digit(FILE *file) {
+    const int c = _gl_ext_fgetc(file);
+    return c == EOF ? 0 : hex.of[static_cast<unsigned char>(c)];
+}
+
+uint32_t _gl_get_hex_byte(FILE *file) { return _gl_get_hex(file, 2); }
+
+uint32_t _gl_get_hex(FILE *file, int count) {
+    uint32_t value = 0;
+    for (int i = 0; i < count && i < max_hex_digits; ++i)
+        value = value << 4 | _gl_get_hex_digit(file);
+    return value;
+}
+
+int64_t _gl_get_int(FILE *file) {
+    _gl_skip_space_if_needed(file);
+    const int first = _gl_ext_getc(file);
+    if (first == EOF)
+        return 0;
+    const bool negative = first == '-';
+    const bool converts = is_digit(first) || negative || first == '+' || is_white(first);
+    const uint64_t limit =
+        static_cast<uint64_t>(std::numeric_limits<int64_t>::max()) + (negative ? 1 : 0);
+    uint64_t magnitude = is_digit(first) ? static_cast<unsigned>(first - '0') : 0;
+    int c = _gl_ext_getc(file);
+    for (int kept = 0; is_digit(c); c = _gl_ext_getc(file), ++kept) {
+        if (kept < max_kept_digits)
+            magnitude = append_digit(magnitude, static_cast<unsigned>(c - '0'), limit);
+    }
+    put_back(c, file);
+    if (!converts)
+        return 0;
+    return static_cast<int64_t>(negative ? 0 - magnitude : magnitude);
+}
+
+double _gl_get_dbl(FILE *file) {
+    char text[max_float_length];
+    size_t length = 0;
+    while (length < sizeof text) {
+        const int c = _gl_ext_getc(file);
+        if (!is_float_part(c)) {
+            put_back(c, file);
+            break;
+        }
+        text[length++] = static_cast<char>(c);
+    }
+    return to_double({text, length});
+}
+
+int _gl_get_str(char *buffer, size_t size, FILE *file) {
+    size_t length = 0;
+    for (;;) {
+        const int c = _gl_ext_getc(file);
+        const bool room = length + 1 < size;
+        if (c != EOF && !is_white(c) && room) {
+            buffer[length++] = static_cast<char>(c);
+            continue;
+        }
+        put_back(c, file);
+        buffer[length] = '\0';
+        return is_white(c) ? 0 : -1;
+    }
+}
+}
