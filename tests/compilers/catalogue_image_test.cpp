@@ -1,0 +1,110 @@
+// The bytes of compiled catalogues.
+
+#include "compilers/mkqem/catalogue_image.h"
+
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "compilers/diagnostics.h"
+#include "compilers/mkqem/catalogue_source.h"
+
+using namespace kestrion;
+using namespace std::string_literals;
+
+TEST(CatalogueImage, BytesAreTheWrittenFormat) {
+    // Worked by hand: the example of docs/formats/message-catalogue.md, and its short sister.
+    EXPECT_EQ(encode_catalogue({{-84401, "No.\n"}, {-84400, "Yes.\n"}}),
+              "\xFE\x69"
+              "\0\2"
+              "\xFF\xFE\xB6\x4F"
+              "\0\4"
+              "\0\0\0\x18"
+              "\xFF\xFE\xB6\x50"
+              "\0\5"
+              "\0\0\0\x1C"
+              "No.\nYes.\n"
+              "\0"s); // one byte short of what the window behind record 2 would read
+    EXPECT_EQ(encode_catalogue({{-2, "No.\n"}, {1204, "Yes.\n"}}), "\xFE\x68"
+                                                                   "\0\2"
+                                                                   "\xFF\xFE"
+                                                                   "\0\4"
+                                                                   "\0\0\0\x14"
+                                                                   "\x04\xB4"
+                                                                   "\0\5"
+                                                                   "\0\0\0\x18"
+                                                                   "No.\nYes.\n"s);
+}
+
+TEST(CatalogueImage, RecordsAreLongOnlyWhenANumberNeedsIt) {
+    const auto is_long = [](int32_t number) {
+        return encode_catalogue({{0, "x\n"}, {number, "x\n"}})[1] == '\x69';
+    };
+    for (const int32_t number : {-32768, -1, 1, 32767})
+        EXPECT_FALSE(is_long(number)) << number;
+    for (const int32_t number : {INT32_MIN, -32769, 32768, INT32_MAX})
+        EXPECT_TRUE(is_long(number)) << number;
+}
+
+TEST(CatalogueImage, LastWindowOfEveryIndexLiesInsideTheFile) {
+    for (const size_t count : {1U, 2U, 7U, 8U, 9U, 300U})
+        for (const int32_t first : {0, 100000}) {
+            catalogue_texts texts;
+            for (size_t i = 0; i < count; ++i)
+                texts[first + static_cast<int32_t>(i)] = std::string("\n");
+            const size_t record = first == 0 ? 8 : 10;
+            EXPECT_GE(encode_catalogue(texts).size(),
+                      4 + (count - 1 + std::min<size_t>(count, 8)) * record);
+        }
+}
+
+TEST(CatalogueImage, ListingsOfRandomTextsComeBack) {
+    const uint32_t seed = std::random_device{}();
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    for (int round = 0; round < 200; ++round) {
+        catalogue_texts texts;
+        for (auto i = random() % 20 + 1; i > 0; --i) {
+            std::string text(random() % 12 + 1, 'x');
+            for (char &c : text)
+                c = random() % 4 == 0 ? "%s\\\"$n0 "[random() % 8]
+                                      : static_cast<char>(random() % 255 + 1);
+            texts[static_cast<int32_t>(random() % 2 == 0 ? random() : random() % 100)] =
+                text + "\n";
+        }
+        diagnostics said;
+        const catalogue_source source =
+            parse_catalogue({"listing", list_catalogue(texts)}, code_set::as_it_is, said);
+        check_arguments(source, said);
+        ASSERT_EQ(said.errors() + said.warnings(), 0U) << list_catalogue(texts);
+        catalogue_texts again;
+        for (const auto &[number, message] : source.messages)
+            again[number] = message.text + "\n";
+        EXPECT_EQ(again, texts);
+        EXPECT_EQ(decode_catalogue(encode_catalogue(texts)), texts);
+    }
+}
+
+TEST(CatalogueImage, DamagedCataloguesAreRefused) {
+    const catalogue_texts texts = {{1, "one\n"}, {2, "two\n"}};
+    const std::string whole = encode_catalogue(texts);
+    const auto damaged = [&](size_t at, char byte) {
+        std::string bytes = whole;
+        bytes[at] = byte;
+        return bytes;
+    };
+    const std::string rows[] = {
+        damaged(0, '\0'),   damaged(1, '\x6A'), // magic
+        damaged(2, '\x80'),                     // negative count
+        damaged(2, '\x7F'),                     // count beyond the file
+        damaged(3, '\0'),                       // no message
+        damaged(5, '\2'),   damaged(5, '\3'),   // numbers twice, and descending
+        damaged(6, '\x80'), damaged(7, '\0'),   // length negative, and 0
+        damaged(7, '\x40'),                     // text beyond the file
+        damaged(8, '\xFF'), damaged(10, '\1'),  // offset negative, and beyond the file
+    };
+    for (const std::string &bytes : rows)
+        EXPECT_THROW(decode_catalogue(bytes), compiler_failure) << testing::PrintToString(bytes);
+    for (size_t size = 0; size < whole.size(); ++size)
+        EXPECT_THROW(decode_catalogue(whole.substr(0, size)), compiler_failure) << size;
+}
