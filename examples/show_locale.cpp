@@ -1,0 +1,24 @@
+// Starts the runtime's locale and tells what the environment variables made of it.
+//
+//     CLIENT_LOCALE=de_DE.8859-1 show_locale
+
+#include <cstdio>
+
+#include "general/messages.h"
+#include "locale_env/gls_env.h"
+#include "locale_env/startup.h"
+
+int main() {
+    if (const int error = chkglsinit(); error != 0) {
+        char text[256];
+        int32_t length = 0;
+        rgetlmsg(error, text, sizeof text, &length);
+        std::fprintf(stderr, "show_locale: the locale does not start (%d): %s\n", error, text);
+        return 1;
+    }
+    const new_gls_env_rec &state = *CheckGlsEnv()->state;
+    std::printf("client locale %-14s date format %-12s month %s\n",
+                state.settings[GLS_CLIENT_LOCALE], state.date_fmt,
+                state.mon_names != nullptr ? state.mon_names->names[2] : "-");
+    return 0;
+}
