@@ -1,0 +1,66 @@
+#include "compilers/object_table.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include "compilers/diagnostics.h"
+
+namespace kestrion {
+
+namespace {
+
+std::string written_text(multi_arr *table, multi_datum_writer writer) {
+    char *text = nullptr;
+    size_t length = 0;
+    FILE *stream = open_memstream(&text, &length);
+    if (stream == nullptr)
+        throw std::bad_alloc();
+    _gl_fprintf_multi(stream, table, writer);
+    const bool written = std::fclose(stream) == 0;
+    std::string result = written ? std::string(text, length) : std::string();
+    std::free(text);
+    if (!written)
+        throw std::bad_alloc();
+    return result;
+}
+
+} // namespace
+
+multi_table make_table(uint32_t data_size) {
+    const std::vector<unsigned char> zero(data_size);
+    multi_table table(_gl_create_multi(data_size, 0, zero.data()));
+    if (!table)
+        throw std::bad_alloc();
+    return table;
+}
+
+void add_to_table(multi_arr *table, const code_sequence &sequence, const void *datum) {
+    gl_char_desc desc{sequence.length, {}};
+    std::memcpy(desc.bytes, sequence.bytes, sizeof desc.bytes);
+    if (_gl_insert_desc_multi(&desc, datum, table) == 0)
+        return;
+    std::string bytes;
+    append_hex_bytes(bytes, sequence.bytes, sequence.length);
+    throw compiler_failure("the character " + bytes +
+                           " is the beginning of another, or begins with one");
+}
+
+std::string table_text(multi_arr *table, multi_datum_writer writer) {
+    std::string plain = written_text(table, writer);
+    if (_gl_compress_multi(table) != 0)
+        throw std::bad_alloc();
+    std::string compressed = written_text(table, writer);
+    return compressed.size() < plain.size() ? compressed : plain;
+}
+
+void append_hex_bytes(std::string &out, const unsigned char *bytes, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        out += "0123456789abcdef"[bytes[i] >> 4];
+        out += "0123456789abcdef"[bytes[i] & 15];
+    }
+}
+
+} // namespace kestrion

@@ -1,0 +1,32 @@
+// Multi tables as the compilers handle them: filled by sequences, written by the engine's own
+// writer.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "compilers/posix/charmap.h"
+#include "gls/multi.h"
+#include "gls/multi_file.h"
+
+namespace kestrion {
+
+struct multi_deleter {
+    void operator()(multi_arr *table) const { _gl_free_multi(table); }
+};
+using multi_table = std::unique_ptr<multi_arr, multi_deleter>;
+
+// An empty table whose data have `data_size` bytes, all zero by default. Throws std::bad_alloc.
+multi_table make_table(uint32_t data_size);
+
+// Adds a character; a null datum makes it valid and no more. Throws compiler_failure when one
+// character is the beginning of another.
+void add_to_table(multi_arr *table, const code_sequence &sequence, const void *datum);
+
+// The table in the shorter of its two text forms; it is compressed afterwards.
+std::string table_text(multi_arr *table, multi_datum_writer writer);
+
+// Two hexadecimal digits a byte, lower case.
+void append_hex_bytes(std::string &out, const unsigned char *bytes, size_t count);
+
+} // namespace kestrion
