@@ -2,6 +2,7 @@
 #include "isi/provider/provider.h"
 
 #include <atomic>
+#include <openssl/err.h>
 #include <openssl/evp.h>
 #include <openssl/objects.h>
 #include <stdlib.h>
@@ -188,8 +189,10 @@ int ISI_cipher_type(void *cipher) {
 
 const char *ISI_obj_nid2sn(int nid) {
     const char *name = OBJ_nid2sn(nid);
-    if (name == nullptr)
-        report_libcrypto();
+    if (name == nullptr) {
+        ERR_clear_error(); // it tells no more
+        report_message("unknown identifier");
+    }
     return name;
 }
 
