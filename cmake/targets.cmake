@@ -18,15 +18,22 @@ function(kestrion_runtime_options target)
   set_target_properties(${target} PROPERTIES POSITION_INDEPENDENT_CODE ON)
 endfunction()
 
-# kestrion_tests(NAME source...): one test program; every TEST is a test of its own to ctest, so that
-# each starts in a fresh process.
+# kestrion_tests(NAME [INSTALLATION] source...): one test program; every TEST is a test of its own to
+# ctest, so that each starts in a fresh process. With INSTALLATION the tests find a complete installation
+# directory under that name, which they share and must not change.
 function(kestrion_tests name)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 1 arg "INSTALLATION" "" "")
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE kestrion kestrion_warnings GTest::gtest_main)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
   target_compile_definitions(${name} PRIVATE
-    KESTRION_SOURCE_DIR="${PROJECT_SOURCE_DIR}" KESTRION_BUILD_DIR="${PROJECT_BINARY_DIR}")
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    KESTRION_SOURCE_DIR="${PROJECT_SOURCE_DIR}" KESTRION_BUILD_DIR="${PROJECT_BINARY_DIR}"
+    INSTALLATION="${PROJECT_BINARY_DIR}/installation")
+  set(properties TIMEOUT 300)
+  if(arg_INSTALLATION)
+    list(APPEND properties FIXTURES_REQUIRED installation)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()
 
 # kestrion_benchmark(NAME source...): one Google Benchmark program, built and run by `make bench`.
