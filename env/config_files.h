@@ -1,4 +1,4 @@
-// Configuration files and the first load of the registry.
+// Configuration files.
 //
 // Two files of one syntax are read, "etc/kestrion.rc" below KESTRIONDIR and ".kestrion" in the
 // user's home directory, the second over the first:
@@ -12,7 +12,7 @@
 // without white space has an empty value; a name that is unknown, as the empty name of a line that
 // begins with a blank is, is dropped in silence. A line ends with a line feed; a last line without
 // one is lost. A byte 255 inside a line ends the file there and loses the line.
-// docs/formats/kestrion_rc.md tells it from the outside.
+// docs/formats/kestrion_rc.md tells it to whoever writes one.
 //
 // Results of type int are 0 or one of the env_error values of env/registry.h.
 
@@ -34,17 +34,7 @@ enum language_flag : uint32_t {
     LANGUAGE_LC_TIME = 64,
 };
 
-inline constexpr size_t home_path_size = 65; // 64 characters of a home directory and the terminator
-
 extern "C" {
-
-// Loads the registry, once: defaults, the program's own variables, both files, and, where DBNLS
-// asks for it, the locale variables. What was loaded before a failure stays.
-// Returns 0; -2 without memory, home directory or control block; -4 when the user's file ended at a
-//         value over its limit or with an unknown name on its last line, also a program's own row
-//         whose default is over its limit.
-// Ends the process with status 1 when there is no memory for the built-in defaults.
-int greadenv(void);
 
 // Reads one configuration file into the registry.
 // ignore  names to pass over.
@@ -62,18 +52,11 @@ int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint
 // Returns 0 for a line, terminated and without its line feed; -1 at the end of the file or when a
 //         read fails, an unfinished line being lost; -2 without memory.
 int _ggetcfline(int descriptor, char **buffer, size_t *size, uint32_t *line);
-
-// Settles one locale variable when DBNLS is on.
-// flags, bit  what the files gave, and this variable's bit in it.
-// lang        the value of LANG, or null.
-// Writes  `lang` or "en_US.819" into the registry, unless a file gave a value that is to be used. A
-//         variable that is present but empty in the process environment gets the registry's value.
-int gnlsenv(uint32_t flags, uint32_t bit, const char *name, const char *lang);
-
-// Stores the first 64 characters of the user's home directory in `path`, which has home_path_size
-// bytes. The user is the one who logged in, else the owner of the process: a root shell can stand
-// for another account.
-// Returns 0; -3 for a user without an account record, -4 for one whose directory is empty; gerrno
-//         is set to the same.
-int ggethomepath(char *path);
 }
+
+namespace kestrion {
+
+// Says whether a value of DBNLS is one that has the locale variables filled in: "1" or "2".
+bool turns_language_on(const char *dbnls);
+
+} // namespace kestrion

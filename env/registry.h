@@ -11,7 +11,7 @@
 // the environment ggetenv("KESTRIONDIR") returns them; with 257 it returns what a configuration
 // file says, else "/usr/kestrion", and gerrno is -4.
 //
-// The first lookup loads the registry (greadenv in env/config_files.h). When that load fails the
+// The first lookup loads the registry (greadenv in env/first_load.h). When that load fails the
 // lookup returns null; the entries made so far stay, so that later lookups are answered.
 //
 // Texts that come out belong to the registry or to the environment: they are not freed by the

@@ -1,0 +1,190 @@
+#include "environment.h"
+
+#include "env/config_files.h"
+#include "env/first_load.h"
+#include "env/registry.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+class FirstLoad : public Environment {};
+
+const char *stored(const char *name) { return idx_getdefault(name, -1); }
+
+const std::string over_limit = "W2 kept\nKESTRIONSERVER " + std::string(129, 's') + "\nW2 lost\n";
+
+} // namespace
+
+TEST_F(FirstLoad, WithoutFilesGivesTheDefaults) {
+    unsetenv("KESTRIONDIR");
+    std::filesystem::remove_all(home);
+    ASSERT_EQ(greadenv(), 0);
+    ASSERT_EQ(Num_EVars, 344);
+    for (int32_t i = 0; i < Num_EVars; ++i) {
+        EXPECT_STREQ(Kes_EVars[i].name, Kes_DVals[i].name);
+        EXPECT_NE(Kes_EVars[i].name, Kes_DVals[i].name);
+        EXPECT_STREQ(Kes_EVars[i].value, Kes_DVals[i].default_value);
+        EXPECT_EQ(Kes_EVars[i].index, i);
+        EXPECT_EQ(Kes_EVars[i].max_length, Kes_DVals[i].max_length);
+    }
+}
+
+TEST_F(FirstLoad, UsersFileGoesOverTheSystemsOverTheDefaults) {
+    write_system_file("DBPATH system\nDBTEMP system\nW1 system\n");
+    write_user_file("DBPATH user\nW1\n");
+    setenv("DBTEMP", "environment", 1);
+    EXPECT_STREQ(ggetenv("DBPATH"), "user");
+    EXPECT_STREQ(ggetenv("W1"), "");
+    EXPECT_STREQ(ggetenv("DBTEMP"), "environment");
+    EXPECT_STREQ(stored("DBTEMP"), "system");
+    EXPECT_STREQ(stored("DBDELIMITER"), "|");
+}
+
+TEST_F(FirstLoad, HappensOnce) {
+    ASSERT_EQ(greadenv(), 0);
+    write_user_file("W1 late\n");
+    EXPECT_EQ(greadenv(), 0);
+    EXPECT_EQ(stored("W1"), nullptr);
+}
+
+TEST_F(FirstLoad, SystemFileIsFoundBelowADirectoryNameOfAnyLength) {
+    std::string deep = root;
+    for (int i = 0; i < 10; ++i)
+        deep += "/" + std::string(100, 'd');
+    std::filesystem::create_directories(deep + "/etc");
+    write_bytes(deep + "/etc/kestrion.rc", "W1 deep\n");
+    setenv("KESTRIONDIR", deep.c_str(), 1);
+    EXPECT_STREQ(ggetenv("W1"), "deep");
+}
+
+TEST_F(FirstLoad, IgnoresTheNamesOfEnvignoreInBothFiles) {
+    write_system_file("W1 a\nW2 a\nTREE a\nDBPATH a\n");
+    write_user_file("W2 b\nTERM b\nDBPATH b\n");
+    setenv("ENVIGNORE", ":W1::W2:TREE:", 1);
+    setenv("TREE", "environment", 1);
+    ASSERT_EQ(greadenv(), 0);
+    EXPECT_EQ(stored("W1"), nullptr);
+    EXPECT_EQ(stored("W2"), nullptr);
+    EXPECT_STREQ(stored("TERM"), "b");
+    EXPECT_STREQ(stored("DBPATH"), "b");
+    EXPECT_STREQ(ggetenv("TREE"), "environment"); // filters lines of files, never the environment
+    EXPECT_STREQ(getenv("ENVIGNORE"), ":W1::W2:TREE:");
+}
+
+TEST_F(FirstLoad, HomeIsThatOfTheLoginBeforeThatOfTheOwner) {
+    const std::string login_home = root + "/l";
+    std::filesystem::create_directories(login_home);
+    write_bytes(login_home + "/.kestrion", "W1 login\n");
+    write_user_file("W1 owner\n");
+    test_account.login = "somebody";
+    test_account.login_home = login_home;
+    EXPECT_STREQ(ggetenv("W1"), "login");
+    gFreeEVars();
+    test_account.login = nullptr;
+    EXPECT_STREQ(ggetenv("W1"), "owner");
+}
+
+TEST_F(FirstLoad, HomePathIsCutAt64Characters) {
+    char path[home_path_size];
+    for (const size_t length : {1U, 63U, 64U, 65U, 4000U}) {
+        test_account.owner_home = std::string(length, 'h');
+        EXPECT_EQ(ggethomepath(path), 0);
+        EXPECT_EQ(path, std::string(std::min<size_t>(length, 64), 'h'));
+    }
+}
+
+// The lookup that loads fails, and says why; what is loaded by then answers the next one.
+TEST_F(FirstLoad, WithoutAHomeFailsOnce) {
+    write_system_file("DBPATH system\nDBNLS 1\n");
+    for (const int reason : {ENV_NO_USER, ENV_TOO_LONG}) {
+        gFreeEVars();
+        test_account = {.owner_home = "", .exists = reason != ENV_NO_USER};
+        EXPECT_EQ(ggetenv("DBPATH"), nullptr);
+        EXPECT_EQ(gerrno, reason);
+        EXPECT_STREQ(ggetenv("DBPATH"), "system");
+        EXPECT_EQ(stored("LC_TIME"), nullptr); // the locale variables were not reached
+        gFreeEVars();
+        EXPECT_EQ(greadenv(), ENV_NO_MEMORY);
+    }
+}
+
+TEST_F(FirstLoad, SystemFileThatFailsIsOutvotedByTheUsers) {
+    write_system_file(over_limit);
+    write_user_file("W1 user\n");
+    EXPECT_EQ(greadenv(), 0);
+    EXPECT_STREQ(stored("W1"), "user");
+    EXPECT_STREQ(stored("W2"), "kept");
+}
+
+TEST_F(FirstLoad, UsersFileThatFailsMakesTheFirstLookupNull) {
+    for (const std::string &bytes : {over_limit, std::string("W2 kept\nNOT_KNOWN x\n")}) {
+        gFreeEVars();
+        write_user_file(bytes);
+        EXPECT_EQ(ggetenv("W2"), nullptr);
+        EXPECT_EQ(gerrno, ENV_TOO_LONG);
+        EXPECT_STREQ(ggetenv("W2"), "kept");
+        EXPECT_EQ(gerrno, 0);
+    }
+    // The locale variables, settled behind it, speak last.
+    gFreeEVars();
+    setenv("DBNLS", "2", 1);
+    EXPECT_STREQ(ggetenv("W2"), "kept");
+    EXPECT_STREQ(stored("LC_COLLATE"), "en_US.819");
+}
+
+TEST_F(FirstLoad, DbnlsInTheEnvironmentFillsTheLocaleVariables) {
+    for (const char *off : {"0", "3", "", "1 ", "11"}) {
+        gFreeEVars();
+        setenv("DBNLS", off, 1);
+        ASSERT_EQ(greadenv(), 0);
+        EXPECT_EQ(stored("LC_CTYPE"), nullptr) << off;
+    }
+    for (const char *on : {"1", "2"}) {
+        gFreeEVars();
+        setenv("DBNLS", on, 1);
+        ASSERT_EQ(greadenv(), 0);
+        for (const char *name : {"LC_COLLATE", "LC_CTYPE", "LC_MONETARY", "LC_NUMERIC", "LC_TIME"})
+            EXPECT_STREQ(stored(name), "en_US.819") << name;
+        EXPECT_EQ(stored("LANG"), nullptr);
+        EXPECT_EQ(getenv("LC_CTYPE"), nullptr);
+    }
+}
+
+// Rows of what the user's file and the environment say, and of LC_TIME in the registry and in the
+// environment afterwards.
+TEST_F(FirstLoad, LocaleVariableIsSettledFromFileLangOrFallback) {
+    const struct {
+        const char *file, *lang, *lc_time, *in_registry, *in_environment;
+    } rows[] = {
+        {"DBNLS 1\n", nullptr, nullptr, "en_US.819", nullptr},
+        {"DBNLS 1\n", "de", nullptr, "de", nullptr},
+        {"DBNLS 1\nLANG fr\n", nullptr, nullptr, "fr", nullptr},
+        {"DBNLS 1\nLANG fr\n", "", nullptr, "fr", nullptr},
+        {"DBNLS 1\nLANG fr\n", "de", nullptr, "de", nullptr},
+        {"DBNLS 1\n", "", nullptr, "en_US.819", nullptr},
+        {"DBNLS 1\nLC_TIME it\n", "de", nullptr, "it", nullptr},
+        {"DBNLS 1\nLC_TIME it\n", "de", "", "it", "it"}, // the empty one is replaced
+        {"DBNLS 1\nLC_TIME\n", "de", "", "de", "de"},
+        {"DBNLS 1\n", nullptr, "", "en_US.819", "en_US.819"},
+        // set in the environment: LANG shadows it in the registry, it wins at lookup
+        {"DBNLS 1\nLC_TIME it\n", "de", "es", "de", "es"},
+        {"DBNLS 1\n", nullptr, "es", "en_US.819", "es"},
+        {"LC_TIME it\n", "de", "", "it", ""},
+        {"DBNLS 3\nLC_TIME it\n", "de", nullptr, "it", nullptr},
+    };
+    for (const auto &row : rows) {
+        gFreeEVars();
+        unsetenv("LANG");
+        unsetenv("LC_TIME");
+        if (row.lang != nullptr)
+            setenv("LANG", row.lang, 1);
+        if (row.lc_time != nullptr)
+            setenv("LC_TIME", row.lc_time, 1);
+        write_user_file(row.file);
+        ASSERT_EQ(greadenv(), 0) << row.file;
+        EXPECT_STREQ(stored("LC_TIME"), row.in_registry) << row.file;
+        EXPECT_STREQ(getenv("LC_TIME"), row.in_environment) << row.file;
+    }
+}
