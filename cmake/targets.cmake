@@ -8,6 +8,9 @@ target_compile_options(kestrion_warnings INTERFACE
 if(KESTRION_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    add_compile_options(-fsanitize=fuzzer-no-link) # coverage of the library is what guides a fuzzer
+  endif()
 endif()
 
 # The runtime: no exceptions, no run-time type information, no static constructors.
