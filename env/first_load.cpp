@@ -27,8 +27,7 @@ int add_entry(const env_variable &row, int32_t index) {
     return ginsenv(row.name, row.default_value, &entry);
 }
 
-// A program that cannot hold the built-in defaults has nothing to run on, and nothing to say it
-// with.
+// A program that cannot hold the built-in defaults has nothing to run on, nor to say it with.
 void seed_built_in_rows() {
     Kes_EVars = static_cast<env_entry *>(calloc(Num_DVals, sizeof(env_entry)));
     if (Kes_EVars == nullptr)

@@ -3,11 +3,15 @@
 #include "env/config_files.h"
 #include "env/first_load.h"
 #include "env/registry.h"
+#include "platform/os_control.h"
 
 #include <cstdlib>
 #include <filesystem>
 
 namespace {
+
+enum class locale_start { done, looks_up_and_succeeds, looks_up_and_fails };
+locale_start start = locale_start::done;
 
 class FirstLoad : public Environment {};
 
@@ -16,6 +20,32 @@ const char *stored(const char *name) { return idx_getdefault(name, -1); }
 const std::string over_limit = "W2 kept\nKESTRIONSERVER " + std::string(129, 's') + "\nW2 lost\n";
 
 } // namespace
+
+// Brings the locale up as the start of a process does: with lookups of its own, while the block is
+// already there for them.
+extern "C" os_control *__real_CheckOsInit(void);
+extern "C" os_control *__wrap_CheckOsInit(void) {
+    const locale_start wanted = start;
+    start = locale_start::done;
+    if (wanted != locale_start::done)
+        ggetenv("NOT_KNOWN");
+    return wanted == locale_start::looks_up_and_fails ? nullptr : __real_CheckOsInit();
+}
+
+// The load inside the load does the work; the outer one must not repeat it over live entries.
+TEST_F(FirstLoad, IsEnteredAgainByTheStartOfTheLocale) {
+    write_user_file("W1 one\n");
+    start = locale_start::looks_up_and_succeeds;
+    EXPECT_STREQ(ggetenv("W1"), "one");
+    EXPECT_EQ(gerrno, 0);
+    EXPECT_EQ(Num_EVars, 344);
+
+    gFreeEVars();
+    start = locale_start::looks_up_and_fails;
+    EXPECT_EQ(ggetenv("W1"), nullptr);
+    EXPECT_EQ(gerrno, ENV_NO_MEMORY); // not what the inner lookup left
+    EXPECT_STREQ(ggetenv("W1"), "one");
+}
 
 TEST_F(FirstLoad, WithoutFilesGivesTheDefaults) {
     unsetenv("KESTRIONDIR");
