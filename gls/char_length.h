@@ -15,9 +15,10 @@ struct multi_node; // gls/multi.h
 // What a walk through a long text keeps, so that it need not look it up at each character.
 struct mbl_state {
     locale_rec *lc;
-    const multi_node *root; // of the class table
+    const multi_node *root; // of the class table; null in a null locale
     int32_t plug_in;        // 1: the plug-in serves the category
-    const ctype_walk *walk; // the class table, flattened
+    const multi_step *walk; // the class table, flattened
+    int32_t min_len;        // bytes of the terminator
 };
 
 extern "C" {

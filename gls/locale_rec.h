@@ -20,8 +20,8 @@
 typedef uint32_t gl_wchar;
 
 struct multi_arr;  // gls/multi.h
+struct multi_step; // gls/multi.h
 struct locale_rec; // below
-struct ctype_walk; // gls/ctype_walk.h
 
 inline constexpr int32_t gl_cs_name_size = 21;   // code-set name: 19 characters in a file, and room
 inline constexpr int32_t gl_file_name_size = 34; // file name: 33 characters and the terminator
@@ -52,14 +52,26 @@ struct case_pair {
     gl_wchar lower;
 };
 
+// A partner's bytes in the code set.
+struct case_text {
+    unsigned char bytes[4];
+    int32_t length; // 0: no partner in this direction, or one that is no character
+};
+
 struct ctype_rec {
     multi_arr *class_table;   // uint16_t mask by character; defines which sequences are characters
     int32_t class_name_count; // rows of class_names
     class_row *class_names;   // null when there are none
     multi_arr *case_index;    // uint16_t index into case_pairs by character; 0 no partner
     case_pair *case_pairs;    // case_pair_count + 1 entries; entry 0 is never used
-    int32_t case_pair_count;
-    ctype_walk *walk; // both tables flattened for the lookups; null in an empty category
+    // What lookups use instead, made when the category is read.
+    int32_t case_pair_count;      //
+    int32_t mb_loc_max;           // bytes of the longest character; 0 in an empty category
+    int32_t mb_loc_min;           // of the shortest one; 4 in an empty category
+    int32_t plain_ascii;          // 1: the bytes 01-7F are characters with the case of ASCII
+    const multi_step *class_walk; // the flat form of class_table, never null
+    const multi_step *case_walk;  // the flat form of case_index, never null
+    case_text *case_texts;        // upper and lower partner of each pair, [2 * index]
 };
 
 // A sequence of characters that a collation row stands for.

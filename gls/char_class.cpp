@@ -1,0 +1,73 @@
+#include "gls/char_class.h"
+
+#include "gls/char_walk.h"
+#include "gls/ctype_masks.h"
+
+#include <string.h>
+
+using namespace kestrion;
+
+namespace {
+
+struct standard_class {
+    const char *name;
+    uint32_t mask;
+};
+
+// Most wanted first.
+constexpr standard_class standard_classes[] = {
+    {"alpha", CT_ALPHA},   {"lower", CT_LOWER}, {"upper", CT_UPPER}, {"digit", CT_DIGIT},
+    {"xdigit", CT_XDIGIT}, {"alnum", CT_ALNUM}, {"blank", CT_BLANK}, {"space", CT_SPACE},
+    {"punct", CT_PUNCT},   {"graph", CT_GRAPH}, {"print", CT_PRINT}, {"cntrl", CT_CNTRL},
+};
+
+// Bits above the widest mask that the shift can hold name no class.
+constexpr int32_t mask_bits_left = 20;
+
+uint32_t named_mask(int32_t bit) { return bit >= 0 && bit <= mask_bits_left ? CT_NAMED << bit : 0; }
+
+} // namespace
+
+uint32_t gl_ctype(locale_rec *lc, const char *name) {
+    if (!name)
+        return 0;
+    // "full_width" is asked for at every width; no standard name begins like it.
+    if (name[0] != 'f')
+        for (const standard_class &c : standard_classes)
+            if (strcmp(c.name, name) == 0)
+                return c.mask;
+    const ctype_rec &ct = ctype_of(lc);
+    for (int32_t i = 0; i < ct.class_name_count; ++i)
+        if (strcmp(ct.class_names[i].name, name) == 0)
+            return named_mask(ct.class_names[i].bit);
+    return 0;
+}
+
+uint32_t _gl_im_iswctype(locale_rec *lc, gl_wchar wc, uint32_t mask) {
+    const ctype_rec &ct = ctype_of(lc);
+    multi_step step = walk_wide(ct.class_walk, wc, ct.mb_loc_min);
+    if (step.next == multi_end)
+        return step.datum & mask;
+    set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
+    return 0;
+}
+
+uint32_t _gl_im_ismctype(locale_rec *lc, const char *s, uint32_t mask) {
+    return _qvt_gl_im_ismctype(lc, s, -1, mask);
+}
+
+uint32_t _qvt_gl_im_ismctype(locale_rec *lc, const char *s, int32_t limit, uint32_t mask) {
+    if (!s)
+        return 0;
+    if (limit < 1 && limit != -1) {
+        set_engine_error(lc, GLS_ERR_SPECIFIER);
+        return 0;
+    }
+    const ctype_rec &ct = ctype_of(lc);
+    decoded_char c =
+        limit == -1 ? decode_text(ct, ct.class_walk, s) : decode_limited(ct.class_walk, s, limit);
+    if (is_char(c))
+        return c.step.datum & mask;
+    set_engine_error(lc, decode_error(c));
+    return 0;
+}
