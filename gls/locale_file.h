@@ -93,8 +93,4 @@ int32_t read_group(locale_rec *lc, FILE *file, group_rec *out);
 
 // Reads a wide character of eight hexadecimal digits.
 gl_wchar _gl_read_gl_wchar(FILE *file);
-
-// Reads and writes a 16-bit datum of a table, four hexadecimal digits. Returns 0.
-int ub2_reader(FILE *file, void *datum, uint32_t size);
-void ub2_writer(FILE *file, const void *datum);
 }

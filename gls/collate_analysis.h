@@ -1,0 +1,19 @@
+// What the collation rows say about characters: which are ignored at every level, and which are
+// equivalent.
+
+#pragma once
+
+#include "gls/locale_rec.h"
+
+namespace kestrion {
+
+// Fills ignorable_chars and equiv_pairs from the rows. Returns false with the error word set: 3, or
+// 11 for more texts than any code set gives.
+bool analyse_rows(locale_rec *lc);
+
+void free_analysis(collate_rec &r);
+
+// Row of a single byte; false when the byte is no character.
+bool row_of_byte(const collate_rec &r, unsigned char byte, uint16_t &row);
+
+} // namespace kestrion

@@ -1,0 +1,105 @@
+// Whole locales: the empty record, loading by specifier, release, and the absent Unicode plug-in.
+
+#include "gls/categories.h"
+#include "gls/category_data.h"
+#include "gls/char_walk.h"
+#include "gls/log.h"
+#include "gls/specifiers.h"
+
+#include <stdio.h>
+#include <string.h>
+
+using namespace kestrion;
+
+namespace {
+
+void free_record(locale_rec *lc) {
+    for (int32_t i = 0; i < gl_category_count; ++i)
+        gl_free_category(lc, gl_first_category + i);
+    free_byte_tables(lc);
+    _gl_ext_free(lc);
+}
+
+bool make_all_empty(locale_rec *lc) {
+    for (int32_t i = 0; i < gl_category_count; ++i)
+        if (gl_make_null_category(lc, gl_first_category + i) != 0)
+            return false;
+    return set_function_pointers(lc) == 0;
+}
+
+// Sets all categories of a new record. The record is handed out also when that fails: its word
+// tells.
+int32_t load_all(locale_rec **out, const char *setting, const char *dir) {
+    char *names = set_categories(*out, GL_CAT_ALL, setting, dir);
+    bool loaded = names != nullptr;
+    gl_destroystring(names);
+    return loaded && *_gl_ext_errno(*out) == GLS_OK ? 0 : -1;
+}
+
+} // namespace
+
+constinit locale_rec loc_nomem = {
+    .err = GLS_ERR_NO_MEMORY,
+    .ctype_cat = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters}};
+constinit locale_rec loc_filer = {
+    .err = GLS_ERR_FILE,
+    .ctype_cat = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters}};
+constinit int32_t glu_capable = 0;
+
+int32_t gl_create_null_locale_4(locale_rec **out) {
+    auto *lc = static_cast<locale_rec *>(_gl_ext_calloc(1, sizeof(locale_rec)));
+    if (lc && make_all_empty(lc)) {
+        *out = lc;
+        return 0;
+    }
+    if (lc)
+        free_record(lc);
+    *out = &loc_nomem;
+    return -1;
+}
+
+int32_t gl_lc_load(locale_rec **out, const char *spec, const char *regfile, const char *dir) {
+    char name[gl_composite_spec_size];
+    if (gl_create_null_locale_4(out) != 0 || gl_init_glu(*out) != 0)
+        return -1;
+    const char *setting = name;
+    if (gl_lc_spec2lc_fname(*out, spec, name, regfile, nullptr) != 0)
+        setting = spec;
+    set_engine_error(*out, GLS_OK); // a text that is no specifier is no failure
+    return load_all(out, setting, dir);
+}
+
+void gl_lc_unload(locale_rec *lc) {
+    if (!lc || lc == &loc_nomem || lc == &loc_filer)
+        return;
+    char line[40];
+    snprintf(line, sizeof line, "freeing locale 0x%x\n",
+             static_cast<unsigned>(reinterpret_cast<uintptr_t>(lc)));
+    gl_message(line);
+    free_record(lc);
+}
+
+void gl_free_nonshared_loc(locale_rec *lc) {
+    if (lc && lc != &loc_nomem && lc != &loc_filer)
+        free_record(lc);
+}
+
+int32_t gl_createlocale_4(locale_rec **out) { return gl_createlocale2_4(out, nullptr); }
+
+int32_t gl_createlocale2_4(locale_rec **out, const char *dir) {
+    return gl_create_null_locale_4(out) == 0 ? load_all(out, "native", dir) : -1;
+}
+
+int32_t gl_useglu(int32_t) { return 0; }
+
+int32_t gl_init_glu(locale_rec *) {
+    glu_capable = 0;
+    return 0;
+}
+
+int32_t set_categories_glu(locale_rec *, int32_t, const char *) { return 0; }
+
+void set_categories_glu_null(locale_rec *lc, int32_t category) {
+    lc->glu_in_use[category - gl_first_category] = 0;
+    lc->glu_locale[category - gl_first_category] = nullptr;
+}
