@@ -28,9 +28,9 @@ struct field {
 
 std::string hex(std::string_view bytes) {
     std::string text;
-    for (unsigned char byte : bytes) {
+    for (char byte : bytes) {
         char pair[4];
-        snprintf(pair, sizeof pair, "%02x", byte);
+        snprintf(pair, sizeof pair, "%02x", static_cast<unsigned char>(byte));
         text += pair;
     }
     return text;
