@@ -4,6 +4,7 @@
 #include <locale.h>
 #include <string.h>
 
+#include "env/registry.h"
 #include "general/error_numbers.h"
 #include "platform/os_control.h"
 
@@ -11,6 +12,8 @@ namespace {
 
 constexpr int first_high_byte = 128;
 constexpr int last_high_lower = 173; // 46 high bytes count as lower case; stays as it is
+
+constinit bool set_up = false; // rldctype has run
 
 unsigned char classes_of(int c) {
     const struct {
@@ -54,5 +57,15 @@ int rld8bitarr(void) {
     for (int c = first_high_byte; c < 256; c++)
         _ixctype[c + 1] = c <= last_high_lower ? CHARACTER_LOWER : CHARACTER_PUNCT;
     return 0;
+}
+
+int rldctype(void) {
+    if (set_up)
+        return 0;
+    set_up = true;
+    const char *dbnls = ggetenv("DBNLS");
+    if (dbnls == nullptr || (strcmp(dbnls, "1") != 0 && strcmp(dbnls, "2") != 0))
+        return rld8bitarr();
+    return rldnlsctype("") == 0 ? 0 : -1;
 }
 }

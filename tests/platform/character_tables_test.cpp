@@ -2,13 +2,10 @@
 
 #include <ctype.h>
 #include <gtest/gtest.h>
-#include <locale.h>
+#include <stdlib.h>
 #include <string.h>
 
-#include <algorithm>
-#include <iterator>
-
-#include "platform/os_control.h"
+#include "env/registry.h"
 #include "support/failing_malloc.h"
 
 namespace {
@@ -36,14 +33,6 @@ TEST(CharacterTables, StartAsAsciiWithoutThePrintableBit) {
     EXPECT_EQ(_ixctype[257], 0);
 }
 
-TEST(CharacterTables, HighConstantsReplaceWhatStoodThere) {
-    unsigned char before[258];
-    memcpy(before, _ixctype, sizeof before);
-    memset(_ixctype + 129, 0xFF, 128);
-    EXPECT_EQ(rld8bitarr(), 0);
-    EXPECT_EQ(memcmp(before, _ixctype, sizeof before), 0);
-}
-
 TEST(CharacterTables, FollowTheCLibrarysLocale) {
     memset(_ixctype, 0xFF, 257);
     EXPECT_EQ(rldnlsctype("C.UTF-8"), 0);
@@ -58,6 +47,42 @@ TEST(CharacterTables, RefusalsTellTheLocaleFromTheTables) {
     EXPECT_EQ(rldnlsctype("xx_XX.nowhere"), -7206);
     failing_malloc::scope refused(1);
     EXPECT_EQ(rldnlsctype("C"), -406);
+}
+
+// Sets the tables up as a program does whose registry is loaded.
+int set_up(const char *dbnls, const char *lc_all) {
+    setenv("LC_ALL", lc_all, 1);
+    if (dbnls != nullptr)
+        setenv("DBNLS", dbnls, 1);
+    else
+        unsetenv("DBNLS");
+    ggetenv("KESTRIONDIR");
+    memset(_ixctype, 0, sizeof _ixctype);
+    return rldctype();
+}
+
+TEST(CharacterTables, SetUpFollowsTheLocaleUnderDbnlsOne) {
+    EXPECT_EQ(set_up("1", "C"), 0);
+    EXPECT_EQ(class_of('a'), 2 + 64 + 128);
+    EXPECT_EQ(class_of(0x80), 0);
+}
+
+TEST(CharacterTables, SetUpFollowsTheLocaleUnderDbnlsTwo) {
+    EXPECT_EQ(set_up("2", "C"), 0);
+    EXPECT_EQ(class_of('a'), 2 + 64 + 128);
+}
+
+TEST(CharacterTables, SetUpOtherwiseTouchesTheHighBytesAlone) {
+    EXPECT_EQ(set_up("11", "xx_XX.nowhere"), 0);
+    EXPECT_EQ(class_of('a'), 0);
+    EXPECT_EQ(class_of(0x80), 2);
+    EXPECT_EQ(set_up("1", "C"), 0) << "only the first call works";
+    EXPECT_EQ(class_of('a'), 0);
+}
+
+TEST(CharacterTables, SetUpFailsWithALocaleThatIsNotThere) {
+    EXPECT_EQ(set_up("1", "xx_XX.nowhere"), -1);
+    EXPECT_EQ(class_of(0x80), 0);
 }
 
 } // namespace

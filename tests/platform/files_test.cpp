@@ -210,19 +210,6 @@ TEST_F(Files, StreamsThatCannotBeLeaveNothingBehind) {
     EXPECT_FALSE(is_open(next)) << "the descriptor under a stream that failed";
 }
 
-TEST_F(Files, PlainWrappersReportWhatTheSystemReports) {
-    const int fd = qvt_creat(path("plain").c_str(), 0666);
-    ASSERT_GE(fd, 0);
-    EXPECT_EQ(mode_of(path("plain")), 0666);
-    EXPECT_EQ(qvt_write(fd, "abc", 3), 3);
-    EXPECT_EQ(qvt_lseek(fd, -1, SEEK_CUR), 2);
-    char byte;
-    EXPECT_EQ(qvt_read(fd, &byte, 1), -1);
-    EXPECT_EQ(errno, EBADF);
-    EXPECT_EQ(qvt_close(fd), 0);
-    EXPECT_EQ(qvt_close(fd), -1);
-}
-
 TEST_F(Files, DirectoriesAreMadeUnderTheirOwnMask) {
     umask(077);
     EXPECT_EQ(qvt_mkdir(path("d").c_str(), 0777), 0);

@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include "platform/character_tables.h"
+#include "platform/locale_start.h"
 #include "support/failing_malloc.h"
 
 namespace {
@@ -44,11 +45,29 @@ TEST(OsControl, AllocatingABlockPublishesNothing) {
     free(block);
 }
 
+TEST(OsControl, LocaleStartsBehindThePublishedBlock) {
+    CheckOsInit();
+    EXPECT_NE(block_at_the_start, nullptr);
+    EXPECT_EQ(block_at_the_start, ostcb);
+}
+
+TEST(OsControl, FailedLocaleAnswersNullOnceAndTheBlockStays) {
+    for (int failure : {-23101, 4}) { // some errors of the engine come through as positive
+        ostcb = nullptr;
+        locale_start_result = failure;
+        EXPECT_EQ(qvt_ossetconn(5), nullptr);
+        ASSERT_NE(ostcb, nullptr);
+        EXPECT_EQ(ostcb->connection, -1);
+        EXPECT_EQ(CheckOsInit(), ostcb);
+        free(ostcb);
+    }
+}
+
 TEST(OsControl, NoMemoryAnswersNothingAndTheNextCallTriesAgain) {
     {
         failing_malloc::scope refused(1);
         EXPECT_EQ(CheckOsInit(), nullptr);
-        EXPECT_EQ(refused.calls(), 1u) << "the locale must not start without the block";
+        EXPECT_EQ(refused.calls(), 1u);
     }
     EXPECT_EQ(ostcb, nullptr);
     {

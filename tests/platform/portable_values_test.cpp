@@ -129,19 +129,6 @@ TEST(PortableValues, NullKeepsItsBitsThroughLoadAndStore) {
     EXPECT_EQ(is_null, 0);
 }
 
-TEST(PortableValues, PlainNullFormsAreTheHostForms) {
-    field f, d;
-    int16_t is_null = 7;
-    stfltnull(f.at(), 0, 1.5);
-    EXPECT_EQ(ldfloat(f.at()), 1.5);
-    EXPECT_EQ(ldfltnull(f.at(), &is_null), 1.5);
-    stdblnull(d.at(), 0, 1.5);
-    EXPECT_EQ(lddbl(d.at()), 1.5);
-    stdblnull(d.at(), 1, 1.5);
-    lddblnull(d.at(), &is_null);
-    EXPECT_EQ(is_null, 1);
-}
-
 // What an operation leaves in a fresh field of `size` bytes.
 template <typename Store> std::string stored(size_t size, Store store) {
     field f;
