@@ -68,14 +68,23 @@ void put_item(byte_sink &sink, const err_context &context, const isi_err_item *i
         put_code(sink, context, item);
 }
 
-void put_stack(byte_sink &sink, const err_context &context, const isi_err_stack *stack,
-               char delimiter) {
+// Returns the bytes that the whole takes up.
+size_t put_stack(const err_context &context, const isi_err_stack *stack, char delimiter,
+                 char *buffer, size_t capacity) {
+    byte_sink sink = {buffer, capacity, 0};
     for (const isi_err_item *item = stack->last; item != nullptr; item = item->previous) {
         if (item->kind == ISI_ERR_PLACE)
             continue;
         put_item(sink, context, item);
         sink.put(&delimiter, 1);
     }
+    return sink.wanted;
+}
+
+void drop_text(const err_context &context, isi_err_stack *stack) {
+    if (stack->text != nullptr)
+        context.globals->release(stack->text);
+    stack->text = nullptr;
 }
 
 __attribute__((format(printf, 2, 3))) void log_line(const err_context &context, const char *format,
@@ -155,22 +164,21 @@ size_t render_err_item(const err_context &context, const isi_err_item *item, cha
 const char *render_err_stack(const err_context &context, isi_err_stack *stack, char delimiter) {
     if (stack->last == nullptr)
         return nullptr;
-    if (stack->text != nullptr)
-        context.globals->release(stack->text);
-    stack->text = nullptr;
-
-    byte_sink measured = {nullptr, 0, 0};
-    put_stack(measured, context, stack, delimiter);
-    if (measured.wanted == 0)
+    drop_text(context, stack);
+    size_t size = 0;
+    size_t wanted = put_stack(context, stack, delimiter, nullptr, 0);
+    if (wanted == 0)
         return nullptr;
-    stack->text = static_cast<char *>(err_allocate(context, measured.wanted));
-    if (stack->text == nullptr)
-        return nullptr;
-    // A provider may word a code differently the second time: longer is cut, shorter ends early.
-    byte_sink rendered = {stack->text, measured.wanted, 0};
-    put_stack(rendered, context, stack, delimiter);
-    size_t length = rendered.wanted < measured.wanted ? rendered.wanted : measured.wanted;
-    stack->text[length != 0 ? length - 1 : 0] = '\0';
+    // A provider may word a code longer than when it was measured; after a few rounds it is cut.
+    for (int round = 0; wanted > size && round < 3; ++round) {
+        drop_text(context, stack);
+        size = wanted;
+        stack->text = static_cast<char *>(err_allocate(context, size));
+        if (stack->text == nullptr)
+            return nullptr;
+        wanted = put_stack(context, stack, delimiter, stack->text, size);
+    }
+    stack->text[(wanted < size ? wanted : size) - 1] = '\0'; // over the last delimiter
     return stack->text;
 }
 

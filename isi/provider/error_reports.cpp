@@ -53,7 +53,10 @@ int report_errno(int error) {
 }
 
 int report_libcrypto() {
-    while (unsigned long code = ERR_get_error())
+    unsigned long code = ERR_get_error();
+    if (code == 0)
+        return report_message("refused by libcrypto");
+    for (; code != 0; code = ERR_get_error())
         push(ISI_ERR_CRYPTO, static_cast<long>(code), nullptr);
     return provider_failed;
 }

@@ -24,7 +24,7 @@ inline constexpr int provider_failed = 1;
 // All push on the record that the calling thread was last given, and return provider_failed.
 int report_message(const char *text);
 int report_errno(int error);
-int report_libcrypto(); // every error that waits in libcrypto's queue of this thread
+int report_libcrypto(); // what waits in libcrypto's queue of this thread; it may give no reason
 
 void set_shared_globals(isi_shared_globals *globals); // null: nobody to report to
 void set_current_record(isi_shared_thread_globals *record);

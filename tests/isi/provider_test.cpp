@@ -144,6 +144,7 @@ TEST_F(Provider, RefusesMisuseWithAWord) {
              isi_encrypt_update(fresh, out, &length, in, 16)),
         CASE(isi_encrypt_init(fresh, cipher, key.data(), nullptr) +
              isi_cipher_ctx_set_key_length(fresh, 16)),
+        CASE(isi_encrypt_update(fresh, out, &length, in, -16)),
         CASE(isi_decrypt_update(fresh, out, &length, in, 16)),
         CASE(isi_decrypt_init(fresh, cipher, nullptr, nullptr) +
              isi_decrypt_update(fresh, out, &length, in, 16)),
