@@ -69,7 +69,7 @@ int start(void *handle, void *descriptor, const unsigned char *key, const unsign
     auto type = static_cast<const EVP_CIPHER *>(descriptor);
     if (type == nullptr && context->type == nullptr)
         return report_message("no cipher");
-    // Naming the cipher again would undo a key length that was set since.
+    // Naming the cipher again would undo a key length that was set since, and make its state anew.
     bool is_new = type != nullptr && type != context->type;
     if (is_new)
         forget_cipher(context);

@@ -149,7 +149,8 @@ TEST_F(Provider, RefusesMisuseWithAWord) {
         CASE(isi_decrypt_init(fresh, cipher, nullptr, nullptr) +
              isi_decrypt_update(fresh, out, &length, in, 16)),
         CASE(isi_encrypt_update(fresh, out, nullptr, in, 16)),
-        CASE(isi_cipher_ctx_cleanup(fresh) + isi_encrypt_update(fresh, out, &length, in, 16)),
+        CASE(isi_encrypt_init(fresh, cipher, key.data(), nullptr) + isi_cipher_ctx_cleanup(fresh) +
+             isi_encrypt_update(fresh, out, &length, in, 16)),
         CASE(isi_cipher_ctx_free(nullptr)),
         CASE(isi_get_cipherbyname("AES-193-ECB") == nullptr),
         CASE(isi_cipher_block_size(nullptr) == 0),
