@@ -354,7 +354,7 @@ void charmap_reader::add_row(uint32_t code_point, std::string_view name,
     if (code_point == no_code_point && !one_way)
         map_.named_rows_.try_emplace(std::string(name), static_cast<uint32_t>(map_.rows.size()));
     map_.mb_cur_max = std::max<int>(map_.mb_cur_max, sequence.length);
-    map_.rows.push_back({code_point, offset, sequence, -1, one_way});
+    map_.rows.push_back({code_point, offset, 0, sequence, -1, one_way});
 }
 
 void charmap_reader::add_range(const name_range &range, code_sequence first, bool one_way) {
@@ -422,8 +422,10 @@ void charmap_reader::set_widths(const name_range &range, int width) {
     uint64_t to = key(static_cast<uint32_t>(last - map_.rows.data()));
     auto at = std::lower_bound(by_bytes_.begin(), by_bytes_.end(), from,
                                [&](uint32_t row, uint64_t wanted) { return key(row) < wanted; });
-    for (; at != by_bytes_.end() && key(*at) <= to; ++at)
+    for (; at != by_bytes_.end() && key(*at) <= to; ++at) {
         map_.rows[*at].width = static_cast<int8_t>(width);
+        map_.rows[*at].width_offset = range.offset;
+    }
 }
 
 charmap::charmap(const source_file &source) : source_(source) {

@@ -32,12 +32,16 @@ struct code_sequence {
 
     // The bytes as a big-endian number: two bytes A1 B2 are A1B2.
     uint32_t packed() const;
+    // The bytes from the highest place on: sequences sorted by it stand in the order of their
+    // bytes.
+    uint32_t order() const { return packed() << 8 * (max_sequence_length - length); }
     bool operator==(const code_sequence &other) const = default;
 };
 
 struct charmap_row {
     uint32_t code_point = no_code_point; // no_code_point: the row's name is not of the form <Uxxxx>
     uint32_t offset = 0;                 // of the row in the source
+    uint32_t width_offset = 0;           // of the line that gives the width
     code_sequence sequence;
     int8_t width = -1;    // columns; -1: the charmap does not say
     bool one_way = false; // read so, never written so
