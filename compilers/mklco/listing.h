@@ -1,0 +1,41 @@
+// A locale object as a text that people can read and change, and that compiles to the same bytes.
+//
+//     locale_object 11
+//     head "SOURCE=en_US ISO-8859-1"
+//     code_set 8859-1
+//     class 00..08 cntrl                 characters by their bytes, ranges in the last byte
+//     class 30..39 digit graph print xdigit
+//     class 80 -                         a character without a class
+//     class_name 0 full_width            a class of its own, by its bit; it then stands in class
+//     lines pair 41 61                         upper and lower case; the first pair has index 1; -
+//     for none case 41..5a 1+                     index of the first, counting up growth 1
+//     collation as_specified             or thai_smo, and no more
+//     code_order 1
+//     max_weight 257
+//     levels 1
+//     row 00..ff 0+
+//     weights 0 2                        of row 0, one for each level, hexadecimal as all in this
+//     part contraction 5 63 68                row, characters expansion 61 65 characters LC_NUMERIC
+//     decimal_point "."       bytes outside ASCII as \xa0 LC_NUMERIC grouping 3 0
+//
+// Statements may stand in any order, but for those that count: pair, expansion, contraction,
+// weights.
+// "#" begins a comment where a word may begin.
+#pragma once
+
+#include <string>
+
+#include "compilers/mklco/object.h"
+#include "compilers/posix/source_place.h"
+
+namespace kestrion {
+
+std::string write_listing(const locale_object &object);
+
+// True when the text is a listing and not a locale source.
+bool is_listing(const source_file &source);
+
+// The object of a listing. Throws source_error.
+locale_object read_listing(const source_file &source);
+
+} // namespace kestrion

@@ -1,0 +1,186 @@
+#include "compilers/mklco/mklco.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+
+#include "compilers/mklco/collation_by_code.h"
+#include "compilers/mklco/ctype_source.h"
+#include "compilers/mklco/listing.h"
+#include "compilers/mklco/sections_source.h"
+#include "compilers/source_hash.h"
+#include "gls/locale_file.h"
+
+namespace kestrion {
+namespace {
+
+// Where the operating system keeps its sources.
+constexpr const char *system_sources = "/usr/share/i18n";
+// The charmap that knows the width of every character.
+constexpr const char *widths_charmap = "UTF-8";
+
+struct mklco_options {
+    bool list = false;
+    std::string charmap;
+    std::string code_set;
+    std::string calendar = "gregorian";
+    std::string collation = "code";
+    std::vector<std::string> directories;
+
+    std::vector<std::string> below(const char *folder) const {
+        std::vector<std::string> found;
+        for (const std::string &directory : directories)
+            found.push_back(directory + "/" + folder);
+        return found;
+    }
+};
+
+std::string last_component(const std::string &path) { return path.substr(path.rfind('/') + 1); }
+
+std::string collation_named(const std::string &name) {
+    if (name != "code" && name != "thai_smo")
+        throw usage_error("--collation takes code or thai_smo, not '" + name + "'");
+    return name;
+}
+
+std::string calendar_named(const std::string &name) {
+    for (const canned_calendar &calendar : gls_canned_calendars)
+        if (name + "\n" == calendar.name)
+            return name;
+    throw usage_error("--calendar takes gregorian, hebrew, islamic or arabic, not '" + name + "'");
+}
+
+// The sources of one object, kept until the last message about them is printed.
+class compilation {
+public:
+    compilation(const mklco_options &options, const std::string &source, diagnostics &said)
+        : options_(options), name_(source), said_(said), library_(options.below("locales")) {}
+
+    locale_object run();
+
+private:
+    const source_file &charmap_file(const std::string &name) {
+        std::unique_ptr<source_file> &file = charmap_files_[name];
+        if (!file)
+            file = find_source_file(name, options_.below("charmaps"));
+        return *file;
+    }
+    void describe(locale_object &object, const charmap &map) const;
+
+    const mklco_options &options_;
+    std::string name_;
+    diagnostics &said_;
+    source_library library_;
+    std::map<std::string, std::unique_ptr<source_file>> charmap_files_;
+};
+
+locale_object compilation::run() {
+    locale_object object;
+    try {
+        const locale_source &source = library_.open(name_);
+        charmap map(charmap_file(options_.charmap));
+        std::unique_ptr<charmap> widths;
+        if (!map.has_widths)
+            widths = std::make_unique<charmap>(charmap_file(widths_charmap));
+        compile_ctype(library_, source, map, widths.get(), said_, object);
+        text_encoder encoder(library_, source, map, said_);
+        compile_sections(library_, source, encoder, said_, options_.calendar, object);
+        if (options_.collation == "thai_smo")
+            object.collation.thai = true;
+        else
+            collate_by_code(object);
+        describe(object, map);
+    } catch (const source_error &error) {
+        said_.error(*error.where.file, error.where.position(), error.what(), error.remedy);
+    }
+    return object;
+}
+
+// The head lines: what made the object, and of what.
+void compilation::describe(locale_object &object, const charmap &map) const {
+    source_hash hash;
+    for (const auto &files : {std::cref(library_.files()), std::cref(charmap_files_)})
+        for (const auto &[name, file] : files.get())
+            hash.add(last_component(name), file->text());
+    object.code_set = options_.code_set.empty() ? map.code_set_name : options_.code_set;
+    std::string tool("COMPILER=mklco ");
+    object.head = {tool.append(compiler_version()),
+                   "SOURCE=" + last_component(name_) + " " + last_component(options_.charmap),
+                   "SOURCE_CRC32=" + hash.text()};
+}
+
+std::vector<output_file> compile(const mklco_options &options, const compiler_run &run,
+                                 diagnostics &said) {
+    if (run.output.empty())
+        throw usage_error("no output is named; -o FILE names it");
+    if (options.charmap.empty()) {
+        source_file listing = source_file::read(run.sources[0]);
+        if (!is_listing(listing))
+            throw usage_error("no charmap is named; --charmap NAME names it");
+        try {
+            return {{run.output, write_object(read_listing(listing))}};
+        } catch (const source_error &error) {
+            said.error(listing, error.where.position(), error.what(), error.remedy);
+            return {};
+        }
+    }
+    locale_object object = compilation(options, run.sources[0], said).run();
+    if (said.failed())
+        return {};
+    return {{run.output, write_object(object)}};
+}
+
+// Objects of other makers may hold what no listing says: the bytes between two numbers, the order
+// of sections, tables whose characters differ.
+std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
+    source_file file = source_file::read(run.sources[0]);
+    std::string listing = write_listing(read_object(run.sources[0]));
+    if (write_object(read_listing({"listing", listing})) != file.text())
+        said.warning(file, {}, "mklco did not lay this object out",
+                     "the listing compiles to the same data, not to the same bytes");
+    return {{run.output, std::move(listing)}};
+}
+
+std::vector<output_file> run_mklco(mklco_options &options, const compiler_run &run,
+                                   diagnostics &said) {
+    if (!options.list) {
+        options.directories.emplace_back(system_sources);
+        return compile(options, run, said);
+    }
+    if (!options.charmap.empty() || !options.code_set.empty() || !options.directories.empty())
+        throw usage_error("--list goes with no option of a compilation");
+    return list(run, said);
+}
+
+} // namespace
+
+int mklco_main(int argc, char **argv, std::FILE *messages) {
+    mklco_options options;
+    const compiler self = {
+        .name = "mklco",
+        .synopsis = "-o FILE --charmap NAME [--code-set NAME] LOCALE\n"
+                    "       mklco -o FILE LISTING\n"
+                    "       mklco --list [-o FILE] OBJECT",
+        .summary = "Compiles a POSIX locale source and a charmap to a locale object.",
+        .options =
+            {
+                {"charmap", 'f', "NAME", "the charmap of the code set",
+                 [&](const std::string &value) { options.charmap = value; }},
+                {"code-set", 'c', "NAME", "the code set's name in the registry of code sets",
+                 [&](const std::string &value) { options.code_set = value; }},
+                {"calendar", 0, "NAME", "gregorian, hebrew, islamic or arabic",
+                 [&](const std::string &value) { options.calendar = calendar_named(value); }},
+                {"collation", 0, "NAME", "order texts by code, or by thai_smo",
+                 [&](const std::string &value) { options.collation = collation_named(value); }},
+                {"directory", 'I', "DIR", "look for locales/ and charmaps/ here first",
+                 [&](const std::string &value) { options.directories.push_back(value); }},
+                {"list", 'l', nullptr, "print an object as a text that compiles to it",
+                 [&](const std::string &) { options.list = true; }},
+            },
+        .compile = [&](const compiler_run &run,
+                       diagnostics &said) { return run_mklco(options, run, said); },
+    };
+    return compiler_main(argc, argv, self, messages);
+}
+
+} // namespace kestrion

@@ -1,0 +1,10 @@
+// The locale object compiler, as one record for the frame of the compilers.
+#pragma once
+
+#include "compilers/compiler.h"
+
+namespace kestrion {
+
+int mklco_main(int argc, char **argv, std::FILE *messages = stderr);
+
+} // namespace kestrion

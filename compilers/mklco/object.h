@@ -1,0 +1,137 @@
+// A locale object as the compiler holds it between source, listing and file.
+//
+// The file is described in docs/formats/locale-object.md. Here a character is one record with what
+// the three tables of the file say about it; the tables therefore always hold the same characters.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "compilers/posix/charmap.h"
+
+namespace kestrion {
+
+struct object_character {
+    code_sequence sequence;
+    uint16_t classes = 0;    // mask of gls/ctype_masks.h
+    uint16_t case_index = 0; // into the pairs, which count from 1; 0: no partner
+    uint16_t row = 0;        // of the collation
+};
+
+// The order of the file: by bytes.
+inline bool by_bytes(const object_character &a, const object_character &b) {
+    return a.sequence.order() < b.sequence.order();
+}
+
+struct object_case_pair {
+    uint32_t upper = 0; // packed bytes; 0: no mapping in this direction
+    uint32_t lower = 0;
+    auto operator<=>(const object_case_pair &) const = default;
+};
+
+struct object_collation {
+    bool thai = false; // the method thai_smo, which has no data
+    int32_t code_order_form = 0;
+    uint32_t max_weight = 0;
+    std::vector<uint16_t> levels; // their directions; 1 forward, 2 backward
+    struct contraction {
+        uint16_t row = 0;
+        std::vector<uint32_t> characters;
+    };
+    std::vector<contraction> contractions;
+    std::vector<std::vector<uint32_t>> expansions;
+    std::vector<std::vector<uint16_t>> rows; // weights of each row, one a level
+};
+
+// How a field of the sections behind the collation stands in the file.
+enum class field_kind : uint8_t {
+    line,    // one word on a line
+    texts,   // `count` texts
+    counted, // a count and so many texts
+    group,   // sizes of digit groups
+    integer, // a number on a line
+};
+
+enum class object_section : uint8_t { numeric, monetary, time, messages };
+
+// The fields of the sections in the order of the file, with the keywords of locale sources.
+struct object_field {
+    object_section section;
+    const char *keyword;
+    field_kind kind;
+    uint8_t count;
+};
+
+inline constexpr object_field object_fields[] = {
+    {object_section::numeric, "decimal_point", field_kind::texts, 1},
+    {object_section::numeric, "thousands_sep", field_kind::texts, 1},
+    {object_section::numeric, "grouping", field_kind::group, 0},
+    {object_section::numeric, "positive_sign", field_kind::texts, 1},
+    {object_section::numeric, "negative_sign", field_kind::texts, 1},
+    {object_section::monetary, "int_curr_symbol", field_kind::texts, 1},
+    {object_section::monetary, "currency_symbol", field_kind::texts, 1},
+    {object_section::monetary, "mon_decimal_point", field_kind::texts, 1},
+    {object_section::monetary, "mon_thousands_sep", field_kind::texts, 1},
+    {object_section::monetary, "mon_grouping", field_kind::group, 0},
+    {object_section::monetary, "positive_sign", field_kind::texts, 1},
+    {object_section::monetary, "negative_sign", field_kind::texts, 1},
+    {object_section::monetary, "int_frac_digits", field_kind::integer, 1},
+    {object_section::monetary, "frac_digits", field_kind::integer, 1},
+    {object_section::monetary, "p_cs_precedes", field_kind::integer, 1},
+    {object_section::monetary, "p_sep_by_space", field_kind::integer, 1},
+    {object_section::monetary, "n_cs_precedes", field_kind::integer, 1},
+    {object_section::monetary, "n_sep_by_space", field_kind::integer, 1},
+    {object_section::monetary, "p_sign_posn", field_kind::integer, 1},
+    {object_section::monetary, "n_sign_posn", field_kind::integer, 1},
+    {object_section::time, "calendar", field_kind::line, 1},
+    {object_section::time, "abday", field_kind::texts, 7},
+    {object_section::time, "day", field_kind::texts, 7},
+    {object_section::time, "abmon", field_kind::counted, 12},
+    {object_section::time, "mon", field_kind::counted, 12},
+    {object_section::time, "d_t_fmt", field_kind::texts, 1},
+    {object_section::time, "d_fmt", field_kind::texts, 1},
+    {object_section::time, "t_fmt", field_kind::texts, 1},
+    {object_section::time, "am_pm", field_kind::texts, 2},
+    {object_section::time, "t_fmt_ampm", field_kind::texts, 1},
+    {object_section::time, "era", field_kind::counted, 0},
+    {object_section::time, "era_d_fmt", field_kind::texts, 1},
+    {object_section::time, "era_t_fmt", field_kind::texts, 1},
+    {object_section::time, "era_d_t_fmt", field_kind::texts, 1},
+    {object_section::time, "alt_digits", field_kind::counted, 0},
+    {object_section::messages, "yesexpr", field_kind::texts, 1},
+    {object_section::messages, "noexpr", field_kind::texts, 1},
+    {object_section::messages, "yesstr", field_kind::texts, 1},
+    {object_section::messages, "nostr", field_kind::texts, 1},
+};
+inline constexpr size_t object_field_count = std::size(object_fields);
+
+inline constexpr const char *object_section_names[] = {"LC_NUMERIC", "LC_MONETARY", "LC_TIME",
+                                                       "LC_MESSAGES"};
+
+struct object_field_value {
+    std::vector<std::string> texts; // bytes in the object's code set; also the word of a line
+    std::vector<int64_t> numbers;
+};
+
+struct locale_object {
+    std::vector<std::string> head; // the lines that readers skip
+    std::string code_set;          // its name in the code-set registry, at most 19 characters
+    std::vector<object_character> characters;             // in the order of their bytes
+    std::vector<std::pair<int, std::string>> class_names; // bit and name
+    std::vector<object_case_pair> pairs;                  // index 1 is the first
+    double growth = 1.0;                                  // of a text by case conversion
+    object_collation collation;
+    object_field_value fields[object_field_count];
+
+    object_field_value &field(object_section section, std::string_view keyword);
+};
+
+// The object as its file. Throws compiler_failure when it cannot be one.
+std::string write_object(const locale_object &object);
+
+// The object of a file. Throws compiler_failure, which names the file and what is wrong.
+locale_object read_object(const std::string &path);
+
+} // namespace kestrion

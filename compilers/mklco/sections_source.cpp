@@ -1,0 +1,293 @@
+#include "compilers/mklco/sections_source.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "compilers/mklco/time_format.h"
+#include "gls/locale_rec.h"
+
+namespace kestrion {
+namespace {
+
+constexpr size_t most_alternative_digits = 100;
+constexpr int64_t source_group_end = 127; // the other way to write -1
+
+// Keywords whose data the object has no place for and nobody misses.
+constexpr std::string_view passed_over[] = {
+    "week",     "first_weekday", "first_workday", "cal_direction",
+    "timezone", "date_fmt",      "alt_mon",       "ab_alt_mon",
+};
+
+// Positions of international amounts, and those of local ones that serve for both.
+struct shared_position {
+    std::string_view international, local;
+};
+constexpr shared_position shared_positions[] = {
+    {"int_p_cs_precedes", "p_cs_precedes"},   {"int_n_cs_precedes", "n_cs_precedes"},
+    {"int_p_sep_by_space", "p_sep_by_space"}, {"int_n_sep_by_space", "n_sep_by_space"},
+    {"int_p_sign_posn", "p_sign_posn"},       {"int_n_sign_posn", "n_sign_posn"},
+};
+
+bool is_format(std::string_view keyword) { return keyword.find("_fmt") != std::string_view::npos; }
+
+class sections_compiler {
+public:
+    sections_compiler(source_library &library, const locale_source &source, text_encoder &encoder,
+                      diagnostics &said, locale_object &object)
+        : library_(library), source_(source), encoder_(encoder), said_(said), object_(object) {}
+
+    void read(object_section section);
+    void tell_losses();
+
+private:
+    struct international_position {
+        const shared_position *names;
+        int64_t value;
+        source_place place;
+    };
+
+    void statement(object_section section, const source_statement &statement);
+    void set(const object_field &field, const source_statement &statement,
+             object_field_value &value);
+    void set_texts(const object_field &field, const source_statement &statement,
+                   std::vector<size_t> operands, object_field_value &value);
+    void set_defaults(const object_field &field, object_field_value &value) const;
+    std::string era(const source_statement &statement, size_t token);
+    std::string text(const source_statement &statement, size_t token, bool format);
+    static int64_t number(const source_statement &statement, size_t token);
+    static std::vector<int64_t> groups(const source_statement &statement,
+                                       const std::vector<size_t> &operands);
+
+    source_library &library_;
+    const locale_source &source_;
+    text_encoder &encoder_;
+    diagnostics &said_;
+    locale_object &object_;
+    std::vector<international_position> international_;
+    source_place mon_separator_;
+};
+
+// The operands of a statement, between semicolons.
+std::vector<size_t> operands_of(const source_statement &statement) {
+    std::vector<size_t> operands;
+    for (size_t i = 1; i < statement.tokens.size(); i++) {
+        bool separator = statement.tokens[i].kind == token_kind::semicolon;
+        if (separator == (i % 2 != 0))
+            throw source_error(statement.place(i),
+                               separator ? "an operand must stand here"
+                                         : "a semicolon must stand here",
+                               "separate the operands by ;");
+        if (!separator)
+            operands.push_back(i);
+    }
+    return operands;
+}
+
+void sections_compiler::read(object_section section) {
+    const char *name = object_section_names[static_cast<int>(section)];
+    library_.for_each_statement(source_, name,
+                                [&](const source_statement &s) { statement(section, s); });
+    for (size_t i = 0; i < object_field_count; i++)
+        if (object_fields[i].section == section)
+            set_defaults(object_fields[i], object_.fields[i]);
+}
+
+void sections_compiler::statement(object_section section, const source_statement &statement) {
+    std::string_view keyword = statement.keyword();
+    for (size_t i = 0; i < object_field_count; i++)
+        if (object_fields[i].section == section && object_fields[i].keyword == keyword)
+            return set(object_fields[i], statement, object_.fields[i]);
+    for (const shared_position &names : shared_positions)
+        if (keyword == names.international) {
+            operands_of(statement);
+            international_.push_back({&names, number(statement, 1), statement.place()});
+            return;
+        }
+    if (std::find(std::begin(passed_over), std::end(passed_over), keyword) == std::end(passed_over))
+        said_.warning(statement.source->file(), statement.place().position(),
+                      "\"" + std::string(statement.tokens[0].text) +
+                          "\" is no keyword of this category and is passed over",
+                      "remove it");
+}
+
+int64_t sections_compiler::number(const source_statement &statement, size_t token) {
+    if (token >= statement.tokens.size() || statement.tokens[token].kind != token_kind::number)
+        throw source_error(statement.place(token), "a number must stand here",
+                           "give a decimal number, or -1 for none");
+    return statement.tokens[token].number;
+}
+
+std::string sections_compiler::text(const source_statement &statement, size_t token, bool format) {
+    std::vector<text_element> elements = statement.source->elements(statement.tokens[token]);
+    if (format)
+        elements = rewrite_format(*statement.source, elements);
+    return encoder_.encode(*statement.source, elements, format ? text_use::format : text_use::name);
+}
+
+// The sizes of a source, which end in one that repeats or in -1, for the object, which tells the
+// two apart by a 0 behind the last.
+std::vector<int64_t> sections_compiler::groups(const source_statement &statement,
+                                               const std::vector<size_t> &operands) {
+    std::vector<int64_t> sizes;
+    for (size_t token : operands) {
+        int64_t size = number(statement, token);
+        if (size == 0)
+            break;
+        if (size < -1 || size > source_group_end)
+            throw source_error(statement.place(token), "this is no size of a digit group",
+                               "give 1 to 126, or -1 for no more groups");
+        if (size == -1 || size == source_group_end) {
+            sizes.push_back(-1);
+            return sizes;
+        }
+        sizes.push_back(size);
+    }
+    while (sizes.size() > 1 && sizes.back() == sizes[sizes.size() - 2])
+        sizes.pop_back();
+    if (!sizes.empty())
+        sizes.push_back(0);
+    if (sizes.size() > size_t{gl_group_limit})
+        throw source_error(statement.place(), "too many sizes of digit groups", "give 14 at most");
+    return sizes;
+}
+
+void sections_compiler::set_texts(const object_field &field, const source_statement &statement,
+                                  std::vector<size_t> operands, object_field_value &value) {
+    std::string_view keyword = field.keyword;
+    if (keyword == "alt_digits" && operands.size() > most_alternative_digits) {
+        said_.loss(statement.source->file(),
+                   statement.place(operands[most_alternative_digits]).position(),
+                   "alternative digits from the hundred-and-first on are left out",
+                   "the object holds those of 0 to 99");
+        operands.resize(most_alternative_digits);
+    }
+    bool list = field.kind == field_kind::counted && field.count == 0;
+    if (!list && operands.size() != field.count)
+        throw source_error(statement.place(),
+                           std::string(keyword) + " has " + std::to_string(operands.size()) +
+                               " texts",
+                           "give " + std::to_string(field.count));
+    value.texts.clear();
+    for (size_t token : operands)
+        value.texts.push_back(keyword == "era" ? era(statement, token)
+                                               : text(statement, token, is_format(keyword)));
+    if (list && value.texts.size() == 1 && value.texts[0].empty())
+        value.texts.clear();
+}
+
+void sections_compiler::set(const object_field &field, const source_statement &statement,
+                            object_field_value &value) {
+    std::vector<size_t> operands = operands_of(statement);
+    std::string_view keyword = field.keyword;
+    if (keyword == "mon_thousands_sep")
+        mon_separator_ = statement.place();
+    if (field.kind == field_kind::integer)
+        value.numbers = {number(statement, 1)};
+    else if (field.kind == field_kind::group)
+        value.numbers = groups(statement, operands);
+    else if (field.kind != field_kind::line)
+        set_texts(field, statement, std::move(operands), value);
+}
+
+void sections_compiler::set_defaults(const object_field &field, object_field_value &value) const {
+    std::string_view keyword = field.keyword;
+    if (field.kind == field_kind::integer) {
+        if (value.numbers.empty())
+            value.numbers = {-1};
+        // An amount without a known layout would come out empty.
+        if (value.numbers[0] == -1 && !keyword.ends_with("frac_digits"))
+            value.numbers[0] = keyword.ends_with("sep_by_space") ? 0 : 1;
+    } else if (field.kind == field_kind::texts ||
+               (field.kind == field_kind::counted && field.count != 0)) {
+        bool sign = field.section == object_section::numeric && value.texts.empty();
+        value.texts.resize(field.count);
+        if (sign && keyword == "positive_sign")
+            value.texts[0] = encoder_.encode_ascii("+");
+        if (sign && keyword == "negative_sign")
+            value.texts[0] = encoder_.encode_ascii("-");
+    }
+}
+
+// A date of an era as a number that orders; false for "+*", "-*" and what is none.
+bool era_date(std::string_view text, int64_t &date) {
+    std::array<int64_t, 3> part{};
+    size_t at = 0;
+    bool negative = text.starts_with('-');
+    for (int64_t &number : part) {
+        at += at == 0 && !negative && !text.starts_with('+') ? 0 : 1;
+        size_t digits = at;
+        while (at < text.size() && text[at] >= '0' && text[at] <= '9' && at - digits < 9)
+            number = number * 10 + (text[at++] - '0');
+        if (at == digits)
+            return false;
+    }
+    date = (negative ? -part[0] : part[0]) * 512 + part[1] * 32 + part[2];
+    return at == text.size();
+}
+
+std::string sections_compiler::era(const source_statement &statement, size_t token) {
+    const locale_source &from = *statement.source;
+    std::vector<text_element> elements = from.elements(statement.tokens[token]);
+    if (elements.empty())
+        return {};
+    std::array<std::vector<text_element>, 6> fields;
+    std::array<std::string, 4> plain; // direction, offset, start and end as ASCII
+    size_t at = 0;
+    for (const text_element &element : elements) {
+        bool character = element.is == text_element::kind::code_point;
+        if (character && element.value == ':' && at < 5) {
+            at++;
+            continue;
+        }
+        fields[at].push_back(element);
+        if (at < plain.size())
+            plain[at] += character && element.value < 0x80 ? static_cast<char>(element.value) : '?';
+    }
+    int64_t start = 0, end = 0;
+    bool open_end = plain[3] == "+*" || plain[3] == "-*";
+    bool number =
+        !plain[1].empty() && plain[1].find_first_not_of("0123456789") == std::string::npos;
+    if (at != 5 || (plain[0] != "+" && plain[0] != "-") || !number || !era_date(plain[2], start) ||
+        (!open_end && !era_date(plain[3], end)))
+        throw source_error(
+            statement.place(token), "this is no era",
+            "write \"direction:offset:start:end:name:format\" with dates as year/month/day");
+    bool backward = open_end ? plain[3] == "-*" : end < start;
+    std::string name = encoder_.encode(from, fields[4], text_use::name);
+    std::string format = encoder_.encode(from, rewrite_format(from, fields[5]), text_use::format);
+    std::string colon = encoder_.encode_ascii(":");
+    std::string text = encoder_.encode_ascii(backward ? "-" : "+");
+    for (size_t i = 1; i < plain.size(); i++)
+        text.append(colon).append(encoder_.encode_ascii(plain[i]));
+    return text.append(colon).append(name).append(colon).append(name).append(colon).append(format);
+}
+
+void sections_compiler::tell_losses() {
+    for (const international_position &position : international_) {
+        int64_t local = object_.field(object_section::monetary, position.names->local).numbers[0];
+        if (position.value != local && position.value != -1)
+            said_.loss(*position.place.file, position.place.position(),
+                       std::string(position.names->international) + " is left out",
+                       "international amounts are laid out as local ones");
+    }
+    const std::string &separator = object_.field(object_section::numeric, "thousands_sep").texts[0];
+    if (mon_separator_.file != nullptr &&
+        object_.field(object_section::monetary, "mon_thousands_sep").texts[0] != separator)
+        said_.loss(*mon_separator_.file, mon_separator_.position(),
+                   "amounts will have the thousands_sep of LC_NUMERIC", "make the two the same");
+}
+
+} // namespace
+
+void compile_sections(source_library &library, const locale_source &source, text_encoder &encoder,
+                      diagnostics &said, const std::string &calendar, locale_object &object) {
+    sections_compiler compiler(library, source, encoder, said, object);
+    object.field(object_section::time, "calendar").texts = {calendar};
+    for (object_section section : {object_section::numeric, object_section::monetary,
+                                   object_section::time, object_section::messages})
+        compiler.read(section);
+    compiler.tell_losses();
+}
+
+} // namespace kestrion

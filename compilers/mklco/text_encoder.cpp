@@ -1,0 +1,75 @@
+#include "compilers/mklco/text_encoder.h"
+
+#include <cstdio>
+
+namespace kestrion {
+namespace {
+
+void append_sequence(std::string &out, const code_sequence &sequence) {
+    out.append(reinterpret_cast<const char *>(sequence.bytes), sequence.length);
+}
+
+} // namespace
+
+// All of them or none.
+bool text_encoder::append_code_points(std::string &out, const std::u32string &text) const {
+    std::string bytes;
+    for (char32_t code_point : text) {
+        const charmap_row *row = map_.find(code_point);
+        if (row == nullptr)
+            return false;
+        append_sequence(bytes, row->sequence);
+    }
+    out += bytes;
+    return true;
+}
+
+void text_encoder::append(std::string &out, const locale_source &from, const text_element &element,
+                          text_use use) {
+    bool named = element.is == text_element::kind::name;
+    const charmap_row *row = named ? map_.find_name(element.name) : map_.find(element.value);
+    if (row != nullptr)
+        return append_sequence(out, row->sequence);
+    if (!named) {
+        if (!substitutes_)
+            substitutes_.emplace(library_, source_);
+        if (const auto *texts = substitutes_->find(element.value))
+            for (const std::u32string &text : *texts)
+                if (append_code_points(out, text))
+                    return;
+    }
+    source_place place = from.place(element.offset);
+    std::string what = "the code set lacks ";
+    if (named) {
+        what.append(element.name);
+    } else {
+        char text[16];
+        std::snprintf(text, sizeof text, "U+%04X", element.value);
+        what.append(text);
+    }
+    if (use == text_use::format)
+        throw source_error(
+            place, what,
+            "a format cannot do without it; give a transliteration or choose another charmap");
+    said_.loss(*place.file, place.position(), what, "a question mark stands in its place");
+    append_code_points(out, U"?");
+}
+
+std::string text_encoder::encode(const locale_source &from, std::span<const text_element> text,
+                                 text_use use) {
+    std::string out;
+    for (const text_element &element : text)
+        if (element.is == text_element::kind::byte)
+            out += static_cast<char>(element.value);
+        else
+            append(out, from, element, use);
+    return out;
+}
+
+std::string text_encoder::encode_ascii(std::string_view text) const {
+    std::string out;
+    append_code_points(out, std::u32string(text.begin(), text.end()));
+    return out;
+}
+
+} // namespace kestrion

@@ -1,0 +1,410 @@
+// The locale object compiler as a command: what it makes of sources, what it refuses and what it
+// says.
+
+#include "compilers/mklco/mklco.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <gtest/gtest.h>
+
+namespace fs = std::filesystem;
+using namespace kestrion;
+
+namespace {
+
+struct outcome {
+    int status;
+    std::string said;
+};
+
+outcome mklco(std::vector<std::string> words) {
+    words.insert(words.begin(), "mklco");
+    std::vector<char *> argv;
+    for (std::string &word : words)
+        argv.push_back(word.data());
+    argv.push_back(nullptr);
+    char *text = nullptr;
+    size_t size = 0;
+    FILE *stream = open_memstream(&text, &size);
+    const int status = mklco_main(static_cast<int>(words.size()), argv.data(), stream);
+    fclose(stream);
+    outcome result = {status, text};
+    free(text);
+    return result;
+}
+
+std::string content(const fs::path &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// What stands in a text behind `marker` and in front of `end`.
+std::string between(const std::string &text, const std::string &marker, const std::string &end) {
+    size_t from = text.find(marker);
+    if (from == std::string::npos)
+        return "no " + marker;
+    from += marker.size();
+    return text.substr(from, text.find(end, from) - from);
+}
+
+constexpr const char *ctype =
+    "LC_CTYPE\n"
+    "upper A;B;<U00C4>\nlower a;b;<U00E4>;<U00DF>\ndigit <U0030>..<U0039>\n"
+    "space <U0009>;<U0020>\ncntrl <U0000>;<U0009>\npunct <U0021>\nblank <U0009>\n"
+    "toupper (a,A);(b,B);(<U00E4>,<U00C4>);(<U00FF>,<U0178>)\n"
+    "tolower (A,a);(B,b);(<U00C4>,<U00E4>)\n"
+    "class \"vowel\"; A;a;<U00C4>\nclass \"none\"; <U4E00>\n"
+    "translit_start\n<U20AC> <U4E00>;\"EUR\"\n<U0300> \"\"\ntranslit_end\n"
+    "END LC_CTYPE\n";
+
+struct Mklco : testing::Test {
+    void SetUp() override {
+        char name[] = "/tmp/kestrion-mklco-XXXXXX";
+        fs::current_path(mkdtemp(name));
+        fs::create_directory("locales");
+        fs::create_directory("charmaps");
+        std::string rows;
+        for (int i = 0; i < 128; i++) {
+            char row[32];
+            snprintf(row, sizeof row, "<U%04X> /x%02x\n", static_cast<unsigned>(i),
+                     static_cast<unsigned>(i));
+            rows += row;
+        }
+        rows += "<U00C4> /xc4\n<U00E4> /xe4\n<U00DF> /xdf\n<U3000> /x81/x40\n";
+        std::ofstream("charmaps/T")
+            << "<code_set_name> T\n<comment_char> %\n<escape_char> /\nCHARMAP\n"
+            << rows << "END CHARMAP\nWIDTH\n<U3000> 2\n<U00DF> 0\nEND WIDTH\n";
+        std::ofstream("old.lco") << "old";
+    }
+    void TearDown() override {
+        const fs::path here = fs::current_path();
+        fs::current_path("/");
+        fs::remove_all(here);
+    }
+
+    // Compiles a source whose sections hold no more than these lines.
+    outcome compile(const std::string &numeric, const std::string &monetary = "",
+                    const std::string &time = "", const std::string &messages = "",
+                    std::vector<std::string> more = {}) {
+        std::ofstream("locales/tt") << "comment_char %\nescape_char /\n"
+                                    << ctype << "LC_NUMERIC\n"
+                                    << numeric << "END LC_NUMERIC\nLC_MONETARY\n"
+                                    << monetary << "END LC_MONETARY\nLC_TIME\n"
+                                    << time << "END LC_TIME\nLC_MESSAGES\n"
+                                    << messages << "END LC_MESSAGES\n";
+        std::vector<std::string> words = {"-I.", "-fT", "-ct", "-onew.lco", "tt"};
+        words.insert(words.end(), more.begin(), more.end());
+        return mklco(words);
+    }
+    std::string section(const char *marker) { return between(content("new.lco"), marker, "### "); }
+};
+
+} // namespace
+
+// The whole of an object, by hand.
+TEST(MklcoObject, LatinEnglishIsWhatAHandWouldWrite) {
+    const std::string object = content(KESTRION_BUILD_DIR "/gls/lc11/en_us/0333.lco");
+    EXPECT_TRUE(
+        object.starts_with("FILE_TYPE=locale_object\nCOMPILER_VERSION=11\nHEADER_LINES=6\n"));
+    EXPECT_NE(object.find("\nSOURCE=en_US ISO-8859-1\n"), std::string::npos);
+    EXPECT_NE(object.find("\n8859-1\n### LC_CTYPE\n1 1 1 0000\n1 1\n0000110004\n0000000\n"
+                          "000010090020\n090010010430\n0a0010040030\n0e0010120020\n200010010510\n"
+                          "2100100f01c0\n3000100a0388\n3a00100701c0\n410010060385\n470010140185\n"
+                          "5b00100601c0\n610010060386\n670010140186\n7b00100401c0\n7f0010210020\n"
+                          "a000100a01c0\n"),
+              std::string::npos);
+    EXPECT_NE(object.find("\nf80010080186\n0000000\n0\n1 1 1 0000\n1 1\n0000110004\n0000000\n"
+                          "4101a00100010002"),
+              std::string::npos);
+    EXPECT_NE(object.find("\n0000000\n56\n0000004100000061\n"), std::string::npos);
+    EXPECT_NE(object.find("\n000000de000000fe\n1.0\n### LC_COLLATE\n"), std::string::npos);
+    EXPECT_NE(
+        object.find(
+            "### LC_NUMERIC\n1 2e\n1 2c\n2 3 0\n1 2b\n1 2d\n"
+            "### LC_MONETARY\n4 55534420\n1 24\n1 2e\n1 2c\n2 3 0\n0\n1 2d\n2\n2\n1\n0\n1\n0\n1\n1\n"
+            "### LC_TIME\ngregorian\n3 53756e\n3 4d6f6e\n3 547565\n3 576564\n3 54"),
+        std::string::npos);
+    EXPECT_TRUE(object.ends_with(
+        "\n14 2561202564202562202559202572\n8 256d2f25642f2559\n2 2572\n2 414d\n2 504d\n"
+        "11 25493a254d3a2553202570\n0\n0\n0\n0\n0\n### LC_MESSAGES\n"
+        "7 5e5b2b3179595d\n7 5e5b2d306e4e5d\n3 796573\n2 6e6f\n"));
+}
+
+TEST_F(Mklco, ClassesAndCaseFollowTheCodeSet) {
+    ASSERT_EQ(compile("").status, 1) << "the width 0 is lost";
+    ASSERT_EQ(mklco({"--list", "-olist", "new.lco"}).status, 0);
+    const std::string list = content("list");
+    for (const char *line :
+         {"class 09 space cntrl blank\n", "class 20 space print blank\n",
+          "class 21 punct graph print\n", "class 30..39 digit graph print\n",
+          "class 41 upper alpha graph print vowel\n", "class 42 upper alpha graph print\n",
+          "class 63..7f -\n", "class 8140 full_width\n", "class c4 upper alpha graph print vowel\n",
+          "class df lower alpha graph print\n",
+          "class_name 0 full_width\nclass_name 1 vowel\nclass 00"})
+        EXPECT_NE(list.find(line), std::string::npos) << line << "in\n" << list.substr(0, 1500);
+    EXPECT_EQ(list.find("none"), std::string::npos) << "a class without members takes no bit";
+    EXPECT_NE(
+        list.find(
+            "pair 41 61\npair 42 62\npair c4 e4\ncase 41..42 1+\ncase 61..62 1+\ncase c4 3\ncase e4 3\n"),
+        std::string::npos)
+        << list;
+}
+
+TEST_F(Mklco, SectionsTakeTheirFieldsFromTheSource) {
+    ASSERT_EQ(
+        compile(
+            "decimal_point \",\"\nthousands_sep \".\"\ngrouping 3;2\n",
+            "int_curr_symbol \"EUR \"\ncurrency_symbol \"<U20AC><U0300>\"\nmon_decimal_point \",\"\n"
+            "mon_thousands_sep \".\"\nmon_grouping -1\nint_frac_digits -1\np_cs_precedes 0\nn_sign_posn -1\n",
+            "am_pm \"<U4E00>\";\"/x7e\"\nalt_digits \"0\";\"1\"\nweek 7;1;2\n",
+            "yesexpr \"^[y<U00E4>]\"\n")
+            .status,
+        1);
+    EXPECT_EQ(section("### LC_NUMERIC\n"), "1 2c\n1 2e\n3 3 2 0\n1 2b\n1 2d\n");
+    EXPECT_EQ(section("### LC_MONETARY\n"),
+              "4 45555220\n3 455552\n1 2c\n1 2e\n1 -1\n0\n0\n-1\n-1\n0\n0\n1\n0\n1\n1\n");
+    EXPECT_NE(
+        section("### LC_TIME\n").find("\n0\n0\n0\n1 3f\n1 7e\n0\n0\n0\n0\n0\n2\n1 30\n1 31\n"),
+        std::string::npos)
+        << section("### LC_TIME\n");
+    EXPECT_EQ(section("### LC_MESSAGES\n"), "5 5e5b79e45d\n0\n0\n0\n");
+}
+
+TEST_F(Mklco, GroupSizesEndAsTheObjectCountsThem) {
+    const struct {
+        const char *source, *object;
+    } rows[] = {
+        {"3;3", "2 3 0"}, {"3", "2 3 0"},     {"3;2", "3 3 2 0"}, {"2;2;2;3", "5 2 2 2 3 0"},
+        {"-1", "1 -1"},   {"3;-1", "2 3 -1"}, {"0;0", "0"},       {"127", "1 -1"},
+    };
+    for (const auto &row : rows) {
+        compile(std::string("grouping ") + row.source + "\n");
+        EXPECT_EQ(section("### LC_NUMERIC\n"),
+                  "0\n0\n" + std::string(row.object) + "\n1 2b\n1 2d\n")
+            << row.source;
+    }
+}
+
+TEST_F(Mklco, FormatsSpeakTheFormattersConversions) {
+    const struct {
+        const char *source, *object; // null: refused
+    } rows[] = {
+        {"%F", "%Y-%m-%d"},
+        {"%l:%M %P", "%I:%M %p"},
+        {"%k", "%H"},
+        {"%-d.%-m.", "%d.%m."},
+        {"%OB %Op %Od %Ey", "%B %p %Od %Ey"},
+        {"%r %Z", "%r"},
+        {"%Z %I", "%I"},
+        {"(%z)", "()"},
+        {"%T<U00A0>%Z", "%T"},
+        {"100%%", "100%%"},
+        {"%s", nullptr},
+        {"%g", nullptr},
+        {"%G", nullptr},
+        {"%5d", nullptr},
+        {"%_d", nullptr},
+        {"%", nullptr},
+        {"%E", nullptr},
+        {"%EB", nullptr},
+        {"<U4E00>", nullptr},
+    };
+    for (const auto &row : rows) {
+        std::string source = row.source;
+        outcome result = compile("", "", "d_fmt \"" + source + "\"\n");
+        if (row.object == nullptr) {
+            EXPECT_EQ(result.status, 4) << row.source;
+            EXPECT_NE(result.said.find("locales/tt:"), std::string::npos) << result.said;
+            continue;
+        }
+        ASSERT_EQ(result.status, 1) << row.source << result.said;
+        mklco({"--list", "-olist", "new.lco"});
+        EXPECT_EQ(between(content("list"), "LC_TIME d_fmt \"", "\"\n"), row.object) << row.source;
+    }
+}
+
+TEST_F(Mklco, ErasGetTheSignOfTheirDirection) {
+    const char *eras =
+        "era \"+:2:2020//01//01:+*:R:%EC%Ey\";\"+:1:2019//05//01:2019//12//31:R:%EC\";/\n"
+        "\"+:1:-0001//12//31:-*:B:%EC\";\"-:1:1911//12//31:1900//01//01:X:%EC\"\n";
+    ASSERT_EQ(compile("", "", eras).status, 1);
+    mklco({"--list", "-olist", "new.lco"});
+    EXPECT_EQ(between(content("list"), "LC_TIME era ", "\n"),
+              "\"+:2:2020/01/01:+*:R:R:%EC%Ey\" \"+:1:2019/05/01:2019/12/31:R:R:%EC\" "
+              "\"-:1:-0001/12/31:-*:B:B:%EC\" \"-:1:1911/12/31:1900/01/01:X:X:%EC\"");
+    for (const char *bad : {"+:1:2019//05:+*:R:%EC", "+:1:2019//05//01:+*:R",
+                            "*:1:2019//05//01:+*:R:%EC", "+:x:2019//05//01:+*:R:%EC"})
+        EXPECT_EQ(compile("", "", "era \"" + std::string(bad) + "\"\n").status, 4) << bad;
+}
+
+TEST_F(Mklco, CaseTablesHoldWhatIsNotOneToOne) {
+    ASSERT_EQ(mklco({"-otr.lco", "-fUTF-8", "-cutf8", "tr_TR"}).status, 1);
+    ASSERT_EQ(mklco({"--list", "-olist", "tr.lco"}).status, 0);
+    const std::string list = content("list");
+    // I and dotless i; dotted I and i; the final sigma; the title-case letter DZ.
+    for (const char *pair : {"pair 49 c4b1\n", "pair c4b0 69\n", "pair cea3 cf83\n",
+                             "pair cea3 cf82\n", "pair c7b1 c7b3\n"})
+        EXPECT_NE(list.find(pair), std::string::npos) << pair;
+    EXPECT_EQ(between(list, "growth ", "\n"), "2") << "i has one byte, its upper case two";
+}
+
+TEST_F(Mklco, FaultsAreToldWithTheirPlaceAndNothingIsWritten) {
+    const struct {
+        const char *numeric, *monetary, *time, *place;
+    } rows[] = {
+        {"decimal_point \".\" \",\"\n", "", "", "tt:21:19: error"},
+        {"grouping 3;x\n", "", "", "tt:21:12: error"},
+        {"grouping 3;-2\n", "", "", "tt:21:12: error"},
+        {"grouping 1;2;3;4;5;6;7;8;9;1;2;3;4;5;6\n", "", "", "tt:21:1: error"},
+        {"copy \"nowhere\"\n", "", "", "tt:21:6: error"},
+        {"", "frac_digits two\n", "", "tt:23:13: error"},
+        {"", "", "abday \"a\";\"b\"\n", "tt:25:1: error"},
+        {"", "", "d_fmt \"%d<U4E00>\"\n", "tt:25:10: error"},
+    };
+    for (const auto &row : rows) {
+        outcome result = compile(row.numeric, row.monetary, row.time, "", {"-oold.lco"});
+        EXPECT_EQ(result.status, 4) << row.place;
+        EXPECT_NE(result.said.find(row.place), std::string::npos) << result.said;
+        EXPECT_EQ(content("old.lco"), "old");
+    }
+}
+
+TEST_F(Mklco, LossesAreListedAndCanBeErrors) {
+    ASSERT_EQ(compile("thousands_sep \",\"\n", "mon_thousands_sep \".\"\nint_p_sign_posn 4\n", "",
+                      "yesstr \"<U4E00>\"\n", {"--losses=lost"})
+                  .status,
+              1);
+    const std::string lost = content("lost");
+    for (const char *place : {"charmaps/T:140:1: ", "tt:24:1: ", "tt:25:1: ", "tt:30:9: "})
+        EXPECT_NE(lost.find(place), std::string::npos) << place << "in\n" << lost;
+    EXPECT_EQ(std::count(lost.begin(), lost.end(), '\n'), 4) << lost;
+    EXPECT_EQ(compile("", "", "", "", {"--werror=loss", "-oold.lco"}).status, 4);
+    EXPECT_EQ(content("old.lco"), "old");
+}
+
+TEST_F(Mklco, CommandLinesThatSayTooLittleOrTooMuchAreRefused) {
+    compile("");
+    for (const std::vector<std::string> &words :
+         std::vector<std::vector<std::string>>{{},
+                                               {"-fT", "tt"},
+                                               {"-ox", "locales/tt"},
+                                               {"--list", "-fT", "new.lco"},
+                                               {"-ox", "-fT", "--calendar=mayan", "tt"},
+                                               {"-ox", "-fT", "--collation=dictionary", "tt"},
+                                               {"-ox", "-fT", "tt", "tt"}})
+        EXPECT_EQ(mklco(words).status, 2);
+    EXPECT_EQ(mklco({"-I.", "-ox", "-fNOWHERE", "tt"}).status, 4);
+    EXPECT_EQ(mklco({"-I.", "-ox", "-fT", "nowhere"}).status, 4);
+    EXPECT_EQ(mklco({"-I.", "-ox", "-fT", "-ca-name-of-20-letters", "tt"}).status, 4);
+    EXPECT_FALSE(fs::exists("x"));
+}
+
+// Neither the directory, the environment nor the way that the source is named shows in an object.
+TEST_F(Mklco, TheSameSourcesGiveTheSameBytes) {
+    compile("");
+    const std::string first = content("new.lco");
+    setenv("LANG", "tr_TR.UTF-8", 1);
+    const fs::path here = fs::current_path();
+    fs::create_directory("elsewhere");
+    fs::current_path("elsewhere");
+    EXPECT_EQ(
+        mklco({"-I", here.string(), "-fT", "-ct", "-oother.lco", (here / "locales/tt").string()})
+            .status,
+        1);
+    EXPECT_EQ(content("other.lco"), first);
+    fs::current_path(here);
+    std::ofstream("locales/tt", std::ios::app) << "% a comment more\n";
+    ASSERT_EQ(mklco({"-I.", "-fT", "-ct", "-onew.lco", "tt"}).status, 1);
+    EXPECT_NE(between(content("new.lco"), "SOURCE_CRC32=", "\n"),
+              between(first, "SOURCE_CRC32=", "\n"));
+}
+
+TEST_F(Mklco, ListingsOfAllShippedObjectsCompileToTheirBytes) {
+    size_t objects = 0;
+    for (const auto &entry : fs::recursive_directory_iterator(KESTRION_BUILD_DIR "/gls/lc11")) {
+        if (entry.path().extension() != ".lco")
+            continue;
+        ASSERT_EQ(mklco({"--list", "-olist", entry.path().string()}).status, 0) << entry.path();
+        ASSERT_EQ(mklco({"-onew.lco", "list"}).status, 0) << entry.path();
+        EXPECT_TRUE(content("new.lco") == content(entry.path())) << entry.path();
+        EXPECT_LT(fs::file_size(entry.path()), size_t{4} << 20);
+        objects++;
+    }
+    EXPECT_GE(objects, 27u);
+}
+
+TEST_F(Mklco, ListingsHoldCollationsOfEveryShape) {
+    compile("");
+    mklco({"--list", "-olist", "new.lco"});
+    std::string list = content("list");
+    size_t from = list.find("code_order "), to = list.find("LC_NUMERIC");
+    list.replace(
+        from, to - from,
+        "code_order 0\nmax_weight 9\nlevels 1 2 1\nrow 41..43 1+\nrow 61..63 1+\nrow c4 4\n"
+        "contraction 4 63 68\nexpansion 61 65\nweights 0 1 1 1\nweights 1 2 2 2\n"
+        "weights 2 3 2 2\nweights 3 4 2 2\nweights 4 4000 8003 2\n");
+    std::ofstream("edited") << list;
+    ASSERT_EQ(mklco({"-oedited.lco", "edited"}).status, 0);
+    EXPECT_NE(content("edited.lco")
+                  .find("\n0\n4\n3\n1\n1\n9\n000100020001\n200040000006300000068\n2"
+                        "0000006100000065\n000100010001\n000200020002\n"),
+              std::string::npos);
+    ASSERT_EQ(mklco({"--list", "-oagain", "edited.lco"}).status, 0);
+    EXPECT_EQ(content("again"), list);
+}
+
+TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
+    compile("");
+    mklco({"--list", "-olist", "new.lco"});
+    const std::string list = content("list");
+    const struct {
+        const char *line, *place; // put behind the first line
+    } rows[] = {
+        {"colour red", ":2:1: error"},
+        {"class 41..3f upper", ":2:7: error"},
+        {"class 4 upper", ":2:7: error"},
+        {"class 4142434445 -", ":2:7: error"},
+        {"class 41 upper fancy", ":2:16: error"},
+        {"case ff 1", ":2:6: error"},
+        {"row 41 65536", ":2:8: error"},
+        {"head \"x", ":2:6: error"},
+        {"head \"\\xg0\"", ":2:7: error"},
+        {"pair 41", ":2:6: error"},
+        {"growth x", ":2:8: error"},
+        {"LC_TIME day \"x\"", ":2:13: error"},
+        {"LC_TIME hour 1", ":2:9: error"},
+        {"weights 7 1", ":2:9: error"},
+        {"collation x", ":2:11: error"},
+    };
+    for (const auto &row : rows) {
+        std::ofstream("bad") << "locale_object 11\n" << row.line << list.substr(list.find('\n'));
+        outcome result = mklco({"-oold.lco", "bad"});
+        EXPECT_EQ(result.status, 4) << row.line;
+        EXPECT_NE(result.said.find(row.place), std::string::npos) << row.line << "\n"
+                                                                  << result.said;
+    }
+    std::ofstream("bad") << list << "class 41 upper\n";
+    EXPECT_EQ(mklco({"-oold.lco", "bad"}).status, 4) << "two lines for one character";
+    EXPECT_EQ(content("old.lco"), "old");
+}
+
+// An object cut at any byte, or with any byte changed, is refused or listed, and never read beyond.
+TEST_F(Mklco, DamagedObjectsDoNoHarm) {
+    compile("");
+    const std::string object = content("new.lco");
+    for (size_t length = 0; length < object.size(); length += 7) {
+        std::ofstream("cut.lco", std::ios::binary) << object.substr(0, length);
+        EXPECT_EQ(mklco({"--list", "-olist", "cut.lco"}).status, 4) << length;
+    }
+    for (size_t at = 0; at < object.size(); at += 3) {
+        std::string changed = object;
+        changed[at] = static_cast<char>(changed[at] ^ (at % 2 ? 0x01 : 0x08));
+        std::ofstream("changed.lco", std::ios::binary) << changed;
+        EXPECT_NE(mklco({"--list", "-olist", "changed.lco"}).status, 2) << at;
+    }
+}
