@@ -87,6 +87,14 @@ void drop_text(const err_context &context, isi_err_stack *stack) {
     stack->text = nullptr;
 }
 
+char *copy_text(const err_context &context, const char *text) {
+    if (text == nullptr)
+        return nullptr;
+    size_t size = strlen(text) + 1;
+    void *copy = context.globals->allocate(size);
+    return copy != nullptr ? static_cast<char *>(memcpy(copy, text, size)) : nullptr;
+}
+
 __attribute__((format(printf, 2, 3))) void log_line(const err_context &context, const char *format,
                                                     ...) {
     va_list args;
@@ -110,26 +118,14 @@ void log_item(const err_context &context, const isi_err_item *item) {
 
 namespace kestrion {
 
-void *err_allocate(const err_context &context, size_t size) {
-    return context.globals->allocate(size != 0 ? size : 1);
-}
-
-char *err_copy_text(const err_context &context, const char *text) {
-    if (text == nullptr)
-        return nullptr;
-    size_t size = strlen(text) + 1;
-    auto copy = static_cast<char *>(err_allocate(context, size));
-    return copy != nullptr ? static_cast<char *>(memcpy(copy, text, size)) : nullptr;
-}
-
 void push_err_item(const err_context &context, isi_err_stack *stack, int32_t kind, long code,
                    const char *text) {
-    auto item = static_cast<isi_err_item *>(err_allocate(context, sizeof(isi_err_item)));
+    auto item = static_cast<isi_err_item *>(context.globals->allocate(sizeof(isi_err_item)));
     if (item == nullptr)
         return;
     *item = {.kind = kind,
              .code = code,
-             .text = err_copy_text(context, text),
+             .text = copy_text(context, text),
              .next = nullptr,
              .previous = stack->last};
     if (stack->last != nullptr)
@@ -173,7 +169,7 @@ const char *render_err_stack(const err_context &context, isi_err_stack *stack, c
     for (int round = 0; wanted > size && round < 3; ++round) {
         drop_text(context, stack);
         size = wanted;
-        stack->text = static_cast<char *>(err_allocate(context, size));
+        stack->text = static_cast<char *>(context.globals->allocate(size));
         if (stack->text == nullptr)
             return nullptr;
         wanted = put_stack(context, stack, delimiter, stack->text, size);

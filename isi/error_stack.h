@@ -23,9 +23,7 @@ struct err_context {
     int (*provider_base)();                               // 3 names the codes "SecKit:"
 };
 
-void *err_allocate(const err_context &context, size_t size);
-char *err_copy_text(const err_context &context, const char *text); // null for null or no memory
-
+// The text is copied; without memory for the copy the item goes without.
 void push_err_item(const err_context &context, isi_err_stack *stack, int32_t kind, long code,
                    const char *text);
 void free_err_items(const err_context &context, isi_err_stack *stack);

@@ -88,8 +88,10 @@ const char *isi_crypto_version(void);
 
 /* Memory and settings. */
 
-void isi_set_memfunc(isi_allocate_fn allocate, isi_free_fn release); /* null: leaves that one */
-int isi_use_threads(int threads);                                    /* returns the old value */
+/* For the bridge's and the provider's blocks; null leaves that one as it is. To be called before
+ * anything is allocated, since blocks go back to the function that is set then. */
+void isi_set_memfunc(isi_allocate_fn allocate, isi_free_fn release);
+int isi_use_threads(int threads); /* returns the old value */
 void *isi_malloc(size_t size);
 void isi_free(void *block); /* null is ignored */
 
