@@ -199,6 +199,16 @@ TEST_F(Provider, RandomBytesFillTheWholeBuffer) {
     }
 }
 
+// Some of these return pointers; the low half of the register tells enough.
+#ifdef __clang__
+__attribute__((no_sanitize("function")))
+#endif
+static int
+call_as_int(const char *name) {
+    auto function = reinterpret_cast<int (*)()>(dlsym(libisiHandle, name));
+    return function != nullptr ? function() : -2;
+}
+
 TEST_F(Provider, RefusesWhatItDoesNotDo) {
     for (const char *name : {
 #define ISI_TYPED(symbol, upper, result, parameters)
@@ -207,9 +217,7 @@ TEST_F(Provider, RefusesWhatItDoesNotDo) {
 #undef ISI_TYPED
 #undef ISI_OPAQUE
          }) {
-        auto function = reinterpret_cast<int (*)()>(dlsym(libisiHandle, name));
-        ASSERT_NE(function, nullptr) << name;
-        int answer = function();
+        int answer = call_as_int(name);
         EXPECT_TRUE(answer >= -1 && answer <= 1) << name;
         EXPECT_EQ(error_text(), "not supported by this provider") << name;
     }
