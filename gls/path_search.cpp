@@ -74,6 +74,7 @@ struct search {
     char **rpath;
     const gl_file_functions *functions;
     int32_t word_before;
+    bool out_of_memory = false; // ends the search: its word must not be restored
 
     FILE *run();
     FILE *in_directories(std::string_view list);
@@ -83,8 +84,9 @@ struct search {
         if (ctx != nullptr)
             kestrion::set_engine_error(ctx, word_before);
     }
-    bool keep_directory(const char *text) const {
-        return rpath == nullptr || gl_fix_rpath(ctx, rpath, text, functions) == 0;
+    bool keep_directory(const char *text) {
+        out_of_memory = rpath != nullptr && gl_fix_rpath(ctx, rpath, text, functions) != 0;
+        return !out_of_memory;
     }
 };
 
@@ -109,9 +111,13 @@ FILE *search::in_directories(std::string_view list) {
         if (!path.start(element.size() + name.size() + 2))
             return nullptr;
         path.add(element);
-        if (FILE *const file = in_directory(path))
+        FILE *const file = in_directory(path);
+        if (file != nullptr || out_of_memory)
             return file;
     }
+    // Said here once more, since a list of nothing but colons tries nothing.
+    if (ctx != nullptr)
+        kestrion::set_engine_error(ctx, GLS_ERR_FILE);
     return nullptr;
 }
 
@@ -130,7 +136,8 @@ FILE *search::in_installation(std::string_view base) {
         path.add(to_gls);
         path.add(dir);
         path.add(tried);
-        if (FILE *const file = in_directory(path))
+        FILE *const file = in_directory(path);
+        if (file != nullptr || out_of_memory)
             return file;
     }
     return nullptr;

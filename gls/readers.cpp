@@ -1,11 +1,14 @@
 #include "gls/readers.h"
 
+#include "gls/ascii_class.h"
 #include "gls/ext_funcs.h"
 
 #include <charconv>
 #include <cmath>
 #include <limits>
 #include <string_view>
+
+using namespace kestrion;
 
 namespace {
 
@@ -19,20 +22,15 @@ struct hex_values {
 
 constexpr hex_values make_hex_values() {
     hex_values values = {};
-    for (int i = 0; i < 10; ++i)
-        values.of['0' + i] = static_cast<unsigned char>(i);
-    for (int i = 0; i < 6; ++i)
-        values.of['a' + i] = values.of['A' + i] = static_cast<unsigned char>(10 + i);
+    for (int c = 0; c < 256; ++c)
+        values.of[c] = static_cast<unsigned char>(ascii_hex_value(c) < 0 ? 0 : ascii_hex_value(c));
     return values;
 }
 
 constexpr hex_values hex = make_hex_values();
 
-// Classes of the "C" locale, whatever the host's is.
-constexpr bool is_white(int c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-constexpr bool is_digit(int c) { return c >= '0' && c <= '9'; }
 constexpr bool is_float_part(int c) {
-    return is_digit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
+    return is_ascii_digit(c) || c == '+' || c == '-' || c == '.' || c == 'e' || c == 'E';
 }
 
 void put_back(int c, FILE *file) {
@@ -68,7 +66,7 @@ int _gl_skip_whitespace(FILE *file) {
     int c;
     do
         c = _gl_ext_fgetc(file);
-    while (is_white(c));
+    while (is_ascii_white(c));
     put_back(c, file);
     return c;
 }
@@ -107,12 +105,13 @@ int64_t _gl_get_int(FILE *file) {
     if (first == EOF)
         return 0;
     const bool negative = first == '-';
-    const bool converts = is_digit(first) || negative || first == '+' || is_white(first);
+    const bool converts =
+        is_ascii_digit(first) || negative || first == '+' || is_ascii_white(first);
     const uint64_t limit =
         static_cast<uint64_t>(std::numeric_limits<int64_t>::max()) + (negative ? 1 : 0);
-    uint64_t magnitude = is_digit(first) ? static_cast<unsigned>(first - '0') : 0;
+    uint64_t magnitude = is_ascii_digit(first) ? static_cast<unsigned>(first - '0') : 0;
     int c = _gl_ext_getc(file);
-    for (int kept = 0; is_digit(c); c = _gl_ext_getc(file), ++kept) {
+    for (int kept = 0; is_ascii_digit(c); c = _gl_ext_getc(file), ++kept) {
         if (kept < max_kept_digits)
             magnitude = append_digit(magnitude, static_cast<unsigned>(c - '0'), limit);
     }
@@ -141,13 +140,13 @@ int _gl_get_str(char *buffer, size_t size, FILE *file) {
     for (;;) {
         const int c = _gl_ext_getc(file);
         const bool room = length + 1 < size;
-        if (c != EOF && !is_white(c) && room) {
+        if (c != EOF && !is_ascii_white(c) && room) {
             buffer[length++] = static_cast<char>(c);
             continue;
         }
         put_back(c, file);
         buffer[length] = '\0';
-        return is_white(c) ? 0 : -1;
+        return is_ascii_white(c) ? 0 : -1;
     }
 }
 }

@@ -33,8 +33,7 @@ inline constexpr size_t gl_composite_spec_size = 512;
 inline constexpr size_t gl_lc_fname_size = 20; // "lan_te/e01cmodi.lco" and the terminator
 inline constexpr size_t gl_cv_fname_size = 13; // "0333e01c.cvo" and the terminator
 
-// Categories as `_gl_is_category` numbers them: the order of the keywords in the grammar. The slots
-// of a record are in another order; see gl_keyword_slot.
+// Categories as `_gl_is_category` numbers them. Beware: this is not the order of gl_category.
 enum gl_keyword : int {
     GL_KEYWORD_NONE,
     GL_KEYWORD_CTYPE,

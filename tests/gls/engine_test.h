@@ -1,5 +1,4 @@
-// What the tests of the engine share: an allocator that counts and fails, files in memory, and text
-// placed against an unreadable page.
+// What the tests of the engine share: an allocator that counts and fails, and files in memory.
 
 #pragma once
 
@@ -12,8 +11,6 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-#include <sys/mman.h>
-#include <unistd.h>
 
 // Serves the engine's allocations while it lives: counts the blocks that are alive and lets one
 // allocation fail.
@@ -112,26 +109,3 @@ template <typename Write> std::string text_written(Write write) {
     std::free(text);
     return written;
 }
-
-// A copy of `bytes` whose last one stands directly in front of an unreadable page.
-class guarded_text {
-public:
-    explicit guarded_text(std::string_view bytes) {
-        const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-        size_ = (bytes.size() / page + 2) * page;
-        base_ = static_cast<char *>(
-            mmap(nullptr, size_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-        mprotect(base_ + size_ - page, page, PROT_NONE);
-        text = base_ + size_ - page - bytes.size();
-        std::memcpy(text, bytes.data(), bytes.size());
-    }
-    ~guarded_text() { munmap(base_, size_); }
-    guarded_text(const guarded_text &) = delete;
-    guarded_text &operator=(const guarded_text &) = delete;
-
-    char *text;
-
-private:
-    char *base_;
-    size_t size_;
-};

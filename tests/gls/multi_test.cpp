@@ -3,6 +3,7 @@
 #include "gls/conversion.h"
 #include "tests/gls/engine_test.h"
 #include "tests/gls/multi_reference.h"
+#include "tests/support/guarded_bytes.h"
 
 namespace {
 
@@ -204,10 +205,10 @@ TEST(Multi, UnlimitedLookupStopsAtTheTerminator) {
             ASSERT_EQ(kestrion::multi_flatten(table), 0);
         }
         for (const auto &row : rows) {
-            const guarded_text text(row.text);
+            guarded_bytes text(row.text);
             int32_t word = 0;
             int32_t used = 0;
-            const void *const datum = _gl_retrieve_text_multi(text.text, table, &used, &word);
+            const void *const datum = _gl_retrieve_text_multi(text.data(), table, &used, &word);
             EXPECT_EQ(datum != nullptr, row.found) << testing::PrintToString(row.text);
             EXPECT_EQ(used, row.used) << testing::PrintToString(row.text);
             EXPECT_EQ(word, row.found ? 0 : 1);

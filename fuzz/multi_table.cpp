@@ -1,0 +1,77 @@
+// The reader of multi tables: whatever the bytes are, a table is refused or safe to look things up
+// in and to write, and reading what was written gives the same text again.
+
+#include "gls/multi_file.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+multi_arr *read(const char *text, size_t size) {
+    const uint16_t zero = 0;
+    multi_arr *const table = _gl_create_multi(2, 0, &zero);
+    FILE *const file = fmemopen(const_cast<char *>(text), size, "r");
+    const int result = _gl_fscanf_multi(file, table, 4, ub2_reader);
+    std::fclose(file);
+    if (result == 0)
+        return table;
+    if (table->err != 3 && table->err != 21)
+        std::abort();
+    _gl_free_multi(table);
+    return nullptr;
+}
+
+char *write(multi_arr *table, size_t &size) {
+    char *text = nullptr;
+    FILE *const file = open_memstream(&text, &size);
+    _gl_fprintf_multi(file, table, ub2_writer);
+    std::fclose(file);
+    return text;
+}
+
+// Looks up what starts at each pair of bytes, behind which the text ends.
+void look_up_all(const multi_arr *table, bool flat) {
+    int32_t word;
+    int32_t used;
+    for (unsigned pair = 0; pair <= 0xFFFF; pair += flat ? 1 : 17) {
+        // In a block of exactly this size, so that an overread is seen.
+        const size_t size = 2 + static_cast<size_t>(table->min_len);
+        char *const text = static_cast<char *>(std::calloc(size, 1));
+        text[0] = static_cast<char>(pair >> 8);
+        text[1] = static_cast<char>(pair);
+        if (table->min_len <= 2)
+            _gl_retrieve_text_multi(text, table, &used, &word);
+        _gl_retrieve_text_multi_limit(text, table, 2, &used, &word);
+        _gl_retrieve_wchar_multi_nl(&word, pair << 16 | pair, table);
+        std::free(text);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    if (size == 0 || size > 1 << 16)
+        return 0;
+    multi_arr *const table = read(reinterpret_cast<const char *>(data), size);
+    if (table == nullptr)
+        return 0;
+    look_up_all(table, false);
+    if (kestrion::multi_flatten(table) == 0)
+        look_up_all(table, true);
+    size_t first_size;
+    char *const first = write(table, first_size);
+    multi_arr *const again = read(first, first_size);
+    if (again == nullptr)
+        std::abort();
+    size_t second_size;
+    char *const second = write(again, second_size);
+    if (first_size != second_size || std::memcmp(first, second, first_size) != 0)
+        std::abort();
+    std::free(first);
+    std::free(second);
+    _gl_free_multi(again);
+    _gl_free_multi(table);
+    return 0;
+}

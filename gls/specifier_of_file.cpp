@@ -1,0 +1,58 @@
+#include "gls/locale_file.h"
+#include "gls/specifier_text.h"
+
+#include <cstdio>
+
+using namespace kestrion;
+
+namespace {
+
+// The pieces of a file name, each terminated.
+struct name_pieces {
+    char lang[gl_max_lang_length + 1];
+    char cs[gl_max_cs_digits + 1];
+    char modifier[gl_max_modifier_length + 1];
+};
+
+// Adds the specifier of one file name, its code set by the name in the head of the file.
+int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
+    char path[gl_file_name_size];
+    if (name.size() >= sizeof path)
+        return refuse(ctx);
+    path[name.copy(path, name.size())] = '\0';
+    name_pieces pieces;
+    if (gl_lc_fname2lc_pieces(ctx, path, pieces.lang, pieces.cs, pieces.modifier) != 0)
+        return refuse(ctx);
+    FILE *const file = gl_path_search_no_ext(ctx, path, "lc", "11");
+    if (file == nullptr)
+        return -1;
+    char code_set[gl_cs_name_size];
+    int32_t error = GLS_OK;
+    const bool good = read_file_header(file, code_set, &error) != 0;
+    std::fclose(file);
+    if (!good)
+        return refuse(ctx, error);
+    out.add(pieces.lang).add('.').add(code_set);
+    if (pieces.modifier[0] != '\0')
+        out.add('@').add(pieces.modifier);
+    return 0;
+}
+
+} // namespace
+
+extern "C" {
+
+// The code set's name comes from the files, so no registry is asked.
+int gl_lc_fname2lc_spec(void *ctx, const char *fname, char *out, const char *) {
+    spec_items found;
+    if (!cut_spec(view_of(fname), found))
+        return refuse(ctx);
+    out_text text(out, room_for(found, {}));
+    for (int32_t i = 0; i < found.count; ++i) {
+        start_item(text, found.of[i], i == 0);
+        if (add_spec_of_file(ctx, found.of[i].body, text) != 0)
+            return -1;
+    }
+    return finish(ctx, text);
+}
+}
