@@ -1,8 +1,12 @@
 #include "platform/byte_blocks.h"
 
+#include <stdint.h>
 #include <string.h>
 
 #include <algorithm>
+
+#include "gls/char_length.h"
+#include "locale_env/gls_env.h"
 
 namespace {
 
@@ -22,6 +26,14 @@ int compare_tail(const unsigned char *tail, ptrdiff_t length) {
 } // namespace
 
 extern "C" {
+
+ptrdiff_t byleng(const void *block, ptrdiff_t length) {
+    locale_rec *lc = CheckGlsEnv()->cur_lc;
+    // No block comes near the engine's limit; one that did is all the same measured within bounds.
+    if (lc == nullptr || lc->is_single_byte != 0 || length > INT32_MAX)
+        return qvt_byleng(block, length);
+    return _qvt_gl_mbsntsbytes(lc, static_cast<const char *>(block), static_cast<int32_t>(length));
+}
 
 ptrdiff_t qvt_byleng(const void *block, ptrdiff_t length) {
     const unsigned char *bytes = static_cast<const unsigned char *>(block);

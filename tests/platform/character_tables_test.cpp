@@ -74,8 +74,11 @@ TEST(CharacterTables, SetUpFollowsTheLocaleUnderDbnlsTwo) {
 
 TEST(CharacterTables, SetUpOtherwiseTouchesTheHighBytesAlone) {
     EXPECT_EQ(set_up("11", "xx_XX.nowhere"), 0);
-    EXPECT_EQ(class_of('a'), 0);
-    EXPECT_EQ(class_of(0x80), 2);
+    EXPECT_EQ(class_of(127), 0);
+    EXPECT_EQ(class_of(128), 2);
+    EXPECT_EQ(class_of(173), 2);
+    EXPECT_EQ(class_of(174), 16);
+    EXPECT_EQ(class_of(255), 16);
     EXPECT_EQ(set_up("1", "C"), 0) << "only the first call works";
     EXPECT_EQ(class_of('a'), 0);
 }

@@ -1,0 +1,158 @@
+#include "platform/case_shift.h"
+
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <string>
+
+#include "platform/byte_blocks.h"
+#include "platform/character_tables.h"
+#include "platform/locale_start.h"
+#include "platform/test_locales.h"
+#include "support/failing_malloc.h"
+#include "support/guarded_bytes.h"
+
+namespace {
+
+using shift_fn = int (*)(const char *, char *, ptrdiff_t);
+
+int to_upper(const char *source, char *out, ptrdiff_t length) {
+    return sqlcaseshift(CASE_UPPER, source, out, length);
+}
+int to_lower(const char *source, char *out, ptrdiff_t length) {
+    return sqlcaseshift(CASE_LOWER, source, out, length);
+}
+
+// The source ends, and so must the reading, at an unreadable page; the result keeps its own length.
+std::string shifted(shift_fn shift, std::string_view source, int wanted = 0) {
+    guarded_bytes bytes(source);
+    std::string out(source.size(), '?');
+    EXPECT_EQ(shift(bytes.data(), out.data(), static_cast<ptrdiff_t>(source.size())), wanted);
+    return out;
+}
+
+TEST(CaseShift, WithoutALocaleTheProcessTablesServe) {
+    EXPECT_EQ(shifted(to_upper, "aZ9 \xE9z"), "AZ9 \xE9Z");
+    EXPECT_EQ(shifted(to_lower, "aZ9 \xC9Z"), "az9 \xC9z");
+    EXPECT_EQ(
+        shifted([](const char *s, char *o, ptrdiff_t n) { return sqlcaseshift(0, s, o, n); }, "AB"),
+        "ab")
+        << "any other operation is lower case";
+    _ix2upmap[0xE9] = 0xC9;
+    EXPECT_EQ(shifted(to_upper, "\xE9"), "\xC9");
+    EXPECT_EQ(shifted(to_upper, std::string_view("a\0b", 3)), std::string("A\0B", 3));
+}
+
+TEST(CaseShift, LengthZeroWritesNothing) {
+    char out = '#';
+    EXPECT_EQ(sqlcaseshift(CASE_UPPER, "a", &out, 0), 0);
+    EXPECT_EQ(sqlcaseshift(CASE_UPPER, "a", &out, -1), 0);
+    EXPECT_EQ(sqlinitcap("a", &out, 0), 0);
+    EXPECT_EQ(out, '#');
+}
+
+TEST(CaseShift, WordsGetAnInitialCapital) {
+    const struct {
+        const char *source, *wanted;
+    } rows[] = {
+        {"the QUICK  brown", "The Quick  Brown"},
+        {"o'neil mc-kay", "O'Neil Mc-Kay"},
+        {"2nd a b", "2Nd A B"},
+        {" x", " X"},
+        {"...", "..."},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(shifted(sqlinitcap, row.source), row.wanted);
+}
+
+TEST(CaseShift, ByteLocaleServesFromItsTablesAndClearsTheErrorWord) {
+    byte_locale latin;
+    latin.record.err = 7;
+    const current_locale current(&latin.record);
+    EXPECT_EQ(shifted(to_upper, "\xE9z"), "\xC9Z");
+    EXPECT_EQ(latin.record.err, 0);
+    EXPECT_EQ(shifted(to_lower, "\xC9Z"), "\xE9z");
+    EXPECT_EQ(shifted(sqlinitcap, "\xE9T\xC9 \xE8t"), "\xC9t\xE9 \xE8T");
+    EXPECT_EQ(byleng("ab\t ", 4), 3) << "blanks of a byte locale are the byte 20 alone";
+}
+
+TEST(CaseShift, TextsAreShiftedInPlace) {
+    char text[] = "aB c";
+    rupshift(text);
+    EXPECT_STREQ(text, "AB C");
+    rdownshift(text);
+    EXPECT_STREQ(text, "ab c");
+    rupshift(nullptr);
+    rdownshift(nullptr);
+}
+
+TEST(CaseShift, CharactersOfSeveralBytesKeepInsideTheLength) {
+    const multibyte_locale utf8;
+    utf8.record->err = 7;
+    const current_locale current(utf8.record);
+    EXPECT_EQ(shifted(to_upper, "aéz"), "AÉZ");
+    EXPECT_EQ(utf8.record->err, 0);
+    EXPECT_EQ(shifted(to_lower, "ẞA"), std::string("ßa\0", 4));
+    // The longer form has no room at the end, and just enough where others follow to be dropped.
+    EXPECT_EQ(shifted(to_upper, "aß"), std::string("A\0\0", 3));
+    EXPECT_EQ(shifted(to_upper, "ßab"), std::string("ẞA", 4));
+    EXPECT_EQ(shifted(to_upper, std::string_view("a\0b", 3)), std::string("A\0B", 3));
+    EXPECT_EQ(shifted(sqlinitcap, "éA ßB!"), "Éa ẞb");
+    EXPECT_EQ(shifted(sqlinitcap, "\u3000ÉÉ"), "\u3000Éé");
+}
+
+TEST(CaseShift, InvalidAndCutOffCharactersAreRefused) {
+    const multibyte_locale utf8;
+    const current_locale current(utf8.record);
+    for (const char *source : {"ab\xFF", "\xFFz", "a\xC3", "a \xE3\x80", "\xC3z", " \xE1\xBA"})
+        for (shift_fn shift : {to_upper, to_lower, static_cast<shift_fn>(sqlinitcap)})
+            shifted(shift, source, -941);
+}
+
+TEST(CaseShift, GrowingLocaleGoesThroughABlockOrNotAtAll) {
+    const multibyte_locale utf8;
+    const current_locale current(utf8.record);
+    char text[] = "aé", cut[] = "aß", bad[] = "a\xFF";
+    {
+        failing_malloc::scope refused(1);
+        rupshift(text);
+        EXPECT_TRUE(refused.happened());
+        EXPECT_STREQ(text, "aé");
+    }
+    failing_malloc::scope counted(0);
+    rupshift(text);
+    EXPECT_STREQ(text, "AÉ");
+    rupshift(cut);
+    EXPECT_EQ(std::string(cut, 3), std::string("A\0\0", 3));
+    rupshift(bad);
+    EXPECT_STREQ(bad, "a\xFF");
+    EXPECT_EQ(counted.calls(), 3u);
+    EXPECT_EQ(counted.live(), 0);
+}
+
+TEST(CaseShift, NothingIsShiftedWhereTheLocaleDidNotStart) {
+    locale_start_result = 4;
+    char text[] = "ab";
+    rupshift(text);
+    EXPECT_STREQ(text, "ab");
+}
+
+TEST(CaseShift, BlanksAtTheEndAreTheLocalesOwn) {
+    const multibyte_locale utf8;
+    const current_locale current(utf8.record);
+    const struct {
+        std::string_view block;
+        ptrdiff_t wanted;
+    } rows[] = {
+        {"ab", 2},     {"ab \t", 2},    {"a\u3000 ", 1}, {"", 0},
+        {"\u3000", 0}, {"\u3000a ", 4}, {"ab\xFF c", 2}, {"ab \xC3", 2},
+    };
+    for (const auto &row : rows) {
+        guarded_bytes block(row.block);
+        const ptrdiff_t length = static_cast<ptrdiff_t>(row.block.size());
+        EXPECT_EQ(byleng(block.data(), length), row.wanted) << row.block;
+    }
+    EXPECT_EQ(byleng("x", -1), 0);
+}
+
+} // namespace
