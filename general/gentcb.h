@@ -9,6 +9,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
+struct value_heap; // values/heap.h
+
 // Bits of `gen_flags`.
 enum gen_flag : uint32_t {
     GEN_DBVER_SET = 16, // the database told its version
@@ -20,16 +22,16 @@ inline constexpr size_t gen_window_bytes = 80; // eight index records of the lon
 
 // An open catalogue file. Reading it is the business of general/message_file.h.
 struct gen_catalogue {
-    int32_t fd;                             // descriptor, -1 for none
+    int32_t fd;                             // descriptor, -1 for none or when `image` is enough
     int32_t count;                          // records in the index, 0 to 32767
     int32_t record_size;                    // 8 or 10 bytes
     int32_t window_first;                   // position in the index of the window's first record
     int32_t window_count;                   // records in the window, 0 to 8
-    int32_t image_size;                     // bytes of `image`
+    int32_t fresh;                          // 1 in the lookup that opened the file
     int64_t file_size;                      // bytes of the file when it was opened
     unsigned char *image;                   // the whole file when it is small, else null; owned
     unsigned char window[gen_window_bytes]; // records read last, when there is no image
-    char leaf[gen_leaf_size];               // leaf name the file was opened for, empty for none
+    char leaf[gen_leaf_size];               // leaf name the file was opened for; empty: not in use
 };
 
 struct gentcb {
@@ -44,7 +46,7 @@ struct gentcb {
     int32_t scratch_size;        // bytes of it
     char *message_file;          // explicit file for all messages, null for none; owned
     char *install_dir;           // installation directory, null until first use; owned
-    void *string_heap;           // loaded messages, null until first use
+    value_heap *string_heap;     // loaded messages, null until first use
     char path[gen_path_size];    // path built last
     unsigned char reserved[560]; // fields to come
 };

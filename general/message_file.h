@@ -2,7 +2,7 @@
 //
 // A catalogue comes from outside: every count, length and offset is checked against the file before
 // it is used. A catalogue of ordinary size is read whole when it opens, so that a lookup makes no
-// system call; a larger one is read by windows of eight index records.
+// system call and needs no descriptor; a larger one is read by windows of eight index records.
 
 #pragma once
 
@@ -35,6 +35,9 @@ int32_t catalogue_open(gen_catalogue *catalogue, const char *path);
 
 // Closes what is open and forgets the leaf name; a closed slot stays closed.
 void catalogue_close(gen_catalogue *catalogue);
+
+// Closes the descriptor of a catalogue that is in memory; another keeps it.
+void catalogue_release_descriptor(gen_catalogue *catalogue);
 
 // Finds a message in an open catalogue. Returns 0, err_no_such_message or err_catalogue_cut.
 int32_t catalogue_find(gen_catalogue *catalogue, int32_t number, message_place *place);

@@ -14,13 +14,15 @@
 //         ...
 //
 // The texts come from outside the program: print them with platform/print_as_format.h, never with
-// the printf family. One catalogue is open at a time; it stays open between lookups unless
-// QVT_FREE_FD has a value. One thread at a time; nothing here locks.
+// the printf family. One catalogue is open at a time; it stays open between lookups, in memory if
+// it is small, unless QVT_FREE_FD has a value. One thread at a time; nothing here locks.
 
 #pragma once
 
 #include <stdint.h>
 #include <stdio.h>
+
+struct value_heap; // values/heap.h
 
 // One slot of a program and the message that fills it. A row with a null slot ends a table.
 struct message_slot {
@@ -75,8 +77,8 @@ char *rld_lmsg_gls(int32_t number, const char *locale);
 char *rldmsg(int32_t number);
 
 // The heap that loaded messages live in; null before the first.
-void *get_strheap(void);
-void set_strheap(void *heap);
+value_heap *get_strheap(void);
+void set_strheap(value_heap *heap);
 
 // -- Reading into a buffer ---------------------------------------------------------------------
 
@@ -107,9 +109,9 @@ void rnofile(int32_t number, char *buffer, int32_t size);
 int32_t lrseekmsg(int32_t number, int32_t *length, FILE **stream);
 int32_t rseekmsg(int32_t number, int32_t *length, FILE **stream);
 
-// The same with the catalogue's own descriptor, which stays the catalogue's, and the text's offset.
-// Returns 0, err_no_block, err_catalogue_not_opened, err_no_such_message, err_catalogue_magic,
-// err_catalogue_path or err_catalogue_cut.
+// The same with the catalogue's own descriptor, which the next lookup in another file closes, and
+// the text's offset. Returns 0, err_no_block, err_catalogue_not_opened, err_no_such_message,
+// err_catalogue_magic, err_catalogue_path or err_catalogue_cut.
 int32_t lrseekmsg_gls(int32_t number, int32_t *length, int64_t *position, const char *locale,
                       int *descriptor);
 
