@@ -149,7 +149,9 @@ private:
         if (!declared)
             error(where, "the kinds of the arguments are not understood",
                   "write text, number or any for each argument, or unchecked alone");
-        else if (!out_.declarations.try_emplace(static_cast<int32_t>(number), where, *declared)
+        else if (!out_.declarations
+                      .try_emplace(static_cast<int32_t>(number),
+                                   declared_arguments{where, *declared})
                       .second)
             error(where, "the arguments are declared a second time",
                   "take one of the two lines out");
