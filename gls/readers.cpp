@@ -100,8 +100,9 @@ uint32_t _gl_get_hex(FILE *file, int count) {
 }
 
 int64_t _gl_get_int(FILE *file) {
-    _gl_skip_space_if_needed(file);
-    const int first = _gl_ext_getc(file);
+    int first = _gl_ext_getc(file);
+    if (first == ' ')
+        first = _gl_ext_getc(file);
     if (first == EOF)
         return 0;
     const bool negative = first == '-';
