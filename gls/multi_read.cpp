@@ -150,7 +150,8 @@ bool table_reader::read_plain_node(multi_node *node, int32_t depth) {
 bool table_reader::read_shared_arrays() {
     int32_t flag_count;
     int32_t data_count;
-    if (!read_int(stream_, 0, INT32_MAX, flag_count) ||
+    // The root has flags, so there is at least one array of them.
+    if (!read_int(stream_, 1, INT32_MAX, flag_count) ||
         !read_int(stream_, 0, INT32_MAX, data_count) || _gl_skip_nl(stream_) == 0)
         return false;
     // The counts of the table are those of the arrays made so far, for the release of a bad one.

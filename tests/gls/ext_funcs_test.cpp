@@ -50,9 +50,9 @@ TEST(ExtFuncs, PutenvKeepsItsOwnCopy) {
     EXPECT_EQ(_gl_ext_putenv(text), 0);
     std::memset(text, 'x', sizeof text - 1);
     EXPECT_STREQ(_gl_get_env_var("KESTRION_TEST_VALUE"), "first");
-    EXPECT_EQ(_gl_ext_putenv("KESTRION_TEST_VALUE="), 0);
-    EXPECT_STREQ(_gl_ext_getenv("KESTRION_TEST_VALUE"), "");
-    EXPECT_EQ(_gl_get_env_var("KESTRION_TEST_VALUE"), nullptr);
+    EXPECT_EQ(_gl_ext_putenv("KESTRION_TEST_EMPTY="), 0);
+    EXPECT_STREQ(_gl_ext_getenv("KESTRION_TEST_EMPTY"), "");
+    EXPECT_EQ(_gl_get_env_var("KESTRION_TEST_EMPTY"), nullptr);
 }
 
 TEST(ExtFuncs, ClockRecordsAgreeWithTheSystem) {

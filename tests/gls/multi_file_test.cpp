@@ -178,6 +178,7 @@ TEST(MultiFile, BadTablesAreRefused) {
          "1 0\n4100100101\n0000000\n1 0\n4100100104\n0000000\n",
          3},
         {"negative count", "1 1 3 0000\n-1 0\n1 0 0 0\n", 3},
+        {"data but no flags", "1 1 3 0000\n0 1\n0000000\n1 0 0 0\n", 3},
         {"huge count", "1 1 3 0000\n2000000000 0\n0000000\n1 0 0 0\n", 3},
         {"flag index outside", "1 1 3 0000\n1 0\n0000110004\n0000000\n1 0 1 0\n", 3},
         {"negative flag index", "1 1 3 0000\n1 0\n0000110004\n0000000\n1 0 -1 0\n", 3},

@@ -14,7 +14,7 @@ using multi_reference = std::map<std::string, std::string>; // sequence, datum
 
 inline gl_char_desc desc_of(const std::string &sequence) {
     gl_char_desc desc = {.length = static_cast<int32_t>(sequence.size()), .bytes = {}};
-    for (size_t i = 0; i < sequence.size(); ++i)
+    for (size_t i = 0; i < sequence.size() && i < gl_char_bytes; ++i)
         desc.bytes[i] = static_cast<unsigned char>(sequence[i]);
     return desc;
 }
