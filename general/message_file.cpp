@@ -178,7 +178,7 @@ int32_t catalogue_find(gen_catalogue *catalogue, int32_t number, message_place *
 int32_t catalogue_read(const gen_catalogue *catalogue, int64_t offset, char *bytes, int32_t count) {
     if (catalogue->image == nullptr)
         return read_fully(catalogue->fd, bytes, count, offset) ? 0 : err_catalogue_cut;
-    if (offset < 0 || count > catalogue->file_size - offset)
+    if (count > catalogue->file_size - offset)
         return err_catalogue_cut;
     memcpy(bytes, catalogue->image + offset, static_cast<size_t>(count));
     return 0;

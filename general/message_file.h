@@ -42,7 +42,8 @@ void catalogue_release_descriptor(gen_catalogue *catalogue);
 // Finds a message in an open catalogue. Returns 0, err_no_such_message or err_catalogue_cut.
 int32_t catalogue_find(gen_catalogue *catalogue, int32_t number, message_place *place);
 
-// Copies `count` bytes from `offset`. Returns 0, or err_catalogue_cut when the file ends before.
+// Copies the first `count` bytes of a text from its `offset`. Returns 0, or err_catalogue_cut when
+// the file ends before.
 int32_t catalogue_read(const gen_catalogue *catalogue, int64_t offset, char *bytes, int32_t count);
 
 } // namespace kestrion

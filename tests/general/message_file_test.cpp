@@ -149,6 +149,16 @@ TEST_P(MessageFile, IndexThatEndsTheFileCannotBeReadWhole) {
     EXPECT_EQ(status_of(9), err_catalogue_cut);
 }
 
+TEST_P(MessageFile, BytesBehindTheIndexAreNoRecords) {
+    std::vector<test_record> records;
+    for (int32_t i = 1; i <= 9; ++i)
+        records.push_back({i, 1, 4});
+    records.push_back({99, 1, 4}); // where texts should be, and inside the last window
+    ASSERT_EQ(open(index_bytes(true, 9, records) + std::string(100, 'x')), 0);
+    EXPECT_EQ(status_of(9), 0);
+    EXPECT_EQ(status_of(99), err_no_such_message);
+}
+
 TEST_P(MessageFile, WhatIsNoCatalogueIsRefusedAndClosed) {
     for (const int magic : {0, 65127, 65130, 26878}) // the last is a magic in the other byte order
         EXPECT_EQ(open(big_endian(magic, 2) + std::string(100, '\0')), err_catalogue_magic)

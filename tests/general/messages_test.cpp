@@ -169,10 +169,11 @@ TEST_F(Messages, DescriptorsStayOpenOnlyForLargeFiles) {
     EXPECT_EQ(get(60000), 0);
     EXPECT_EQ(open_descriptors(), before + 1);
     setenv("QVT_FREE_FD", "1", 1);
-    for (const int32_t number : {60000, -50001, -50002, 60001, 60000}) {
+    for (const int32_t number : {60000, -50001, -50002, 60001}) {
         get(number);
         EXPECT_EQ(open_descriptors(), before) << number;
     }
+    EXPECT_EQ(get(-50001), 0);
     EXPECT_STREQ(CheckGenInit()->catalogues[0].leaf, "") << "forgotten, not just closed";
 }
 
@@ -181,10 +182,10 @@ TEST_F(Messages, ExplicitFileServesAllNumbers) {
     write_file(deep, catalogue_bytes(false, {{7, "explicit\n"}}));
     EXPECT_EQ(get(-50001), 0);
     ASSERT_EQ(_setmsgfile(deep.c_str()), 0);
-    EXPECT_EQ(get(7), 0);
-    EXPECT_STREQ(buffer, "explicit\n");
     EXPECT_EQ(get(-50001), err_no_such_message);
     EXPECT_STREQ(buffer, "Unknown error message number '-50001'\n");
+    EXPECT_EQ(get(7), 0);
+    EXPECT_STREQ(buffer, "explicit\n");
     ASSERT_EQ(_setmsgfile("/nowhere"), 0);
     EXPECT_EQ(get(7), err_catalogue_not_opened);
     EXPECT_STREQ(buffer, "Cannot open file '/nowhere'\n");
@@ -195,6 +196,7 @@ TEST_F(Messages, ExplicitFileServesAllNumbers) {
 TEST_F(Messages, SeekingStandsAtTheText) {
     int fd = -1;
     int64_t position = 0;
+    EXPECT_EQ(get(-50000), 0); // leaves the file in memory, without a descriptor
     EXPECT_EQ(lrseekmsg_gls(-50000, &length, &position, nullptr, &fd), 0);
     EXPECT_EQ(lrseekmsg_gls(-50000, &length, &position, nullptr, &fd), 0) << "found in the window";
     EXPECT_EQ(lseek(fd, 0, SEEK_CUR), position);
