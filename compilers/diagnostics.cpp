@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <string.h>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -75,6 +76,13 @@ std::string_view source_file::line(size_t number) const {
     if (!line.empty() && line.back() == '\n')
         line.remove_suffix(1);
     return line;
+}
+
+source_position source_file::position(size_t offset) const {
+    const auto next = std::upper_bound(starts_.begin(), starts_.end(), offset);
+    if (next == starts_.begin()) // an empty file
+        return {1, 1};
+    return {static_cast<size_t>(next - starts_.begin()), offset - *(next - 1) + 1};
 }
 
 void diagnostics::error(const source_file &source, source_position where, std::string_view what,

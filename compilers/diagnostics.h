@@ -37,6 +37,11 @@ struct compiler_failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+struct source_position {
+    size_t line = 0;   // from 1; 0: the file as a whole
+    size_t column = 0; // from 1, in bytes; 0: the line as a whole
+};
+
 // One source file, held whole, with its lines.
 class source_file {
 public:
@@ -50,16 +55,13 @@ public:
     size_t line_count() const { return starts_.size(); }
     // Line `number`, from 1, without its line end; empty when there is none.
     std::string_view line(size_t number) const;
+    // Line and column of an offset in the text.
+    source_position position(size_t offset) const;
 
 private:
     std::string name_;
     std::string text_;
     std::vector<size_t> starts_; // offset of each line
-};
-
-struct source_position {
-    size_t line = 0;   // from 1; 0: the file as a whole
-    size_t column = 0; // from 1, in bytes; 0: the line as a whole
 };
 
 class diagnostics {

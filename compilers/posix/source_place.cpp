@@ -1,6 +1,5 @@
 #include "compilers/posix/source_place.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <zlib.h>
@@ -41,11 +40,7 @@ std::unique_ptr<source_file> read_if_there(const std::string &path) {
 } // namespace
 
 source_position source_place::position() const {
-    if (file == nullptr)
-        return {};
-    std::string_view before = file->text().substr(0, offset);
-    auto lines = static_cast<size_t>(std::count(before.begin(), before.end(), '\n'));
-    return {lines + 1, before.size() - (before.rfind('\n') + 1) + 1};
+    return file == nullptr ? source_position{} : file->position(offset);
 }
 
 std::unique_ptr<source_file> find_source_file(const std::string &name,
