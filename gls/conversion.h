@@ -99,11 +99,13 @@ int32_t gl_iconv_open1(cv_rec **out, const char *file_name);
 int32_t gl_cv_unload(cv_rec *cv);
 
 // Converts. All pointers and counts move forward by whole characters, on failure too.
-// state         null: start and end in the normal state.
-// source_length null: the source is a terminated text, converted with its terminator; else bytes
-// left. target        null, or pointing at null: nothing is stored, the room shrinks all the same.
-// lossy         set to 1 when a mapping was inexact, else 0.
-// Returns 0 or -1.
+// state          null: start and end in the normal state.
+// source_length  null: the source is a terminated text, converted with its terminator; else the
+//                bytes left.
+// target         null, or pointing at null: nothing is stored, the room shrinks all the same. It
+//                may be the source itself only for a pair that writes no more than it has read.
+// lossy          set to 1 when a mapping was inexact, else 0.
+// Returns 0 or -1. A stand-in or a failed record converts nothing: -1 with its word as it stands.
 int32_t gl_cv_mconv(cv_rec *cv, cv_state *state, const char **source, int32_t *source_length,
                     char **target, int32_t *room, int32_t *lossy);
 int32_t gl_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,

@@ -1,0 +1,304 @@
+#include "gls/conversion_routines.h"
+
+#include "gls/conversion_fast.h"
+#include "gls/ext_funcs.h"
+#include "gls/gls_errors.h"
+#include "gls/log.h"
+#include "gls/multi.h"
+
+#include <limits.h>
+#include <string.h>
+
+namespace {
+
+constexpr int32_t byte_values = 256;
+
+// One call's position in its text and its output.
+struct walk {
+    cv_rec *cv;
+    const char **source;
+    int32_t *length; // null: a terminated text
+    char **target;   // null: measuring
+    int32_t *room;
+
+    bool done() const { return length != nullptr && *length <= 0; }
+    int32_t limit() const { return length != nullptr ? *length : INT32_MAX; }
+    bool last(int32_t used) const { return length != nullptr && *length <= used; }
+
+    void advance(int32_t used) {
+        *source += used;
+        if (length != nullptr)
+            *length -= used;
+    }
+
+    // Stores what fits of `count` bytes; room may go below 0 only where the caller's test let it.
+    void store(const unsigned char *bytes, int32_t count) {
+        if (target != nullptr) {
+            const int32_t fitting = count < *room ? count : *room;
+            if (fitting > 0)
+                memcpy(*target, bytes, static_cast<size_t>(fitting));
+            *target += count;
+        }
+        *room -= count;
+    }
+
+    int32_t fail(int32_t error, const char *message) {
+        if (error != GLS_OK)
+            cv->cv_err = error;
+        gl_message(message);
+        return -1;
+    }
+    int32_t fail_lookup() { return fail(GLS_OK, "Error in Translation."); }
+    int32_t fail_unmapped() {
+        return fail(GLS_ERR_BAD_CHARACTER, "Error in Translation (GL_EILSEQ)");
+    }
+    int32_t fail_room() { return fail(GLS_ERR_NO_ROOM, "Error in Translation (GL_E2BIG)"); }
+};
+
+walk start_walk(cv_rec *cv, const char **source, int32_t *length, char **target, int32_t *room,
+                int32_t *lossy) {
+    *lossy = 0;
+    const bool measuring = target == nullptr || *target == nullptr;
+    return {cv, source, length, measuring ? nullptr : target, room};
+}
+
+// A terminated text ends with its terminator. A table that maps the zero character like any other
+// must not carry the walk beyond the text.
+bool ends_text(const walk &w, unsigned char control, const char *character, int32_t used) {
+    if (w.length != nullptr)
+        return false;
+    if ((control & CV_TERMINATOR) != 0)
+        return true;
+    for (int32_t i = 0; i < used; ++i)
+        if (character[i] != '\0')
+            return false;
+    return true;
+}
+
+const unsigned char *root_datum(const multi_arr *table, unsigned char byte) {
+    if (table->root->data == nullptr)
+        return table->default_datum;
+    return table->root->data + (static_cast<size_t>(byte) << table->shift);
+}
+
+const unsigned char *lookup(walk &w, const multi_arr *table, int32_t *used) {
+    return static_cast<const unsigned char *>(
+        _gl_retrieve_text_multi_limit(*w.source, table, w.limit(), used, w.cv));
+}
+
+bool unit_of(int32_t min_len, int32_t max_len, int32_t unit) {
+    return min_len == unit && max_len == unit;
+}
+bool fixed_width(int32_t min_len, int32_t max_len) {
+    return unit_of(min_len, max_len, 2) || unit_of(min_len, max_len, 4);
+}
+
+// The bytes of a unit, turned round; what a datum has no room for counts as zero.
+void reverse_unit(const cv_rec *cv, const unsigned char *datum, int32_t unit, unsigned char *out) {
+    for (int32_t i = 0; i < unit; ++i)
+        out[i] = unit - i <= cv->target_max_len ? datum[unit - i] : 0;
+}
+
+// A converted character and what stands around it when a state changes.
+struct shifted_output {
+    unsigned char bytes[3 * cv_sequence_size];
+    int32_t length = 0;
+
+    void add(const unsigned char *from, int32_t count) {
+        memcpy(bytes + length, from, static_cast<size_t>(count));
+        length += count;
+    }
+};
+
+void build_sb_table(cv_rec *cv) {
+    auto *table = static_cast<unsigned char *>(_gl_ext_malloc(byte_values));
+    if (table == nullptr)
+        return;
+    const int32_t word = cv->cv_err;
+    unsigned char values[byte_values];
+    for (int32_t i = 0; i < byte_values; ++i)
+        values[i] = static_cast<unsigned char>(i);
+    const char *source = reinterpret_cast<const char *>(values);
+    char *target = reinterpret_cast<char *>(table);
+    int32_t length = byte_values;
+    int32_t room = byte_values;
+    int32_t lossy;
+    if (sb_miconv(cv, &source, &length, &target, &room, &lossy) == 0) {
+        cv->sb_table = table;
+        return;
+    }
+    // A byte without a mapping: a plain table could not refuse it.
+    _gl_ext_free(table);
+    cv->cv_err = word;
+}
+
+} // namespace
+
+extern "C" {
+
+void set_iconv_fps(cv_rec *cv) {
+    if (cv->source_stateful == 0 && fixed_width(cv->source_min_len, cv->source_max_len)) {
+        cv->convert = little_endian_unicode_source_miconv;
+    } else if (cv->target_stateful == 0 && fixed_width(cv->target_min_len, cv->target_max_len)) {
+        cv->convert = little_endian_unicode_target_miconv;
+    } else if (cv->source_stateful == 0 && cv->target_stateful == 0 && cv->source_max_len == 1 &&
+               cv->target_max_len == 1) {
+        cv->convert = sb_miconv;
+        if (cv->no_sb_table == 0)
+            build_sb_table(cv);
+        kestrion::make_fast_tables(cv);
+    } else {
+        cv->convert = mb_miconv;
+        if (cv->source_stateful == 0)
+            kestrion::make_fast_tables(cv);
+    }
+}
+
+int32_t sb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
+                  int32_t *room, int32_t *lossy) {
+    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    kestrion::convert_fast(cv, source, source_length, w.target, room, lossy);
+    while (!w.done()) {
+        const unsigned char *datum =
+            root_datum(cv->table_normal, static_cast<unsigned char>(**source));
+        if (datum[0] < CV_FIRST_MAPPED)
+            return w.fail_unmapped();
+        if (*room < 1)
+            return w.fail_room();
+        if ((datum[0] & CV_INEXACT) != 0)
+            *lossy = 1;
+        const bool end = ends_text(w, datum[0], *source, 1);
+        w.store(datum + 1, 1);
+        w.advance(1);
+        if (end)
+            break;
+    }
+    return 0;
+}
+
+int32_t mb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
+                  int32_t *room, int32_t *lossy) {
+    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    kestrion::convert_fast(cv, source, source_length, w.target, room, lossy);
+    while (!w.done()) {
+        int32_t used = 0;
+        const unsigned char *datum = lookup(w, cv->table_normal, &used);
+        if (datum == nullptr)
+            return w.fail_lookup();
+        if (datum[0] < CV_FIRST_MAPPED)
+            return w.fail_unmapped();
+        const int32_t count = datum[0] & CV_LENGTH;
+        if (*room < count)
+            return w.fail_room();
+        if ((datum[0] & CV_INEXACT) != 0)
+            *lossy = 1;
+        const bool end = ends_text(w, datum[0], *source, used);
+        w.store(datum + 1, count);
+        w.advance(used);
+        if (end)
+            break;
+    }
+    return 0;
+}
+
+int32_t little_endian_unicode_target_miconv(cv_rec *cv, const char **source, int32_t *source_length,
+                                            char **target, int32_t *room, int32_t *lossy) {
+    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    const int32_t unit = unit_of(cv->target_min_len, cv->target_max_len, 4) ? 4 : 2;
+    while (!w.done()) {
+        int32_t used = 0;
+        const unsigned char *datum = lookup(w, cv->table_normal, &used);
+        if (datum == nullptr)
+            return w.fail_lookup();
+        if (datum[0] < CV_FIRST_MAPPED)
+            return w.fail_unmapped();
+        if (*room < 2) // for both units: see the header
+            return w.fail_room();
+        if ((datum[0] & CV_INEXACT) != 0)
+            *lossy = 1;
+        unsigned char bytes[cv_sequence_size];
+        reverse_unit(cv, datum, unit, bytes);
+        const bool end = ends_text(w, datum[0], *source, used);
+        w.store(bytes, unit);
+        w.advance(used);
+        if (end)
+            break;
+    }
+    return 0;
+}
+
+int32_t little_endian_unicode_source_miconv(cv_rec *cv, const char **source, int32_t *source_length,
+                                            char **target, int32_t *room, int32_t *lossy) {
+    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    const int32_t source_unit = unit_of(cv->source_min_len, cv->source_max_len, 4) ? 4 : 2;
+    const bool wide_target =
+        cv->target_stateful == 0 && fixed_width(cv->target_min_len, cv->target_max_len);
+    while (!w.done()) {
+        const auto *datum = static_cast<const unsigned char *>(
+            _gl_retrieve_little_endian_unicode_limit(*source, cv->table_normal, w.limit(), cv));
+        if (datum == nullptr)
+            return w.fail_lookup();
+        if (datum[0] < CV_FIRST_MAPPED)
+            return w.fail_unmapped();
+        const int32_t count = wide_target ? cv->target_max_len : datum[0] & CV_LENGTH;
+        if (*room < count)
+            return w.fail_room();
+        if ((datum[0] & CV_INEXACT) != 0)
+            *lossy = 1;
+        const bool end = ends_text(w, datum[0], *source, source_unit);
+        unsigned char bytes[cv_sequence_size];
+        if (wide_target)
+            reverse_unit(cv, datum, count, bytes);
+        w.store(wide_target ? bytes : datum + 1, count);
+        w.advance(source_unit);
+        if (end)
+            break;
+    }
+    return 0;
+}
+
+int32_t mb_smiconv(cv_rec *cv, cv_state *state, const char **source, int32_t *source_length,
+                   char **target, int32_t *room, int32_t *lossy) {
+    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    if (state->reset != 0)
+        state->source_shifted = state->target_shifted = 0;
+    while (!w.done()) {
+        const multi_arr *table = state->source_shifted != 0 ? cv->table_shifted : cv->table_normal;
+        int32_t used = 0;
+        if (table == nullptr)
+            return w.fail(GLS_ERR_BAD_CHARACTER, "Error in Translation.");
+        const unsigned char *datum = lookup(w, table, &used);
+        if (datum == nullptr)
+            return w.fail_lookup();
+        const unsigned char control = datum[0];
+        if (control < CV_FIRST_MAPPED)
+            return w.fail_unmapped();
+        const int32_t source_shifted =
+            (control & CV_SWITCH) != 0 ? !state->source_shifted : state->source_shifted;
+        int32_t target_shifted = state->target_shifted;
+        shifted_output out;
+        if ((control & CV_SHIFTED) != 0 && !target_shifted)
+            out.add(cv->shift_in, cv->shift_in_len);
+        else if ((control & CV_SHIFTED) == 0 && target_shifted)
+            out.add(cv->shift_out, cv->shift_out_len);
+        target_shifted = (control & CV_SHIFTED) != 0;
+        out.add(datum + 1, control & CV_LENGTH);
+        const bool end = ends_text(w, control, *source, used);
+        if (state->flush != 0 && target_shifted && (end || w.last(used))) {
+            out.add(cv->shift_out, cv->shift_out_len);
+            target_shifted = 0;
+        }
+        if (*room < out.length)
+            return w.fail_room();
+        if ((control & CV_INEXACT) != 0)
+            *lossy = 1;
+        state->source_shifted = source_shifted;
+        state->target_shifted = target_shifted;
+        w.store(out.bytes, out.length);
+        w.advance(used);
+        if (end)
+            break;
+    }
+    return 0;
+}
+}
