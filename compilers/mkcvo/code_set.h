@@ -1,0 +1,58 @@
+// One side of a conversion: the characters of a code set and the bytes that each is written by.
+//
+// A side is a charmap; or the fixed-width Unicode form UCS-2 or UCS-4, made of the other side's
+// characters; or the 7-bit form of an EUC charmap with shift states: its single bytes in the normal
+// state, its pairs of high bytes, without their high bits, in the shifted one, and the control
+// characters in both.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "compilers/posix/charmap.h"
+
+namespace kestrion {
+
+struct side_row {
+    code_sequence sequence;
+    std::u32string characters; // one, or the several that the row stands for
+    bool one_way = false;      // read so, never written so
+    bool shifted = false;      // of the shifted state
+    source_place place;
+};
+
+struct code_set_side {
+    std::string name;
+    std::vector<side_row> rows; // ascending by sequence, each sequence once in a state
+    bool stateful = false;
+    code_sequence shift_in, shift_out; // of a stateful side
+    bool unicode = false;              // a fixed-width Unicode form
+
+    // The row that writes a character, or null.
+    const side_row *find(char32_t character) const;
+
+    void add(side_row row);
+    void finish(); // sorts, drops what is named twice, and indexes
+
+private:
+    std::unordered_map<char32_t, size_t> writers_;
+};
+
+// The side of a charmap. Rows named by anything but Unicode names are left out.
+code_set_side side_of_charmap(const std::string &name, const charmap &map);
+
+// The 7-bit form; rows that it cannot hold are told to `said` as losses.
+code_set_side shifted_side(const std::string &name, const charmap &map,
+                           const code_sequence &shift_in, const code_sequence &shift_out,
+                           diagnostics &said);
+
+// UCS-2 or UCS-4 with the characters of the other side; UCS-2 lacks those beyond U+FFFF.
+constexpr char32_t last_of_two_bytes = 0xffff;
+code_set_side unicode_side(const code_set_side &other, int bytes);
+
+// "U+20AC".
+std::string character_name(char32_t character);
+
+} // namespace kestrion

@@ -1,0 +1,166 @@
+#include "compilers/mkcvo/join.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace kestrion {
+
+namespace {
+
+constexpr int byte_values = 256;
+
+// The bytes of several characters together, when they fit one mapping.
+struct written {
+    code_sequence bytes;
+    bool shifted = false;
+};
+
+std::optional<written> write(const code_set_side &target, std::u32string_view characters) {
+    written out;
+    if (target.unicode && characters.size() > 1)
+        return {}; // every character has the same width there
+    for (size_t i = 0; i < characters.size(); ++i) {
+        const side_row *row = target.find(characters[i]);
+        if (row == nullptr || out.bytes.length + row->sequence.length > max_sequence_length ||
+            (i > 0 && row->shifted != out.shifted))
+            return {};
+        std::memcpy(out.bytes.bytes + out.bytes.length, row->sequence.bytes, row->sequence.length);
+        out.bytes.length = static_cast<uint8_t>(out.bytes.length + row->sequence.length);
+        out.shifted = row->shifted;
+    }
+    return out;
+}
+
+std::optional<written> write_substitute(const code_set_side &target, char32_t character,
+                                        const substitutes &instead) {
+    if (instead.translit != nullptr)
+        if (const auto *choices = instead.translit->find(character); choices != nullptr)
+            for (const std::u32string &choice : *choices)
+                if (!choice.empty())
+                    if (const auto out = write(target, choice); out)
+                        return out;
+    if (instead.character)
+        return write(target, std::u32string_view(&*instead.character, 1));
+    return {};
+}
+
+unsigned char control_byte(const written &out, char32_t first, bool inexact) {
+    unsigned control = CV_MAPPED | out.bytes.length;
+    if (first == 0)
+        control |= CV_TERMINATOR;
+    if (inexact)
+        control |= CV_INEXACT;
+    if (out.shifted)
+        control |= CV_SHIFTED;
+    return static_cast<unsigned char>(control);
+}
+
+void tell_loss(const code_set_side &target, const side_row &row, diagnostics &said) {
+    std::string what;
+    for (const char32_t character : row.characters)
+        what += (what.empty() ? "" : " ") + character_name(character);
+    what += " has no counterpart in " + target.name;
+    constexpr char remedy[] = "--substitute or --translit gives it an inexact one";
+    if (row.place.file != nullptr)
+        said.loss(*row.place.file, row.place.position(), what, remedy);
+    else
+        said.loss(what, remedy);
+}
+
+conversion_entry entry_of(const code_set_side &target, const side_row &row,
+                          const substitutes &instead, diagnostics &said) {
+    std::optional<written> out = write(target, row.characters);
+    const bool exact = out.has_value();
+    if (!exact && row.characters.size() == 1)
+        out = write_substitute(target, row.characters[0], instead);
+    if (!out) {
+        tell_loss(target, row, said);
+        return {row.sequence, 0, {}};
+    }
+    return {row.sequence, control_byte(*out, row.characters[0], !exact), out->bytes};
+}
+
+// The sequences that change the source's state, each in the state where it does; the other state
+// passes over it.
+void add_switches(const code_set_side &source, conversion_object &object) {
+    constexpr unsigned char change = CV_SWITCH | CV_MAPPED;
+    constexpr unsigned char pass = CV_MAPPED;
+    object.normal.push_back({source.shift_in, change, {}});
+    object.normal.push_back({source.shift_out, pass, {}});
+    object.shifted.push_back({source.shift_out, change, {}});
+    object.shifted.push_back({source.shift_in, pass, {}});
+}
+
+bool by_source(const conversion_entry &a, const conversion_entry &b) {
+    return std::memcmp(a.source.bytes, b.source.bytes, sizeof a.source.bytes) < 0;
+}
+
+void measure(conversion_object &object) {
+    const int longest_shift =
+        std::max<int>(object.shifts[SHIFT_IN].length, object.shifts[SHIFT_OUT].length);
+    object.source_min = object.target_min = max_sequence_length;
+    for (const auto *entries : {&object.normal, &object.shifted}) {
+        for (const conversion_entry &entry : *entries) {
+            const int source = entry.source.length;
+            const int target = entry.target.length;
+            object.source_min = std::min(object.source_min, source);
+            object.source_max = std::max(object.source_max, source);
+            if (target == 0)
+                continue;
+            object.target_min = std::min(object.target_min, target);
+            object.target_max = std::max(object.target_max, target);
+            // A shifted character that stands alone has a sequence on either side.
+            const int shifts =
+                (entry.control & CV_SHIFTED) != 0
+                    ? object.shifts[SHIFT_IN].length + object.shifts[SHIFT_OUT].length
+                    : longest_shift;
+            object.expansion =
+                std::max(object.expansion, static_cast<double>(target + shifts) / source);
+        }
+    }
+}
+
+bool looks_fixed_width(int least, int greatest) {
+    return least == greatest && (least == 2 || least == 4);
+}
+
+void check_widths(const code_set_side &side, int least, int greatest) {
+    if (!side.unicode && !side.stateful && looks_fixed_width(least, greatest))
+        throw compiler_failure(side.name + ": all characters have " + std::to_string(least) +
+                               " bytes, which the runtime takes for a fixed-width Unicode form");
+}
+
+bool all_bytes_map(const conversion_object &object) {
+    return object.source_max == 1 && object.target_max == 1 &&
+           object.normal.size() == byte_values &&
+           std::all_of(object.normal.begin(), object.normal.end(),
+                       [](const conversion_entry &entry) { return entry.control != 0; });
+}
+
+} // namespace
+
+conversion_object join(const code_set_side &source, const code_set_side &target,
+                       const substitutes &instead, diagnostics &said) {
+    conversion_object object;
+    // The runtime keeps shift states of either side only for an object with two tables.
+    object.source_stateful = source.stateful || target.stateful;
+    object.target_stateful = target.stateful;
+    object.shifts = {target.shift_in, target.shift_out, source.shift_in, source.shift_out};
+    for (const side_row &row : source.rows)
+        (row.shifted ? object.shifted : object.normal)
+            .push_back(entry_of(target, row, instead, said));
+    if (source.stateful)
+        add_switches(source, object);
+    std::stable_sort(object.normal.begin(), object.normal.end(), by_source);
+    std::stable_sort(object.shifted.begin(), object.shifted.end(), by_source);
+    measure(object);
+    if (object.target_max == 0)
+        throw compiler_failure(source.name + " and " + target.name +
+                               " have no character in common");
+    check_widths(source, object.source_min, object.source_max);
+    check_widths(target, object.target_min, object.target_max);
+    object.no_byte_table = !all_bytes_map(object);
+    return object;
+}
+
+} // namespace kestrion

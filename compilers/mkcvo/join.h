@@ -1,0 +1,24 @@
+// Joins two code sets through their characters' Unicode names into a conversion object.
+#pragma once
+
+#include <optional>
+
+#include "compilers/mkcvo/code_set.h"
+#include "compilers/mkcvo/conversion.h"
+#include "compilers/posix/transliteration.h"
+
+namespace kestrion {
+
+// What to write for a character that the target lacks; both make the mapping inexact.
+struct substitutes {
+    const transliteration *translit = nullptr; // tried first
+    std::optional<char32_t> character;
+};
+
+// Characters without any counterpart stay valid in the source and are losses.
+// Throws compiler_failure when the two have no character in common, or when the runtime would take
+// one of them for a fixed-width Unicode form.
+conversion_object join(const code_set_side &source, const code_set_side &target,
+                       const substitutes &instead, diagnostics &said);
+
+} // namespace kestrion

@@ -1,0 +1,216 @@
+#include "compilers/mkcvo/mkcvo.h"
+
+#include <algorithm>
+#include <charconv>
+#include <memory>
+#include <optional>
+
+#include "compilers/mkcvo/code_set.h"
+#include "compilers/mkcvo/conversion.h"
+#include "compilers/mkcvo/join.h"
+#include "compilers/posix/transliteration.h"
+#include "compilers/source_hash.h"
+
+namespace kestrion {
+
+namespace {
+
+constexpr std::string_view shifted_prefix = "shifted:";
+
+struct mkcvo_options {
+    std::vector<std::string> charmap_directories;
+    std::vector<std::string> locale_directories;
+    std::string translit;
+    std::optional<char32_t> substitute;
+    code_sequence shift_in{1, {0x0e}};
+    code_sequence shift_out{1, {0x0f}};
+    bool list = false;
+};
+
+char32_t parse_character(const std::string &text) {
+    uint32_t value = 0;
+    const char *const end = text.data() + text.size();
+    if (text.starts_with("U+") && text.size() > 2) {
+        const auto [stop, error] = std::from_chars(text.data() + 2, end, value, 16);
+        if (error == std::errc() && stop == end && value <= 0x10ffff)
+            return value;
+    }
+    throw usage_error("'" + text + "' is no character; write it as U+003F");
+}
+
+code_sequence parse_sequence(const std::string &text) {
+    code_sequence bytes;
+    if (!text.empty() && text.size() % 2 == 0 && text.size() <= 2 * size_t{max_sequence_length}) {
+        size_t i = 0;
+        for (; i < text.size(); i += 2) {
+            const auto [stop, error] =
+                std::from_chars(text.data() + i, text.data() + i + 2, bytes.bytes[i / 2], 16);
+            if (error != std::errc() || stop != text.data() + i + 2)
+                break;
+        }
+        bytes.length = static_cast<uint8_t>(i / 2);
+        if (i == text.size())
+            return bytes;
+    }
+    throw usage_error("'" + text +
+                      "' is no shift sequence; one to four bytes in hexadecimal are, such as 0e");
+}
+
+// One of the two code sets that the command line names.
+struct named_set {
+    explicit named_set(const std::string &word)
+        : shifted(word.starts_with(shifted_prefix)),
+          name(shifted ? word.substr(shifted_prefix.size()) : word),
+          unicode_bytes(word == "UCS-2"   ? 2
+                        : word == "UCS-4" ? 4
+                                          : 0) {}
+
+    bool shifted;
+    std::string name;
+    int unicode_bytes; // 2 or 4 for a fixed-width Unicode form, else 0
+    std::unique_ptr<source_file> file;
+    std::unique_ptr<charmap> map;
+
+    void read(const mkcvo_options &options) {
+        if (unicode_bytes != 0)
+            return;
+        file = find_source_file(name, options.charmap_directories);
+        map = std::make_unique<charmap>(*file);
+    }
+
+    code_set_side side(const mkcvo_options &options, diagnostics &said) const {
+        return shifted ? shifted_side(std::string(shifted_prefix) + name, *map, options.shift_in,
+                                      options.shift_out, said)
+                       : side_of_charmap(name, *map);
+    }
+};
+
+std::vector<std::string> head_lines(const named_set &source, const named_set &target) {
+    source_hash hash;
+    for (const named_set *set : {&source, &target})
+        hash.add(set->name, set->file != nullptr ? set->file->text() : std::string_view());
+    return {"COMPILER=mkcvo " + std::string(compiler_version()), "SOURCE_HASH=" + hash.text()};
+}
+
+// Nothing of a UCS-2 text is lost, but it can't say all that the target could write.
+code_set_side unicode_source(const code_set_side &target, int bytes, diagnostics &said) {
+    const auto beyond =
+        std::count_if(target.rows.begin(), target.rows.end(), [](const side_row &row) {
+            return row.characters.size() == 1 && row.characters[0] > last_of_two_bytes;
+        });
+    if (bytes == 2 && beyond != 0)
+        said.loss(std::to_string(beyond) + " characters of " + target.name +
+                      " lie beyond U+FFFF, where two bytes do not reach",
+                  "UCS-4 holds them");
+    return unicode_side(target, bytes);
+}
+
+std::string compile_charmaps(const mkcvo_options &options, const compiler_run &run,
+                             diagnostics &said) {
+    if (run.sources.size() != 2)
+        throw usage_error("two code sets are needed, the source and the target");
+    named_set source(run.sources[0]);
+    named_set target(run.sources[1]);
+    if (source.unicode_bytes != 0 && target.unicode_bytes != 0)
+        throw usage_error("one of the code sets must be a charmap");
+    source.read(options);
+    target.read(options);
+
+    code_set_side from, to;
+    if (source.unicode_bytes == 0)
+        from = source.side(options, said);
+    if (target.unicode_bytes == 0)
+        to = target.side(options, said);
+    if (source.unicode_bytes != 0)
+        from = unicode_source(to, source.unicode_bytes, said);
+    if (target.unicode_bytes != 0)
+        to = unicode_side(from, target.unicode_bytes);
+
+    substitutes instead{nullptr, options.substitute};
+    source_library library(options.locale_directories);
+    std::unique_ptr<transliteration> translit;
+    if (!options.translit.empty()) {
+        translit = std::make_unique<transliteration>(library, library.open(options.translit));
+        instead.translit = translit.get();
+    }
+    conversion_object object = join(from, to, instead, said);
+    object.head = head_lines(source, target);
+    return object_text(object);
+}
+
+std::vector<output_file> compile(const mkcvo_options &options, const compiler_run &run,
+                                 diagnostics &said) {
+    if (run.output.empty())
+        throw usage_error("no output is named; -o FILE names it");
+    if (run.sources.size() == 1) {
+        const source_file listing = source_file::read(run.sources[0]);
+        if (!is_listing(listing.text()))
+            throw usage_error("two code sets are needed, the source and the target");
+        return {{run.output, object_text(read_listing(listing))}};
+    }
+    return {{run.output, compile_charmaps(options, run, said)}};
+}
+
+std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
+    if (run.sources.size() != 1)
+        throw usage_error("--list takes one conversion object");
+    const conversion_object object = read_object(run.sources[0]);
+    const source_file file = source_file::read(run.sources[0]);
+    if (object_text(object) != file.text())
+        said.warning(file, {}, "mkcvo did not lay this object out",
+                     "the listing compiles to the same conversions, not to the same bytes");
+    return {{run.output, listing_text(object)}};
+}
+
+std::vector<output_file> run_mkcvo(const mkcvo_options &options, const compiler_run &line,
+                                   diagnostics &said) {
+    try {
+        return options.list ? list(line, said) : compile(options, line, said);
+    } catch (const source_error &error) {
+        said.error(*error.where.file, error.where.position(), error.what(), error.remedy);
+        return {};
+    }
+}
+
+} // namespace
+
+int mkcvo_main(int argc, char **argv, std::FILE *messages) {
+    mkcvo_options options;
+    compiler self{
+        .name = "mkcvo",
+        .synopsis = "[options] -o FILE SOURCE TARGET\n       mkcvo --list [-o FILE] OBJECT",
+        .summary =
+            "Compiles two charmaps into a code-set conversion object.\n"
+            "SOURCE and TARGET are charmaps by name or path, UCS-2 or UCS-4 for a fixed-width Unicode\n"
+            "form, or shifted:CHARMAP for the 7-bit form of an EUC charmap with shift states. A listing\n"
+            "in place of both compiles to the object that it was made of.",
+        .most_sources = 2,
+        .options =
+            {
+                {"charmaps", 'C', "DIR", "also look for charmaps here",
+                 [&](const std::string &value) { options.charmap_directories.push_back(value); }},
+                {"locales", 'L', "DIR", "also look for locale sources here",
+                 [&](const std::string &value) { options.locale_directories.push_back(value); }},
+                {"translit", 't', "LOCALE",
+                 "write what this source's transliteration gives, inexactly",
+                 [&](const std::string &value) { options.translit = value; }},
+                {"substitute", 's', "U+XXXX", "write this for what has no counterpart, inexactly",
+                 [&](const std::string &value) { options.substitute = parse_character(value); }},
+                {"shift-in", 0, "HEX", "bytes that begin the shifted state (0e)",
+                 [&](const std::string &value) { options.shift_in = parse_sequence(value); }},
+                {"shift-out", 0, "HEX", "bytes that end it (0f)",
+                 [&](const std::string &value) { options.shift_out = parse_sequence(value); }},
+                {"list", 'l', nullptr, "print an object as a text that compiles to it",
+                 [&](const std::string &) { options.list = true; }},
+            },
+        .compile =
+            [&](const compiler_run &line, diagnostics &said) {
+                options.charmap_directories.push_back("/usr/share/i18n/charmaps");
+                options.locale_directories.push_back("/usr/share/i18n/locales");
+                return run_mkcvo(options, line, said);
+            },
+    };
+    return compiler_main(argc, argv, self, messages);
+}
+
+} // namespace kestrion
