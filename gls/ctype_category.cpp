@@ -25,7 +25,7 @@ bool read_class_row(locale_rec *lc, FILE *file, class_row &row) {
     if (!read_number(lc, file, INT32_MIN, INT32_MAX, bit))
         return false;
     _gl_skip_space_if_needed(file);
-    if (_gl_get_str(name, sizeof name, file) != 0)
+    if (_gl_get_str(name, sizeof name, file) != 0 || name[0] == 0)
         return refuse(lc, GLS_ERR_MALFORMED);
     size_t size = strlen(name) + 1;
     row = {.bit = static_cast<int32_t>(bit), .name = static_cast<char *>(_gl_ext_malloc(size))};
