@@ -246,13 +246,9 @@ int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *
     bool loaded =
         gl_make_null_category(lc, category) == 0 && read_one_category(lc, category, file) == 0;
     _gl_ext_fclose(file);
-    if (loaded)
-        return strcmp(out, native_name) == 0 ? 0 : set_categories_glu(lc, category, out);
-    int32_t word = *_gl_ext_errno(lc);
-    gl_free_category(lc, category);
-    gl_make_null_category(lc, category);
-    set_engine_error(lc, word);
-    return 1;
+    if (!loaded)
+        return 1;
+    return strcmp(out, native_name) == 0 ? 0 : set_categories_glu(lc, category, out);
 }
 
 char *set_categories(locale_rec *lc, int32_t category, const char *text, const char *dir) {

@@ -85,18 +85,6 @@ bool read_growth(locale_rec *lc, FILE *file) {
 
 // ---- What the lookups rely on
 
-// A terminator must not be the beginning of a character: a lookup would read on behind the text.
-bool terminator_ends(const multi_step *walk, int32_t min_len) {
-    uint32_t state = 0;
-    for (int32_t i = 0; i < min_len; ++i) {
-        multi_step step = walk[static_cast<size_t>(state) << 8];
-        if (step.next < multi_first_state)
-            return true;
-        state = step.next;
-    }
-    return false;
-}
-
 // Checks the indexes of the case table and finds the greatest growth that its pairs can cause.
 struct case_check {
     const multi_arr *table;
@@ -204,9 +192,6 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
         return refuse(lc, GLS_ERR_MALFORMED);
     if (!flatten(lc, ct.class_table, ct.class_walk) || !flatten(lc, ct.case_index, ct.case_walk))
         return false;
-    if (!terminator_ends(ct.class_walk, classes->min_len) ||
-        !terminator_ends(ct.case_walk, classes->min_len))
-        return refuse(lc, GLS_ERR_MALFORMED);
     ct.mb_loc_max = classes->max_len;
     ct.mb_loc_min = classes->min_len;
     if (!spell_partners(lc, ct))

@@ -1,5 +1,6 @@
 #include "gls/locale_file.h"
 
+#include "gls/categories.h"
 #include "gls/category_data.h"
 #include "gls/char_length.h"
 #include "gls/code_set_registry.h"
@@ -111,10 +112,24 @@ int32_t refused(locale_rec *lc, int32_t error) {
     return 1;
 }
 
-int32_t log_failure(const char *text) {
+bool log_failure(const char *text) {
     if (text)
         gl_message(text);
-    return 1;
+    return false;
+}
+
+bool read_and_init(locale_rec *lc, int32_t slot, FILE *file) {
+    int32_t error;
+    if (!read_file_header(file, lc->cs_names[slot], &error))
+        return refuse(lc, error);
+    if (!code_set_fits(lc, slot))
+        return refuse(lc, GLS_ERR_OTHER_CODE_SET);
+    if (!find_marker(file, category_markers[slot]))
+        return refuse(lc, GLS_ERR_MALFORMED);
+    const section_row &section = sections[slot];
+    if (section.read(lc, file) != 0)
+        return log_failure(section.read_failure);
+    return !section.init || section.init(lc) == 0 || log_failure(section.init_failure);
 }
 
 } // namespace
@@ -208,19 +223,14 @@ int32_t read_one_category(locale_rec *lc, int32_t category, FILE *file) {
     int32_t slot = category - gl_first_category;
     if (slot < 0 || slot >= gl_category_count)
         return refused(lc, GLS_ERR_ARGUMENT);
-    int32_t error;
-    if (!read_file_header(file, lc->cs_names[slot], &error))
-        return refused(lc, error);
-    if (!code_set_fits(lc, slot))
-        return refused(lc, GLS_ERR_OTHER_CODE_SET);
-    if (!find_marker(file, category_markers[slot]))
-        return refused(lc, GLS_ERR_MALFORMED);
-    const section_row &section = sections[slot];
-    if (section.read(lc, file) != 0)
-        return log_failure(section.read_failure);
-    if (section.init && section.init(lc) != 0)
-        return log_failure(section.init_failure);
-    return 0;
+    if (read_and_init(lc, slot, file))
+        return 0;
+    // Nothing half read stays: lookups rely on what the readers have checked.
+    int32_t word = *_gl_ext_errno(lc);
+    gl_free_category(lc, category);
+    gl_make_null_category(lc, category);
+    set_engine_error(lc, word);
+    return 1;
 }
 
 int32_t str_readallc(locale_rec *lc, FILE *file, char **out) {

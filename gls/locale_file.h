@@ -6,7 +6,8 @@
 //
 // Readers return 0, or not 0 with the error word of the record set: 3 no memory, 4 too many group
 // sizes, 8 a text without its line feed, 11 a malformed field, 50 unknown calendar; the err of a
-// table. What a failed reader had read belongs to the category and goes with gl_free_category.
+// table. What a failed section reader had read belongs to the category and goes with
+// gl_free_category.
 
 #pragma once
 
@@ -67,7 +68,8 @@ extern "C" {
 // Returns  1, or 0 with *error 11 (malformed) or 51 (another version).
 int32_t read_file_header(FILE *file, char *cs_name, int32_t *error);
 
-// Reads the section of a category, from the head on, and prepares it for use.
+// Reads the section of a category, from the head on, and prepares it for use. On failure the
+// category is left empty.
 int32_t read_one_category(locale_rec *lc, int32_t category, FILE *file);
 
 // Section readers; the file stands behind the marker.

@@ -30,7 +30,7 @@ protected:
     // The names that setting gives; "null" for none.
     std::string set(int32_t category, const char *text) {
         lc->err = 0;
-        char *names = set_categories(lc, category, text, directory.path.c_str());
+        char *names = set_categories(lc, category, text, directory.path().c_str());
         std::string result = names ? names : "null";
         gl_destroystring(names);
         return result;
@@ -42,7 +42,7 @@ protected:
         return text;
     }
 
-    object_directory directory;
+    temp_dir directory;
     object_text latin, other;
     locale_rec *lc = nullptr;
 };
@@ -123,7 +123,7 @@ TEST_F(Categories, AFailedCategoryIsEmptyAndTheEarlierOnesStay) {
 TEST_F(Categories, LentDataOutliveTheBorrower) {
     counting_allocator memory;
     locale_rec *lender, *borrower;
-    ASSERT_EQ(gl_createlocale2_4(&lender, directory.path.c_str()), 0);
+    ASSERT_EQ(gl_createlocale2_4(&lender, directory.path().c_str()), 0);
     ASSERT_EQ(gl_create_null_locale_4(&borrower), 0);
     for (int32_t c = GL_CAT_CTYPE; c <= GL_CAT_MESSAGES; ++c)
         EXPECT_EQ(gl_copy_cat(borrower, lender, c), c == GL_CAT_MESSAGES ? 0 : -1) << c;
@@ -135,7 +135,7 @@ TEST_F(Categories, LentDataOutliveTheBorrower) {
     borrower->err = 0;
     EXPECT_EQ(gl_copy_cat(borrower, lender, 8), -1);
     EXPECT_EQ(borrower->err, GLS_ERR_ARGUMENT);
-    char *names = set_categories(borrower, GL_CAT_TIME, "other.lco", directory.path.c_str());
+    char *names = set_categories(borrower, GL_CAT_TIME, "other.lco", directory.path().c_str());
     EXPECT_STREQ(names, "other.lco");
     gl_destroystring(names);
     EXPECT_EQ(borrower->shared[4], 0);
@@ -146,7 +146,7 @@ TEST_F(Categories, LentDataOutliveTheBorrower) {
 }
 
 TEST_F(Categories, WholeLocalesLoadBySpecifierOrFileName) {
-    const std::string dir = directory.path;
+    const std::string dir = directory.path();
     directory.write("en_us/0333.lco", latin.all());
     directory.write("registry", "8859-1 819\n");
     locale_rec *loaded;
@@ -177,7 +177,7 @@ TEST_F(Categories, WholeLocalesLoadBySpecifierOrFileName) {
 
 // Without a directory the search applies: GL_PATH alone when it is set.
 TEST_F(Categories, ObjectsAreSearchedForAndTheDefaultOneToo) {
-    setenv("GL_PATH", directory.path.c_str(), 1);
+    setenv("GL_PATH", directory.path().c_str(), 1);
     locale_rec *loaded;
     EXPECT_EQ(gl_createlocale_4(&loaded), 0);
     EXPECT_STREQ(loaded->file_names[0], "native");

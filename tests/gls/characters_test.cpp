@@ -18,10 +18,10 @@ namespace {
 class loaded {
 public:
     loaded(const code_set &set, const object_text &object) {
-        object_directory directory;
+        temp_dir directory;
         directory.write("test.lco", object.all());
         EXPECT_EQ(gl_create_null_locale_4(&lc), 0);
-        char *names = set_categories(lc, GL_CAT_ALL, "test.lco", directory.path.c_str());
+        char *names = set_categories(lc, GL_CAT_ALL, "test.lco", directory.path().c_str());
         EXPECT_NE(names, nullptr) << set.name << ": error " << lc->err;
         gl_destroystring(names);
         lc->err = 0;
@@ -169,12 +169,12 @@ TEST(Decoding, AgreesWithThePlainSetOnRandomText) {
         ASSERT_EQ(_qvt_gl_getmbl(lc, &walk), 0);
         for (int round = 0; round < 3000; ++round) {
             std::string text = random_text(set, random, random() % 6, true);
-            guarded_text guarded(text + '\0');
+            guarded_bytes guarded(text + '\0');
             std::string_view left = text;
             bool valid = true;
             int32_t characters = 0;
             while (valid && !left.empty()) {
-                const char *at = guarded.text + (text.size() - left.size());
+                const char *at = guarded.data() + (text.size() - left.size());
                 int32_t length = static_cast<int32_t>(set.first_length(left));
                 int32_t wanted = length == 0 ? -1 : length;
                 SCOPED_TRACE(set.name + ": " + hex(left));
@@ -194,11 +194,11 @@ TEST(Decoding, AgreesWithThePlainSetOnRandomText) {
                 characters += valid;
                 left.remove_prefix(static_cast<size_t>(length));
             }
-            EXPECT_EQ(_gl_im_mbslen(lc, guarded.text), valid ? characters : -1);
+            EXPECT_EQ(_gl_im_mbslen(lc, guarded.data()), valid ? characters : -1);
             bool all_bytes = lc.lc->is_single_byte;
-            EXPECT_EQ(gl_mbsbytes(lc, guarded.text),
+            EXPECT_EQ(gl_mbsbytes(lc, guarded.data()),
                       valid || all_bytes ? static_cast<int32_t>(text.size()) + 1 : 0);
-            EXPECT_EQ(_qvt_gl_im_mbfslen(lc, guarded.text, static_cast<int32_t>(text.size())),
+            EXPECT_EQ(_qvt_gl_im_mbfslen(lc, guarded.data(), static_cast<int32_t>(text.size())),
                       valid ? characters : -1);
         }
     }
@@ -285,8 +285,8 @@ TEST(WideUnits, CharactersAndTerminatorsKeepTheirWidth) {
     EXPECT_EQ(gl_ismbsterm(lc, "\0A"), 0);
     EXPECT_EQ(lc.lc->numeric_cat.wide_decimal_point[0], '.');
     // A character that is open in front of the terminator does not swallow it.
-    guarded_text cut(std::string("\0A\xd8\1\0\0", 6));
-    EXPECT_EQ(_gl_im_mbslen(lc, cut.text), -1);
+    guarded_bytes cut(std::string("\0A\xd8\1\0\0", 6));
+    EXPECT_EQ(_gl_im_mbslen(lc, cut.data()), -1);
     EXPECT_EQ(_gl_im_mbslen(lc, "\xd8\1\xdc\1\0\0"), 1);
     char upper[8];
     EXPECT_EQ(gl_tombsupper(lc, upper, "\0a\4\x30\0\0"), 4);
@@ -356,11 +356,11 @@ TEST(CharCase, TextsAreTheirCharactersOneByOne) {
                 left.remove_prefix(length);
             }
             int32_t room = gl_case_conv_outbuflen(lc, static_cast<int32_t>(text.size())) + 1;
-            guarded_text source(text + '\0');
-            guarded_text target(std::string(static_cast<size_t>(room), 'X'));
-            int32_t written = to_upper ? gl_tombsupper(lc, target.text, source.text)
-                                       : gl_tombslower(lc, target.text, source.text);
-            EXPECT_EQ(hex(target.text), hex(wanted)) << hex(text);
+            guarded_bytes source(text + '\0');
+            guarded_bytes target(std::string(static_cast<size_t>(room), 'X'));
+            int32_t written = to_upper ? gl_tombsupper(lc, target.data(), source.data())
+                                       : gl_tombslower(lc, target.data(), source.data());
+            EXPECT_EQ(hex(target.data()), hex(wanted)) << hex(text);
             EXPECT_EQ(written, static_cast<int32_t>(wanted.size()));
 
             gl_wchar wide[64];
@@ -459,11 +459,11 @@ TEST(CharWidth, PrintableCharactersHaveOneColumnOrTwo) {
 
 TEST(CharWidth, PrivateCharactersAreLookedUpInTheSitesMap) {
     loaded lc(two_byte());
-    object_directory site;
+    temp_dir site;
     site.write("gls/etc/pua.map", "a \xa3\xa2 2\n\xa3\xa3 x\n\xa3\xa4\n 1\n\xa3\xa5");
     unsetenv("KESTRIONDIR");
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa2"), -1);
-    setenv("KESTRIONDIR", site.path.c_str(), 1);
+    setenv("KESTRIONDIR", site.path().c_str(), 1);
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa2"), 2);
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa3"), 1) << "no digit";
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa4"), 1);

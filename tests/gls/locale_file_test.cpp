@@ -367,18 +367,18 @@ TEST(LocaleObject, MutatedObjectsAreRefusedOrServe) {
             lc.read(c, text);
         update_locale(lc);
         std::string sample = texts[random() % std::size(texts)];
-        guarded_text guarded(sample + std::string(static_cast<size_t>(gl_mb_loc_min(lc)), '\0'));
+        guarded_bytes guarded(sample + std::string(static_cast<size_t>(gl_mb_loc_min(lc)), '\0'));
         std::vector<char> out(
             static_cast<size_t>(gl_case_conv_outbuflen(lc, static_cast<int32_t>(sample.size()))) +
             4);
-        gl_tombsupper(lc, out.data(), guarded.text);
-        gl_mbsbytes(lc, guarded.text);
-        gl_mbswidth(lc, guarded.text, 99);
+        gl_tombsupper(lc, out.data(), guarded.data());
+        gl_mbsbytes(lc, guarded.data());
+        gl_mbswidth(lc, guarded.data(), 99);
     }
 }
 
 TEST(LocaleObject, EachFailedAllocationIsErrorThree) {
-    object_directory directory;
+    temp_dir directory;
     directory.write("test.lco", object_of(two_byte()).all());
     bool loaded = false;
     gl_cache_registry(nullptr, "/nonexistent"); // the built-in one
@@ -386,7 +386,7 @@ TEST(LocaleObject, EachFailedAllocationIsErrorThree) {
         counting_allocator memory;
         counting_allocator::fail_call(call);
         locale_rec *lc = nullptr;
-        loaded = gl_lc_load(&lc, "test.lco", nullptr, directory.path.c_str()) == 0;
+        loaded = gl_lc_load(&lc, "test.lco", nullptr, directory.path().c_str()) == 0;
         bool failed = counting_allocator::failed();
         ASSERT_NE(lc, nullptr);
         // The names of the code sets are looked up without need for memory, and a walk without the

@@ -9,10 +9,10 @@
 #include "gls/multi_file.h"
 
 #include "gls/engine_test.h"
+#include "gls/temp_dir.h"
+#include "support/guarded_bytes.h"
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -289,21 +289,3 @@ inline object_text wide_unit_object() {
         return spelled;
     });
 }
-
-// ---- Loading
-
-// A directory of objects that lives as long as the test.
-class object_directory {
-public:
-    object_directory() {
-        char name[] = "/tmp/kestrion-locale-XXXXXX";
-        path = mkdtemp(name);
-    }
-    ~object_directory() { std::filesystem::remove_all(path); }
-    void write(const std::string &name, const std::string &text) const {
-        std::filesystem::path file = path + "/" + name;
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << text;
-    }
-    std::string path;
-};
