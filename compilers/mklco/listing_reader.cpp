@@ -82,8 +82,7 @@ listing_word listing_reader::quoted_word(size_t &at, size_t end) const {
             word.text += text[at];
             continue;
         }
-        at++;
-        if (text[at] != 'x') {
+        if (++at < end && text[at] != 'x') {
             word.text += text[at];
             continue;
         }
