@@ -40,7 +40,11 @@ std::unique_ptr<source_file> read_if_there(const std::string &path) {
 } // namespace
 
 source_position source_place::position() const {
-    return file == nullptr ? source_position{} : file->position(offset);
+    if (file == nullptr)
+        return {};
+    // What is missing at the end of a file is missing at the end of its last line.
+    bool behind_last_line = offset == file->text().size() && file->text().ends_with('\n');
+    return file->position(behind_last_line ? offset - 1 : offset);
 }
 
 std::unique_ptr<source_file> find_source_file(const std::string &name,

@@ -61,8 +61,8 @@ TEST(Charmap, FaultsAreToldWithTheirPlace) {
         size_t line, column;
         const char *what;
     } const rows[] = {
-        {head_and(""), 7, 1, "no characters"},
-        {"<escape_char> /\nCHARMAP\n<U0041> /x41\n", 4, 1, "no end"},
+        {head_and(""), 6, 12, "no characters"},
+        {"<escape_char> /\nCHARMAP\n<U0041> /x41\n", 3, 13, "no end"},
         {head_and("<U0041 /x41\n"), 6, 1, "does not end"},
         {head_and("<U0041> x41\n"), 6, 9, "bytes of the character"},
         {head_and("<U0041> /x4g\n"), 6, 9, "no byte"},
