@@ -48,7 +48,18 @@ enum gls_setting {
 inline constexpr size_t gls_spec_size = 37;     // a specifier of 36 characters and its terminator
 inline constexpr size_t gls_currency_size = 65; // 64 characters and the terminator
 inline constexpr size_t gls_dt_units = 11;      // year .. second, then five fractions
-inline constexpr size_t gls_lconv_size = 260;   // block of numeric and monetary conventions
+
+// Numeric conventions of one environment; texts are terminated.
+struct lconv_rec {
+    char radix[32];
+    char thousands_sep[32];
+    char positive_sign[32];
+    char negative_sign[32];
+    int32_t group_count; // sizes in use; 0: digits are not grouped
+    int32_t groups[15];  // digits in a group, from the right
+    char reserved[68];
+};
+static_assert(sizeof(lconv_rec) == 260);
 
 // One block of cached names; a new block goes to the head of the chain.
 struct gls_name_list {
@@ -90,8 +101,8 @@ struct new_gls_env_rec {
     char mon_front[gls_currency_size]; // currency symbol before an amount
     char mon_back[gls_currency_size];  // and behind it
     int8_t mon_ready;                  // 1 after rmoninit has run
-    char *lconv;                       // gls_lconv_size bytes of conventions
-    char *net_lconv;                   // the same for the network form
+    lconv_rec *lconv;                  // the locale's conventions
+    lconv_rec *net_lconv;              // the neutral ones of the network form
     int32_t defaulted;                 // bit n: setting n was derived here, not given by the user
     char *settings[GLS_SETTINGS];      // owned texts, or null
 };
@@ -106,6 +117,20 @@ struct GlsEnv {
     char *dt_fmt[gls_dt_units][gls_dt_units]; // datetime formats by [start unit][end unit]; owned
 };
 
+// A request for an environment: what a connection asks for.
+struct GlsEnvLocale {
+    uintptr_t zero[3];
+    const char
+        *settings[GLS_SETTINGS]; // CLIENT_LOCALE and DB_LOCALE are owned, the others borrowed
+    uintptr_t unused;
+};
+
+// A node of the list of environments; in created nodes the environment lies directly behind it.
+struct gls_env_node {
+    gls_env_node *next;
+    GlsEnv *env;
+};
+
 extern "C" {
 
 extern GlsEnv gls_env;              // the default environment
@@ -113,8 +138,36 @@ extern new_gls_env_rec new_gls_env; // its state
 extern GlsEnv *gls_env_global;      // the current environment, null until first use
 extern int32_t glsenv_count;        // environments in use; never lowered
 extern int32_t _8bitfsys;           // 1 when the file system accepts 8-bit names
+extern gls_env_node defGlsEnv;      // the first node, of the default environment
+extern gls_env_node *GlsEnv_List;   // all environments, the default one first
+extern GlsEnvLocale glsenv_savearea_global;
+extern GlsEnvLocale *glsenv_savearea; // points at the block above
+
+// The environment variable of each setting, in the order of gls_setting.
+extern const char *const gls_setting_names[GLS_SETTINGS];
 
 // Returns the current environment, never null. The one entry by which all code finds it, called at
 // nearly every access: two tests.
 GlsEnv *CheckGlsEnv(void);
+
+// The same without touching the count of environments.
+GlsEnv *qvt_get_glsenv_thread(void);
+
+// Returns the current environment's locale, or null when none is loaded.
+locale_rec *qvt_get_gl_locale_thread(void);
+
+// Makes `env` current. While the default environment is the only one, a call that names it leaves a
+// current environment alone: code that "resets" to the default must not undo a start in progress.
+void SetGlsEnv(GlsEnv *env);
+
+// Stores a copy of `text` as setting `which` of `state`, replacing the old one; null clears it.
+// Returns 0, or -2 without memory, with the old value kept.
+int gls_set_setting(new_gls_env_rec *state, gls_setting which, const char *text);
 }
+
+namespace kestrion {
+
+// A copy of `text` from malloc, or null without memory.
+char *copy_text(const char *text);
+
+} // namespace kestrion

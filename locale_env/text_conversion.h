@@ -1,4 +1,4 @@
-// Conversion of single texts between the code set of the operating system and that of the client.
+// Text between the operating system's code set and the program's.
 
 #pragma once
 
@@ -6,8 +6,11 @@ struct cv_rec; // gls/conversion.h
 
 extern "C" {
 
-// Converts a terminated text into a new block from malloc, which the caller owns.
-// Returns null when there is no conversion, no text or no memory, or when the text cannot be
-// converted.
+// Converts a terminated text. Returns a new block of malloc, terminated, that belongs to the
+// caller; null with the locale error -23102 stored when there is no memory or the text does not
+// convert; null for a null conversion or text.
 char *gcv_malloc(cv_rec *cv, const char *text);
+
+// The same into a block that is made if *out is null and replaced if not. Returns 0 or -23102.
+int gcvargs(cv_rec *cv, const char *text, char **out);
 }

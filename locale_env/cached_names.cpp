@@ -1,0 +1,161 @@
+#include "locale_env/cached_names.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+
+#include "gls/char_case.h"
+#include "gls/char_class.h"
+#include "gls/char_convert.h"
+#include "gls/ctype_masks.h"
+#include "gls/ext_funcs.h"
+#include "gls/gls_errors.h"
+#include "gls/locale_rec.h"
+#include "gls/time_names.h"
+#include "locale_env/ext_hooks.h"
+
+namespace {
+
+constexpr size_t stack_wide = 16; // names are short; longer ones take an allocation
+
+const char *const english_abbreviations[] = {"jan", "feb", "mar", "apr", "may", "jun",
+                                             "jul", "aug", "sep", "oct", "nov", "dec"};
+const char *const english_months[] = {"january",   "february", "march",    "april",
+                                      "may",       "june",     "july",     "august",
+                                      "september", "october",  "november", "december"};
+
+void lower_wide(locale_rec *lc, gl_wchar *wide) {
+    const bool by_table = lc != nullptr && lc->sb_lower != nullptr;
+    for (; *wide != 0; ++wide) {
+        if (by_table && *wide > 0xff)
+            *_gl_ext_errno(lc) = GLS_ERR_BAD_CHARACTER;
+        else if (_gl_im_iswctype(lc, *wide, CT_UPPER) != 0)
+            *wide = _gl_im_towlower(lc, *wide);
+    }
+}
+
+int lower_in_place(locale_rec *lc, char *text, gl_wchar *wide, size_t room) {
+    const auto elements = static_cast<int32_t>(room);
+    const bool single = lc == nullptr || lc->is_single_byte != 0;
+    const int32_t stored = single ? _gl_is_mbstowcs(lc, wide, text, elements)
+                                  : _gl_im_mbstowcs(lc, wide, text, elements);
+    if (stored < 0)
+        return -1;
+    wide[stored < elements ? stored : elements - 1] = 0;
+    lower_wide(lc, wide);
+    const auto bytes = static_cast<int32_t>(4 * (room - 1) + 1);
+    return single ? _gl_is_wcstombs(lc, text, wide, bytes)
+                  : gl_full_wcstombs(lc, text, wide, bytes);
+}
+
+// Lower-cases what the engine handed out, caches it and gives it back.
+int cache_names(gls_name_list **list, char **names, int32_t count) {
+    for (int32_t i = 0; i < count; ++i)
+        downcase_gls_string(&names[i]);
+    const int result = cache_locale_string(list, names, count);
+    for (int32_t i = 0; i < count; ++i)
+        cl_ext_free(names[i]);
+    cl_ext_free(names);
+    return result;
+}
+
+int cache_months(gls_name_list **list, int32_t kind, const char *const (&english)[12]) {
+    const GlsEnv *env = CheckGlsEnv();
+    free_locale_string(list);
+    char **names = nullptr;
+    int32_t count = 0;
+    if (gl_mbstimeinfo_ext(env->cur_lc, kind, cl_ext_malloc, &names, &count) != 0)
+        return -1;
+    const int result = cache_names(list, names, count);
+    if (env->state->gregorian == 1)
+        cache_locale_string(list, const_cast<char *const *>(english),
+                            static_cast<int32_t>(std::size(english)));
+    return result;
+}
+
+int cache_eras(gls_name_list **list, int32_t kind) {
+    free_locale_string(list);
+    char **names = nullptr;
+    int32_t count = 0;
+    if (gl_mbstimeinfo(CheckGlsEnv()->cur_lc, kind, cl_ext_malloc, &names, &count) != 0)
+        return -1;
+    return cache_names(list, names, count);
+}
+
+} // namespace
+
+extern "C" {
+
+int tolower_string(char *text) {
+    if (*text == '\0')
+        return 0;
+    locale_rec *lc = CheckGlsEnv()->cur_lc;
+    const size_t room = strlen(text) + 1;
+    if (room <= stack_wide) {
+        gl_wchar wide[stack_wide];
+        return lower_in_place(lc, text, wide, room);
+    }
+    auto *wide = static_cast<gl_wchar *>(malloc(room * sizeof(gl_wchar)));
+    if (wide == nullptr)
+        return -1;
+    const int result = lower_in_place(lc, text, wide, room);
+    free(wide);
+    return result;
+}
+
+int downcase_gls_string(char **slot) {
+    const size_t length = strlen(*slot);
+    auto *room = static_cast<char *>(cl_ext_malloc(4 * length + 1));
+    if (room == nullptr)
+        return -1;
+    memcpy(room, *slot, length + 1);
+    cl_ext_free(*slot);
+    *slot = room;
+    return tolower_string(room);
+}
+
+int cache_locale_string(gls_name_list **list, char *const *texts, int32_t count) {
+    if (texts == nullptr || count <= 0)
+        return -1;
+    const auto names = static_cast<size_t>(count);
+    size_t size = sizeof(gls_name_list) + names * sizeof(char *);
+    for (size_t i = 0; i < names; ++i)
+        size += strlen(texts[i]) + 1;
+    auto *block = static_cast<gls_name_list *>(malloc(size));
+    if (block == nullptr)
+        return -1;
+    char *at = reinterpret_cast<char *>(block->names + names);
+    for (size_t i = 0; i < names; ++i) {
+        const size_t bytes = strlen(texts[i]) + 1;
+        memcpy(at, texts[i], bytes);
+        block->names[i] = at;
+        at += bytes;
+    }
+    block->count = count;
+    block->next = *list;
+    *list = block;
+    return 0;
+}
+
+void free_locale_string(gls_name_list **list) {
+    while (*list != nullptr) {
+        gls_name_list *next = (*list)->next;
+        free(*list);
+        *list = next;
+    }
+}
+
+int cache_month_strings(void) {
+    new_gls_env_rec &state = *CheckGlsEnv()->state;
+    if (cache_months(&state.abmon_names, GL_NAMES_ABMON, english_abbreviations) != 0)
+        return -1;
+    return cache_months(&state.mon_names, GL_NAMES_MON, english_months);
+}
+
+int cache_era_strings(void) {
+    new_gls_env_rec &state = *CheckGlsEnv()->state;
+    if (cache_eras(&state.era_names_a, GL_NAMES_ERA_SECOND) != 0)
+        return -1;
+    return cache_eras(&state.era_names_b, GL_NAMES_ERA_FIRST);
+}
+}

@@ -1,0 +1,52 @@
+#include "locale_env/parked_locale.h"
+
+#include "locale_env/money.h"
+#include "locale_env/specifiers.h"
+#include "locale_env/startup.h"
+
+namespace {
+
+// What was derived from the locale before must be derived anew.
+void forget_money(new_gls_env_rec &state) {
+    state.mon_ready = 0;
+    _gnorminit = 0;
+}
+
+} // namespace
+
+extern "C" {
+
+int restoreploc(void) {
+    GlsEnv *env = CheckGlsEnv();
+    new_gls_env_rec &state = *env->state;
+    state.dbnls = DBNLSset() == 1 ? 1 : 2;
+    if (state.saved_lc == nullptr)
+        return 0;
+    env->cur_lc = state.saved_lc;
+    state.saved_lc = nullptr;
+    if (const int result = restorelocsp(env->cur_lc); result != 0)
+        return result;
+    state.cv_app2os = state.saved_cv_app2os;
+    state.cv_os2app = state.saved_cv_os2app;
+    state.saved_cv_app2os = state.saved_cv_os2app = nullptr;
+    forget_money(state);
+    return 0;
+}
+
+int restorelang(int32_t dbnls, locale_rec *lc, locale_rec *saved_lc, cv_rec *app2os,
+                cv_rec *saved_app2os, cv_rec *os2app, cv_rec *saved_os2app) {
+    GlsEnv *env = CheckGlsEnv();
+    new_gls_env_rec &state = *env->state;
+    state.dbnls = dbnls;
+    env->cur_lc = lc;
+    state.saved_lc = saved_lc;
+    state.cv_app2os = app2os;
+    state.saved_cv_app2os = saved_app2os;
+    state.cv_os2app = os2app;
+    state.saved_cv_os2app = saved_os2app;
+    if (const int result = restorelocsp(lc); result != 0)
+        return result;
+    forget_money(state);
+    return 0;
+}
+}

@@ -1,0 +1,347 @@
+#include "locale_env/startup.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+
+#include "env/registry.h"
+#include "general/error_numbers.h"
+#include "general/gentcb.h"
+#include "gls/categories.h"
+#include "gls/char_length.h"
+#include "gls/code_set_registry.h"
+#include "gls/ext_funcs.h"
+#include "gls/gls_errors.h"
+#include "gls/locale_rec.h"
+#include "locale_env/conversions.h"
+#include "locale_env/date_format.h"
+#include "locale_env/environments.h"
+#include "locale_env/ext_hooks.h"
+#include "locale_env/money.h"
+#include "locale_env/specifiers.h"
+#include "platform/strings.h"
+
+namespace {
+
+struct hook_row {
+    uint32_t slot;
+    gl_function function;
+};
+
+// In the order of registration.
+const hook_row client_hooks[] = {
+    {GL_SLOT_ERRNO, reinterpret_cast<gl_function>(cl_ext_errno)},
+    {GL_SLOT_GETENV, reinterpret_cast<gl_function>(cl_ext_getenv)},
+    {GL_SLOT_MALLOC, reinterpret_cast<gl_function>(cl_ext_malloc)},
+    {GL_SLOT_CALLOC, reinterpret_cast<gl_function>(cl_ext_calloc)},
+    {GL_SLOT_REALLOC, reinterpret_cast<gl_function>(cl_ext_realloc)},
+    {GL_SLOT_FREE, reinterpret_cast<gl_function>(cl_ext_free)},
+    {GL_SLOT_FOPEN, reinterpret_cast<gl_function>(cl_ext_fopen)},
+    {GL_SLOT_FCLOSE, reinterpret_cast<gl_function>(cl_ext_fclose)},
+    {GL_SLOT_FGETC, reinterpret_cast<gl_function>(cl_ext_fgetc)},
+    {GL_SLOT_GETC, reinterpret_cast<gl_function>(cl_ext_getc)},
+    {GL_SLOT_UNGETC, reinterpret_cast<gl_function>(cl_ext_ungetc)},
+    {GL_SLOT_FGETS, reinterpret_cast<gl_function>(cl_ext_fgets)},
+    {GL_SLOT_FWRITE, reinterpret_cast<gl_function>(cl_ext_fwrite)},
+    {GL_SLOT_FEOF, reinterpret_cast<gl_function>(cl_ext_feof)},
+    {GL_SLOT_FERROR, reinterpret_cast<gl_function>(cl_ext_ferror)},
+    {GL_SLOT_CURRTIME, reinterpret_cast<gl_function>(cl_ext_currtime)},
+    {GL_SLOT_CURRDATE, reinterpret_cast<gl_function>(cl_ext_currdate)},
+    {GL_SLOT_PUTENV, reinterpret_cast<gl_function>(cl_ext_putenv)},
+    {GL_SLOT_FSEEK, reinterpret_cast<gl_function>(cl_ext_fseek)},
+    {GL_SLOT_FTELL, reinterpret_cast<gl_function>(cl_ext_ftell)},
+};
+
+// The stored words that have one public number; all others stay as they are.
+struct folded_row {
+    int stored;
+    int becomes;
+};
+constexpr folded_row folded_errors[] = {
+    {-8, err_locale_environment}, {-7, err_locale_environment}, {-6, err_locale_environment},
+    {-5, err_locale_environment}, {-4, err_locale_environment}, {-3, err_locale_environment},
+    {-1, err_locale_environment}, {-2, err_locale_no_memory},   {3, err_locale_no_memory},
+    {8, err_locale_load},         {9, err_locale_load},         {11, err_locale_load},
+    {21, err_locale_load},        {12, err_locale_code_sets},   {58, err_locale_code_sets},
+};
+
+// One start in progress.
+struct start {
+    GlsEnv *env;
+    new_gls_env_rec &state;
+    bool client_given = false; // a client specifier was given
+    int32_t dbnls = 0;
+    int32_t is_gls[GLS_SLOTS] = {};
+};
+
+// Puts the normal form of `text` into `spec` and makes it the setting, unless that is the same
+// already.
+int normalise_setting(start &s, gls_setting which, const char *text, char *spec) {
+    togensp(text, spec);
+    const char *now = s.state.settings[which];
+    if (now != nullptr && stcmpr(now, spec) == 0)
+        return 0;
+    return gls_set_setting(&s.state, which, spec);
+}
+
+// All six slots take `spec`, which is cut to a slot's room.
+void fill_slots(start &s, const char *spec) {
+    char copy[gls_spec_work_size];
+    stncopy(spec, copy, sizeof copy);
+    lcspec2longsp(copy, s.state.lc_spec);
+}
+
+int load_given_locale(start &s, const char *client) {
+    char spec[gls_spec_work_size] = {};
+    if (normalise_setting(s, GLS_CLIENT_LOCALE, client, spec) != 0)
+        return err_env_no_memory;
+    if (get_locale(&s.env->cur_lc, spec, s.is_gls) != 0)
+        return -1;
+    fill_slots(s, spec);
+    s.client_given = true;
+    return 0;
+}
+
+// The locale that the variables of the operating system's own locale name, category by category.
+int load_nls_locale(start &s) {
+    int missing = 0;
+    get_nlscat("LC_COLLATE", GLS_SLOT_COLLATE, 1, &missing, nullptr);
+    get_nlscat("LC_CTYPE", GLS_SLOT_CTYPE, 1, &missing, nullptr);
+    get_nlscat("LC_NUMERIC", GLS_SLOT_NUMERIC, 1, &missing, nullptr);
+    get_nlscat("LC_MONETARY", GLS_SLOT_MONETARY, 1, &missing, nullptr);
+    get_nlscat("LC_TIME", GLS_SLOT_TIME, 1, &missing, nullptr);
+    char(&slots)[GLS_SLOTS][gls_spec_size] = s.state.lc_spec;
+    if (slots[GLS_SLOT_CTYPE][0] == gls_missing_mark) {
+        slots[GLS_SLOT_MESSAGES][0] = gls_missing_mark;
+        ++missing;
+    } else {
+        memcpy(slots[GLS_SLOT_MESSAGES], slots[GLS_SLOT_CTYPE], gls_spec_size);
+    }
+    if (missing != 0) {
+        set_glserror(err_locale_category);
+        return -1;
+    }
+    char composite[gls_composite_size] = {};
+    for (int slot = 0; slot < GLS_SLOTS; ++slot)
+        mk1loccat(nullptr, slot, composite, 0, "", 0);
+    return get_locale(&s.env->cur_lc, composite, s.is_gls) == 0 ? 0 : -1;
+}
+
+// The text recorded is the one that users write; the one loaded names the code set by its number.
+int load_default_locale(start &s) {
+    if (get_locale(&s.env->cur_lc, "en_US.819", s.is_gls) != 0)
+        return -1;
+    fill_slots(s, "en_US.819");
+    if (gls_set_setting(&s.state, GLS_CLIENT_LOCALE, "en_US.8859-1") != 0)
+        return err_env_no_memory;
+    s.state.defaulted |= 1 << GLS_CLIENT_LOCALE;
+    return 0;
+}
+
+int load_client_locale(start &s) {
+    const char *client = s.state.settings[GLS_CLIENT_LOCALE];
+    if (client == nullptr)
+        client = idx_ggetenv("CLIENT_LOCALE", -1);
+    if (client != nullptr)
+        return load_given_locale(s, client);
+    return s.dbnls != 0 ? load_nls_locale(s) : load_default_locale(s);
+}
+
+// Statement text, formats and file names hold ASCII letters, so A must be one byte and lead to B.
+int check_portable_characters(locale_rec *lc) {
+    if (lc->is_single_byte)
+        return 0;
+    const char *behind_a = gl_full_mbsnext(lc, "ABCDE");
+    if (behind_a != nullptr && *behind_a == 'B')
+        return 0;
+    set_glserror(err_locale_portable);
+    return -1;
+}
+
+void settle_slots(start &s) {
+    for (int slot = 0; slot < GLS_SLOTS; ++slot) {
+        s.state.lc_is_gls[slot] = s.is_gls[slot];
+        if (!s.is_gls[slot])
+            continue;
+        char copy[gls_spec_size];
+        memcpy(copy, s.state.lc_spec[slot], sizeof copy);
+        togensp(copy, s.state.lc_spec[slot]);
+    }
+}
+
+// The five variables follow the categories that were loaded; all are tried before a failure is
+// told.
+int record_categories(start &s) {
+    int result = 0;
+    for (int i = 0; i < GLS_SLOT_MESSAGES; ++i) {
+        const auto setting = static_cast<gls_setting>(GLS_LC_CTYPE + i);
+        if (gls_set_setting(&s.state, setting, s.state.lc_spec[i]) != 0)
+            result = err_env_no_memory;
+        s.state.defaulted |= 1 << setting;
+    }
+    return result;
+}
+
+int settle_database_specifier(start &s, char *spec) {
+    const char *given = idx_ggetenv("DB_LOCALE", -1);
+    if (given != nullptr)
+        return normalise_setting(s, GLS_DB_LOCALE, given, spec);
+    stncopy(s.state.lc_spec[GLS_SLOT_CTYPE], spec, gls_spec_size);
+    if (!s.client_given || s.dbnls != 0)
+        return 0;
+    if (gls_set_setting(&s.state, GLS_DB_LOCALE, spec) != 0)
+        return err_env_no_memory;
+    s.state.defaulted |= 1 << GLS_DB_LOCALE;
+    return 0;
+}
+
+// The database's locale is loaded only where its text differs from the client's.
+int load_database_locale(start &s, const char *database) {
+    s.state.db_lc = s.env->cur_lc;
+    if (s.state.cv_clienttodb == nullptr)
+        return 0;
+    int32_t ignored[GLS_SLOTS];
+    s.state.db_lc = nullptr;
+    return get_locale(&s.state.db_lc, database, ignored) == 0 ? 0 : -1;
+}
+
+// The server side stands behind the gate of setup_glext_funcs: no program of the installation opens
+// it.
+int init_server() {
+    GlsEnv *env = CheckGlsEnv();
+    start s{env, *env->state};
+    s.state.lc_flags |= 1;
+    if (get_locale(&env->cur_lc, "en_US.819", s.is_gls) != 0)
+        return -1;
+    fill_slots(s, "en_US.819");
+    const char *server = idx_ggetenv("SERVER_LOCALE", -1);
+    if (server == nullptr) {
+        const int result = ginsenv("SERVER_LOCALE", "en_US.819", nullptr);
+        if (result != 0)
+            return result;
+        server = "en_US.819";
+    }
+    if (get_locale(&s.state.client_lc, server, s.is_gls) != 0 ||
+        initcscdesc(nullptr, nullptr, server, "en_US.819") != 0)
+        return -1;
+    return initdatetime() == 0 ? 0 : -1;
+}
+
+int init_mode(int16_t mode) {
+    // An error that the failing step stored tells more than its result.
+    set_glserror(0);
+    const int result = mode == GLS_MODE_CLIENT ? init_fe() : init_server();
+    if (result != 0 && get_glserror() == 0)
+        set_glserror(result);
+    return result;
+}
+
+void settle_file_names() {
+    const char *value = idx_ggetenv("GLS8BITFSYS", -1);
+    if (value == nullptr)
+        return;
+    if (strcmp(value, "1") == 0)
+        _8bitfsys = 1;
+    else if (strcmp(value, "0") == 0)
+        _8bitfsys = 0;
+}
+
+} // namespace
+
+extern "C" {
+
+int chkglsinit(void) {
+    const new_gls_env_rec *state = CheckGlsEnv()->state;
+    if (state != nullptr && (state->init_flags > 0 || state->initialising > 0))
+        return 0;
+    return initgls(state != nullptr ? state->mode : GLS_MODE_CLIENT);
+}
+
+int initgls(int16_t mode) {
+    if (setup_glext_funcs(mode) != 0)
+        return -1;
+    gl_useglu(2);
+    GlsEnv *env = CheckGlsEnv();
+    new_gls_env_rec &state = *env->state;
+    if ((state.init_flags & mode) != 0)
+        return 0;
+    state.initialising = 1;
+    if (mode != GLS_MODE_CLIENT && mode != GLS_MODE_SERVER)
+        return set_glserror(err_locale_argument);
+    if (init_mode(mode) != 0) {
+        kestrion::release_loaded(env);
+        state.initialising = 0;
+        return getiniterr();
+    }
+    state.mode = mode;
+    settle_file_names();
+    state.init_flags = static_cast<int16_t>(state.init_flags | mode);
+    state.initialising = 0;
+    set_glserror(0);
+    return 0;
+}
+
+int init_fe(void) {
+    GlsEnv *env = CheckGlsEnv();
+    start s{env, *env->state};
+    gl_cache_registry(nullptr, nullptr);
+    s.dbnls = DBNLSset();
+    if (const int result = load_client_locale(s); result != 0)
+        return result;
+    if (check_portable_characters(env->cur_lc) != 0)
+        return -1;
+    settle_slots(s);
+    if (s.client_given && s.dbnls != 0)
+        if (const int result = record_categories(s); result != 0)
+            return result;
+    char database[gls_spec_work_size] = {};
+    if (const int result = settle_database_specifier(s, database); result != 0)
+        return result;
+    s.state.client_lc = env->cur_lc;
+    s.state.dbnls = s.dbnls;
+    const char *ctype = s.state.lc_spec[GLS_SLOT_CTYPE];
+    if (initcscdesc(database, ctype, ctype, ctype) != 0 || load_database_locale(s, database) != 0)
+        return -1;
+    return initdatetime() == 0 ? 0 : -1;
+}
+
+int thr_initgls(int16_t mode) {
+    const int result = initgls(mode);
+    if (result == 0)
+        rmoninit();
+    return result;
+}
+
+int setup_glext_funcs(int16_t mode) {
+    if (mode != GLS_MODE_CLIENT)
+        return -1;
+    for (const hook_row &row : client_hooks)
+        if (gl_setextfunc(nullptr, row.slot, row.function) != 0)
+            return -1;
+    return 0;
+}
+
+int qvt_gl_init(void) {
+    if (chkglsinit() == 0)
+        return 0;
+    int32_t *word = _gl_ext_errno(CheckGlsEnv()->cur_lc);
+    if (*word == GLS_ERR_SPECIFIER || *word == GLS_ERR_MALFORMED)
+        *word = GLS_ERR_ARGUMENT;
+    return -1;
+}
+
+int getiniterr(void) {
+    const int stored = get_glserror();
+    for (const folded_row &row : folded_errors)
+        if (row.stored == stored)
+            return set_glserror(row.becomes);
+    return stored;
+}
+
+int DBNLSset(void) {
+    const char *value = idx_ggetenv("DBNLS", -1);
+    if (value == nullptr)
+        return 0;
+    return strcmp(value, "1") == 0 ? 1 : strcmp(value, "2") == 0 ? 2 : 0;
+}
+}
