@@ -1,0 +1,264 @@
+// Start-up in fresh processes: each row of a table is a child with an environment of its own.
+
+#include "locale_env/startup.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "env/registry.h"
+#include "general/error_numbers.h"
+#include "general/gentcb.h"
+#include "general/messages.h"
+#include "gls/locale_rec.h"
+#include "locale_env/environments.h"
+#include "locale_env/gls_env.h"
+#include "platform/os_control.h"
+#include "support/failing_malloc.h"
+
+namespace {
+
+using assignments = std::vector<std::pair<std::string, std::string>>;
+
+// Runs `act` in a child with these variables alone and returns what it says.
+std::string in_child(const assignments &variables, const std::function<std::string()> &act) {
+    int ends[2];
+    if (pipe(ends) != 0)
+        return "no pipe";
+    const pid_t child = fork();
+    if (child == 0) {
+        clearenv();
+        setenv("KESTRIONDIR", INSTALLATION, 1);
+        for (const auto &[name, value] : variables)
+            setenv(name.c_str(), value.c_str(), 1);
+        const std::string said = act();
+        _exit(write(ends[1], said.data(), said.size()) == static_cast<ssize_t>(said.size()) ? 0
+                                                                                            : 1);
+    }
+    close(ends[1]);
+    std::string said;
+    char block[512];
+    for (ssize_t n; (n = read(ends[0], block, sizeof block)) > 0;)
+        said.append(block, static_cast<size_t>(n));
+    close(ends[0]);
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? said : said + " (died)";
+}
+
+std::string text_or(const char *text, const char *other) { return text != nullptr ? text : other; }
+
+// What a start made of the environment: result, locale object, settings, conversions, date format.
+std::string describe_start() {
+    const int result = chkglsinit();
+    const GlsEnv &env = *CheckGlsEnv();
+    const new_gls_env_rec &state = *env.state;
+    if (result != 0)
+        return std::to_string(result) + (env.cur_lc != nullptr ? " with a locale" : "") +
+               (state.init_flags != 0 || state.initialising != 0 ? " with flags" : "");
+    return std::string("0 ") + env.cur_lc->file_names[0] +
+           " client=" + text_or(state.settings[GLS_CLIENT_LOCALE], "-") +
+           (state.defaulted & 1 ? "*" : "") + " db=" + text_or(state.settings[GLS_DB_LOCALE], "-") +
+           (state.defaulted & 2 ? "*" : "") + (state.cv_clienttodb != nullptr ? " converts" : "") +
+           " date=" + text_or(state.date_fmt, "-") +
+           (state.date_from_dbdate ? "" : " (not by DBDATE)");
+}
+
+struct start_row {
+    const char *what;
+    assignments variables;
+    const char *wanted;
+};
+
+TEST(Startup, SettlesWhatTheVariablesMean) {
+    const start_row rows[] = {
+        {"nothing set", {}, "0 en_us/0333.lco client=en_US.8859-1* db=- date=%m/%d/%iY"},
+        {"by name",
+         {{"CLIENT_LOCALE", "de_DE.8859-1"}},
+         "0 de_de/0333.lco client=de_DE.819 db=de_DE.819* date=%d.%m.%Y (not by DBDATE)"},
+        {"by number, in lower case",
+         {{"CLIENT_LOCALE", "de_de.819"}},
+         "0 de_de/0333.lco client=de_DE.819 db=de_DE.819* date=%d.%m.%Y (not by DBDATE)"},
+        {"multibyte",
+         {{"CLIENT_LOCALE", "en_US.utf8"}},
+         "0 en_us/e01c.lco client=en_US.57372 db=en_US.57372* date=%m/%d/%iY"},
+        {"unknown code set", {{"CLIENT_LOCALE", "de_DE.nosuch"}}, "-23101"},
+        {"no such object", {{"CLIENT_LOCALE", "xx_XX.819"}}, "-23101"},
+        {"no installation", {{"KESTRIONDIR", "/nonexistent"}}, "-23101"},
+        {"GL_PATH decides alone", {{"GL_PATH", "/nonexistent"}}, "-23101"},
+        {"GL_PATH",
+         {{"GL_PATH", INSTALLATION "/gls/lc11"}},
+         "0 en_us/0333.lco client=en_US.8859-1* db=- date=%m/%d/%iY"},
+        {"no conversion to it", {{"DB_LOCALE", "ja_JP.sjis"}}, "-23104"},
+        {"an unknown code set of the database leaves the pair out",
+         {{"DB_LOCALE", "en_US.nosuch"}},
+         "0 en_us/0333.lco client=en_US.8859-1* db=en_US.nosuch date=%m/%d/%iY"},
+        {"DBDATE",
+         {{"DBDATE", "DMY4."}},
+         "0 en_us/0333.lco client=en_US.8859-1* db=- date=%d.%m.%iY"},
+        {"DBDATE over GL_DATE",
+         {{"DBDATE", "DMY4."}, {"GL_DATE", "%d"}},
+         "0 en_us/0333.lco client=en_US.8859-1* db=- date=%d.%m.%iY"},
+        {"GL_DATE",
+         {{"GL_DATE", "%d %b"}},
+         "0 en_us/0333.lco client=en_US.8859-1* db=- date=%d %b (not by DBDATE)"},
+        {"bad DBDATE", {{"DBDATE", "MDY"}}, "-1212"},
+        {"DBNLS takes the categories from their variables",
+         {{"DBNLS", "1"}, {"LANG", "de_DE.819"}},
+         "0 de_de/0333.lco client=- db=- date=%d.%m.%Y (not by DBDATE)"},
+        {"DBNLS with categories of two code sets",
+         {{"DBNLS", "2"}, {"LANG", "en_US.819"}, {"LC_TIME", "de_DE.utf8"}},
+         "-23115"},
+    };
+    for (const start_row &row : rows)
+        EXPECT_EQ(in_child(row.variables, describe_start), row.wanted) << row.what;
+}
+
+// The runtime can be entered at any of its doors, with a locale that loads and with one that does
+// not.
+TEST(Startup, EveryEntryTerminates) {
+    const std::pair<const char *, std::function<std::string()>> doors[] = {
+        {"ggetenv", [] { return text_or(ggetenv("DBPATH"), "null"); }},
+        {"rld_lmsg", [] { return rld_lmsg(1203) != nullptr ? "text" : "null"; }},
+        {"CheckOsInit", [] { return CheckOsInit() != nullptr ? "block" : "null"; }},
+        {"chkglsinit", [] { return std::to_string(chkglsinit()); }},
+        {"qvt_gl_init", [] { return std::to_string(qvt_gl_init()); }},
+    };
+    const char *const loads[] = {".", "text", "block", "0", "0"};
+    // The catalogue can't be used without a locale; the first lookup brings it up and fails with
+    // it.
+    const char *const fails[] = {"null", "null", "null", "-23101", "-1"};
+    for (size_t i = 0; i < std::size(doors); ++i) {
+        EXPECT_EQ(in_child({}, doors[i].second), loads[i]) << doors[i].first;
+        EXPECT_EQ(in_child({{"CLIENT_LOCALE", "xx_XX.819"}}, doors[i].second), fails[i])
+            << doors[i].first;
+    }
+}
+
+TEST(Startup, ASecondLookupAnswersWhereTheLocaleFails) {
+    EXPECT_EQ(in_child({{"CLIENT_LOCALE", "xx_XX.819"}},
+                       [] {
+                           ggetenv("DBPATH");
+                           return text_or(ggetenv("DBPATH"), "null");
+                       }),
+              ".");
+}
+
+TEST(Startup, UnknownModesAreRefusedAtTheGate) {
+    EXPECT_EQ(initgls(GLS_MODE_SERVER), -1);
+    EXPECT_EQ(new_gls_env.initialising, 0);
+    EXPECT_EQ(new_gls_env.init_flags, 0);
+    EXPECT_EQ(initgls(7), -1);
+}
+
+TEST(Startup, RunsOnce) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(initgls(GLS_MODE_CLIENT), 0);
+    locale_rec *lc = CheckGlsEnv()->cur_lc;
+    EXPECT_EQ(initgls(GLS_MODE_CLIENT), 0);
+    EXPECT_EQ(chkglsinit(), 0);
+    EXPECT_EQ(CheckGlsEnv()->cur_lc, lc);
+    EXPECT_EQ(get_glserror(), 0);
+}
+
+TEST(Startup, NamesAreCachedInLowerCaseWithTheEnglishOnesFirst) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    setenv("CLIENT_LOCALE", "de_DE.8859-1", 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    const new_gls_env_rec &state = *CheckGlsEnv()->state;
+    ASSERT_NE(state.mon_names, nullptr);
+    ASSERT_NE(state.mon_names->next, nullptr);
+    EXPECT_STREQ(state.mon_names->names[2], "march");
+    EXPECT_STREQ(state.mon_names->next->names[2], "m\xe4rz");
+    EXPECT_STREQ(state.abmon_names->names[11], "dec");
+    EXPECT_EQ(state.gregorian, 1);
+}
+
+TEST(Startup, ACreatedEnvironmentHasItsOwnLocaleAndIsReused) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    setenv("CLIENT_LOCALE", "fr_FR.8859-15", 1);
+    ASSERT_EQ(cdrInitGlsEnv(), 0);
+    GlsEnv *french = CheckGlsEnv();
+    ASSERT_NE(french, &gls_env);
+    EXPECT_STREQ(french->cur_lc->file_names[0], "fr_fr/e02f.lco");
+    EXPECT_EQ(french->state->mon_ready, 1);
+    SetGlsEnv(&gls_env);
+    ASSERT_EQ(cdrInitGlsEnv(), 0);
+    EXPECT_EQ(CheckGlsEnv(), french);
+    EXPECT_EQ(FreeAllGlsEnv(), 0);
+    EXPECT_EQ(CheckGlsEnv(), &gls_env);
+    EXPECT_EQ(gls_env.cur_lc, nullptr);
+}
+
+TEST(Startup, AFailedConnectionLeavesTheEnvironmentBefore) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    setenv("CLIENT_LOCALE", "xx_XX.819", 1);
+    EXPECT_EQ(cdrInitGlsEnv(), err_locale_load);
+    EXPECT_EQ(CheckGlsEnv(), &gls_env);
+    EXPECT_NE(gls_env.cur_lc, nullptr);
+    EXPECT_EQ(GlsEnv_List->next, nullptr);
+}
+
+// Each allocation of a start refused in turn: a stated error, and the next try succeeds.
+TEST(Startup, SurvivesEveryRefusedAllocation) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    CheckGenInit();
+    ggetenv("DBPATH"); // loads the registry, whose failure ends the process
+    size_t failures = 0;
+    for (size_t k = 1;; ++k) {
+        FreeAllGlsEnv();
+        freegls();
+        int result = 0;
+        bool happened = false;
+        {
+            failing_malloc::scope refused(k);
+            result = chkglsinit();
+            happened = refused.happened();
+        }
+        if (!happened) {
+            EXPECT_EQ(result, 0);
+            break;
+        }
+        if (result != 0) {
+            ++failures;
+            EXPECT_TRUE(result == err_locale_no_memory || result == err_locale_load ||
+                        result == err_locale_conversion || result == err_date_no_memory)
+                << "allocation " << k << ": " << result;
+        }
+        ASSERT_EQ(chkglsinit(), 0) << "second try behind allocation " << k;
+    }
+    EXPECT_GT(failures, 20u);
+}
+
+// What creation, matching and release leave behind is what the last of them holds: nothing.
+TEST(Startup, TenThousandEnvironmentsComeAndGo) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    GlsEnvLocale want = {};
+    want.settings[GLS_DBDATE] = "DMY4.";
+    want.settings[GLS_CLIENT_LOCALE] = "en_US.819";
+    GlsEnv *made = nullptr;
+    ASSERT_EQ(CreateGlsEnv(&want, &made, 1), 0);
+    FreeAllGlsEnv();
+    failing_malloc::scope counted(0);
+    for (int i = 0; i < 10000; ++i) {
+        ASSERT_EQ(CreateGlsEnv(&want, &made, i % 100 == 0), 0);
+        GlsEnv *found = nullptr;
+        ASSERT_EQ(CheckExistingGlsEnv(&want, &found), 0);
+        ASSERT_EQ(found, made);
+        FreeAllGlsEnv();
+    }
+    EXPECT_EQ(counted.live(), 0);
+}
+
+} // namespace
