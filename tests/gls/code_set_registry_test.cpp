@@ -159,6 +159,14 @@ TEST(CodeSetRegistry, InstalledFileAgreesWithTheBuiltInTable) {
     gl_free_registry_cache();
 }
 
+TEST(CodeSetRegistry, ExampleOfTheFormatsPageIsRead) {
+    const std::string page = file_text(KESTRION_SOURCE_DIR "/docs/formats/code-set-registry.md");
+    const size_t start = page.rfind("```\n#") + 4;
+    const std::string example = page.substr(start, page.find("```", start) - start);
+    EXPECT_EQ(look_up(example, "Latin-1").cached, "819") << example;
+    EXPECT_EQ(look_up(example, "utf8").cached, "57372");
+}
+
 TEST(CodeSetRegistry, CcsidsMapBothWaysButOne) {
     const struct {
         int number;

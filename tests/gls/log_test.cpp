@@ -4,6 +4,9 @@
 #include "tests/gls/engine_test.h"
 #include "tests/gls/temp_dir.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace {
 
 // Writes two lines in a directory of its own and gives the log back; each test is a fresh process.
@@ -40,6 +43,29 @@ TEST(Log, PrintingGoesToTheStandardOutput) {
 TEST(Log, FailedAssertionEndsTheProcess) {
     EXPECT_EXIT(gl_assert_failed("file.cpp", 12), testing::ExitedWithCode(1),
                 "Assert in file.cpp at line 12 failed.\n");
+}
+
+// A process that runs as root on behalf of another user must not lend its rights to a file name.
+TEST(Log, IsOpenedAsTheRealUser) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can act for another user";
+    constexpr uid_t nobody = 65534;
+    const temp_dir dir;
+    ASSERT_EQ(chmod(dir.path().c_str(), 0777), 0);
+    dir.write("roots/own", "");
+    ASSERT_EQ(chmod(dir.at("roots").c_str(), 0700), 0);
+    ASSERT_EQ(setresgid(nobody, 0, 0), 0);
+    ASSERT_EQ(setresuid(nobody, 0, 0), 0);
+    FILE *const log = openlogfile(dir.at("log").c_str(), "a");
+    ASSERT_NE(log, nullptr);
+    std::fclose(log);
+    struct stat status;
+    ASSERT_EQ(stat(dir.at("log").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, nobody);
+    EXPECT_EQ(status.st_gid, nobody);
+    EXPECT_EQ(openlogfile(dir.at("roots/own").c_str(), "a"), nullptr);
+    EXPECT_EQ(geteuid(), 0u) << "the identity comes back";
+    EXPECT_EQ(getegid(), 0u);
 }
 
 TEST(DynamicLoad, HandleRemembersWhatWentWrong) {

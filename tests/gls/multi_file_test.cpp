@@ -2,6 +2,7 @@
 
 #include "tests/gls/engine_test.h"
 #include "tests/gls/multi_reference.h"
+#include "tests/gls/temp_dir.h"
 
 namespace {
 
@@ -95,6 +96,17 @@ TEST(MultiFile, BothFormsReadAsTheSameTable) {
         EXPECT_EQ(written(table), wanted);
         _gl_free_multi(table);
     }
+}
+
+TEST(MultiFile, ExampleOfTheFormatsPageIsReadAndWritten) {
+    const std::string page = file_text(KESTRION_SOURCE_DIR "/docs/formats/multi-table.md");
+    const size_t start = page.rfind("```\n2 1 3") + 4;
+    const std::string example = page.substr(start, page.find("```", start) - start);
+    multi_arr *table = nullptr;
+    ASSERT_EQ(read_text(example, &table), 0) << example;
+    EXPECT_EQ(datum_of(table, "\xA2\xA1"), 0x1C4);
+    EXPECT_EQ(written(table), example);
+    _gl_free_multi(table);
 }
 
 TEST(MultiFile, ArrayLinesEndBeforeRunsOfFour) {
