@@ -78,7 +78,6 @@ struct multi_arr {
     unsigned char **shared_data;     // compressed: the data_count distinct data arrays
     int32_t *shared_flag_children;   // compressed: entries MULTI_CHILD of each shared flag array
     const multi_step *walk;          // the flat table, [state << 8 | byte]; null when not made
-    const multi_step *text_walk;     // the same when min_len is 1: safe on text without a limit
     const unsigned char **data_rows; // data arrays by multi_step::datum, when data_size is not 2
     unsigned char *default_row;      // 256 slots of the default, for nodes without data
 };
@@ -148,24 +147,5 @@ namespace kestrion {
 int multi_flatten(multi_arr *table);
 // Drops the flat table; every change of the tree does.
 void multi_drop_flat(multi_arr *table);
-
-// Walks the flat table along `text` and returns the last step, with the bytes looked at in `used`.
-// The character is valid when its `next` is multi_end. No more than four bytes are read, and no
-// byte behind one at which no sequence goes on.
-inline multi_step multi_walk(const multi_step *walk, const unsigned char *text, int32_t &used) {
-    multi_step step = walk[text[0]];
-    used = 1;
-    while (step.next >= multi_first_state) {
-        step = walk[static_cast<size_t>(step.next) << 8 | text[used]];
-        ++used;
-    }
-    return step;
-}
-
-// Datum of a finished walk whose last byte was `last`, for data of any size. A 16-bit datum is
-// step.datum itself.
-inline const void *multi_row_datum(const multi_arr *table, multi_step step, unsigned char last) {
-    return table->data_rows[step.datum] + (static_cast<size_t>(last) << table->shift);
-}
 
 } // namespace kestrion

@@ -145,7 +145,7 @@ void multi_drop_flat(multi_arr *table) {
     _gl_free_ptr(const_cast<multi_step *>(table->walk));
     _gl_free_ptr(table->data_rows);
     _gl_free_ptr(table->default_row);
-    table->walk = table->text_walk = nullptr;
+    table->walk = nullptr;
     table->data_rows = nullptr;
     table->default_row = nullptr;
 }
@@ -169,7 +169,6 @@ int multi_flatten(multi_arr *table) {
     // well.
     void *const trimmed = _gl_ext_realloc(flat.walk, flat.states * row_size);
     table->walk = trimmed != nullptr ? static_cast<multi_step *>(trimmed) : flat.walk;
-    table->text_walk = table->min_len <= 1 ? table->walk : nullptr;
     table->data_rows = flat.rows;
     return 0;
 }

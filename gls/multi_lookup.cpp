@@ -15,7 +15,9 @@ struct found {
 };
 
 const void *flat_datum(const multi_arr *table, const multi_step &step, unsigned char last) {
-    return table->data_size == sizeof step.datum ? &step.datum : multi_row_datum(table, step, last);
+    if (table->data_size == sizeof step.datum)
+        return &step.datum;
+    return table->data_rows[step.datum] + (static_cast<size_t>(last) << table->shift);
 }
 
 const void *tree_datum(const multi_arr *table, const multi_node *node, unsigned char last) {

@@ -7,13 +7,6 @@ using namespace kestrion;
 
 namespace {
 
-// The pieces of a file name, each terminated.
-struct name_pieces {
-    char lang[gl_max_lang_length + 1];
-    char cs[gl_max_cs_digits + 1];
-    char modifier[gl_max_modifier_length + 1];
-};
-
 // Adds the specifier of one file name, its code set by the name in the head of the file.
 int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
     char path[gl_file_name_size];

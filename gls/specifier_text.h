@@ -78,6 +78,13 @@ int keyword_slot(std::string_view text);
 // Length of "la_TE" or "lan_TE" at the start of a text, 0 if there is none.
 size_t language_and_territory(std::string_view text);
 
+// The pieces of a file name, each terminated.
+struct name_pieces {
+    char lang[gl_max_lang_length + 1];
+    char cs[gl_max_cs_digits + 1];
+    char modifier[gl_max_modifier_length + 1];
+};
+
 // One category of a composite text, or the whole of a simple one.
 struct spec_item {
     std::string_view keyword; // empty in a simple text

@@ -24,12 +24,11 @@ int write_file_names(void *ctx, const parsed_spec &spec, char *out, text_view di
     return finish(ctx, text);
 }
 
-// The pieces of a file name, each terminated.
-struct name_pieces {
-    char lang[gl_max_lang_length + 1];
-    char cs[gl_max_cs_digits + 1];
-    char modifier[gl_max_modifier_length + 1];
-};
+// Parses a specifier that is to be turned into file names.
+int parse_for_names(void *ctx, const char *spec, const char *regfile, parsed_spec &parsed) {
+    const text_view text = view_of(spec);
+    return text.size() > max_spec_length ? refuse(ctx) : parsed.parse(ctx, text, regfile);
+}
 
 } // namespace
 
@@ -43,9 +42,7 @@ int gl_lc_spec2cs_num(void *ctx, const char *spec, const char *regfile) {
 int gl_lc_spec2lc_fname(void *ctx, const char *spec, char *out, const char *regfile,
                         const char *dir) {
     parsed_spec parsed;
-    if (view_of(spec).size() > max_spec_length)
-        return refuse(ctx);
-    if (parsed.parse(ctx, view_of(spec), regfile) != 0)
+    if (parse_for_names(ctx, spec, regfile, parsed) != 0)
         return -1;
     return write_file_names(ctx, parsed, out, view_of(dir));
 }
@@ -53,9 +50,7 @@ int gl_lc_spec2lc_fname(void *ctx, const char *spec, char *out, const char *regf
 int gl_lc_spec2msg_dname(void *ctx, const char *spec, char *out, const char *regfile,
                          const char *dir) {
     parsed_spec parsed;
-    if (view_of(spec).size() > max_spec_length)
-        return refuse(ctx);
-    if (parsed.parse(ctx, view_of(spec), regfile) != 0)
+    if (parse_for_names(ctx, spec, regfile, parsed) != 0)
         return -1;
     const spec_item *const messages = parsed.found.in_slot(messages_slot);
     if (messages == nullptr)

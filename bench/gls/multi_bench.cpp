@@ -92,22 +92,6 @@ void count(benchmark::State &state) {
     state.SetItemsProcessed(state.iterations() * text_of(state.range(0)).characters);
 }
 
-void inline_walk(benchmark::State &state) {
-    const multi_step *const walk = flat_table()->text_walk;
-    const std::string &text = text_of(state.range(0)).text;
-    for (auto _ : state) {
-        uint32_t masks = 0;
-        for (auto *at = reinterpret_cast<const unsigned char *>(text.c_str()); *at != 0;) {
-            int32_t used;
-            masks |= kestrion::multi_walk(walk, at, used).datum;
-            at += used;
-        }
-        benchmark::DoNotOptimize(masks);
-    }
-    count(state);
-}
-BENCHMARK(inline_walk)->DenseRange(0, 2);
-
 void retrieve(benchmark::State &state, const multi_arr *table) {
     const std::string &text = text_of(state.range(0)).text;
     int32_t word = 0;

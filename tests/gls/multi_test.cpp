@@ -96,33 +96,6 @@ TEST(Multi, InsertDropsTheFlatTable) {
     _gl_free_multi(table);
 }
 
-TEST(Multi, InlineWalkYieldsTheDatumAndTheLength) {
-    multi_arr *const table = new_u16_table();
-    insert(table, "a", 0x101);
-    insert(table, "\xE3\x81\x82", 0x202);
-    ASSERT_EQ(kestrion::multi_flatten(table), 0);
-    const struct {
-        const char *text;
-        uint32_t next;
-        int32_t used;
-        uint16_t datum;
-    } rows[] = {
-        {"ab", multi_end, 1, 0x101},
-        {"\xE3\x81\x82", multi_end, 3, 0x202},
-        {"\xE3\x81", multi_stop, 3, 0},
-        {"b", multi_stop, 1, 0},
-    };
-    for (const auto &row : rows) {
-        int32_t used = 0;
-        const multi_step step = kestrion::multi_walk(
-            table->text_walk, reinterpret_cast<const unsigned char *>(row.text), used);
-        EXPECT_EQ(step.next, row.next) << row.text;
-        EXPECT_EQ(used, row.used) << row.text;
-        EXPECT_EQ(step.datum, row.datum) << row.text;
-    }
-    _gl_free_multi(table);
-}
-
 TEST(Multi, LimitTellsCutOffFromWrong) {
     multi_arr *const table = new_u16_table();
     insert(table, "\xA1\xB2", 1);
@@ -214,8 +187,6 @@ TEST(Multi, UnlimitedLookupStopsAtTheTerminator) {
             EXPECT_EQ(word, row.found ? 0 : 1);
         }
     }
-    EXPECT_EQ(table->text_walk, nullptr)
-        << "the unchecked walk is for characters of one byte and up";
     _gl_free_multi(table);
 }
 
