@@ -50,6 +50,7 @@ struct Mkqem : testing::Test {
         std::ofstream("part.msg") << "1 eins\n";
         std::ofstream("wide.msg") << "1 \xE2\x82\xAC\n2 %s\n"; // EURO SIGN
         std::ofstream("bad.msg") << "1 one %d\n";
+        std::ofstream("extra.msg") << "1 eins\n2 zwei\n";
         std::ofstream("old.qem") << "old";
     }
     void TearDown() override {
@@ -75,6 +76,8 @@ TEST_F(Mkqem, ExitStatusTellsWhetherAFileWasWritten) {
         {{"-o", "old.qem", "-r", "en.msg", "-c", "utf-8", "wide.msg"}, 0},
         {{"-o", "old.qem", "wide.msg"}, 4}, // %s without a declaration
         {{"-o", "old.qem", "bad.msg"}, 4},
+        {{"-o", "old.qem", "-r", "bad.msg", "part.msg"}, 4},
+        {{"-o", "old.qem", "-r", "part.msg", "extra.msg"}, 4}, // a number that English lacks
         {{"-o", "old.qem", "missing.msg"}, 4},
         {{"-o", "no/such/directory", "en.msg"}, 4},
         {{"-o", "old.qem", "en.msg", "--losses", "no/such/directory"}, 4},
@@ -114,6 +117,8 @@ TEST_F(Mkqem, LossesAreListed) {
               std::string::npos);
     mkqem({"-o", "en.qem", "--losses", "list", "en.msg"});
     EXPECT_EQ(content("list"), "") << "a list without losses is empty, not old";
+    mkqem({"-o", "de.qem", "-r", "en.msg", "--werror=loss", "--losses", "no", "part.msg"});
+    EXPECT_FALSE(fs::exists("no")) << "nothing is written, the list neither";
 }
 
 TEST_F(Mkqem, ListingCompilesToTheSameBytes) {

@@ -38,6 +38,9 @@ const output_calls failing_calls = {
     .open = [](const char *path, int flags,
                mode_t mode) { return fails() ? refuse(EACCES) : ::open(path, flags, mode); },
     .write = [](int fd, const void *bytes, size_t count) -> ssize_t {
+        static bool interrupted = false;
+        if (interrupted = !interrupted; interrupted)
+            return refuse(EINTR);
         const bool now = fails();
         const ssize_t n = ::write(fd, bytes, std::min<size_t>(count, 7)); // always partial
         return now ? refuse(ENOSPC) : n;
