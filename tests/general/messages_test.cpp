@@ -22,6 +22,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
+int forced_start = 0; // what the start of the locale answers, when it is not 0
+
+} // namespace
+
+extern "C" int __real_chkglsinit(void);
+extern "C" int __wrap_chkglsinit(void) {
+    return forced_start != 0 ? forced_start : __real_chkglsinit();
+}
+
+namespace {
+
 constexpr message_range test_ranges[] = {
     {1, 50000, 50099, "own.qem"}, {1, 60000, 60000, "missing.qem"}, {0, 0, 0, nullptr}};
 
@@ -157,6 +168,37 @@ TEST_F(Messages, EnglishUsersGetNoSecondSearch) {
     EXPECT_EQ(get(-50001), err_no_such_message) << "though en_us/0333 has it";
     EXPECT_EQ(get(-50000), 0);
     EXPECT_STREQ(buffer, "two\n");
+}
+
+TEST_F(Messages, FailedLocaleStartIsToldInFixedWords) {
+    const struct {
+        int code;
+        const char *wanted;
+    } rows[] = {
+        {-1211, "Out of memory."},
+        {-1212, "Date conversion format must contain a month, day, and year component."},
+        {-23101, "Unable to load locale categories."},
+        {-23102, "Memory allocation failed during locale processing."},
+        {-23104, "Error opening required code-set conversion object file."},
+        {-23108, "An error occurred during locale structure creation."},
+        {-23110, "An error occurred during environment variable processing."},
+        {-23111, "Internal error.  Illegal argument for locale initialization."},
+        {-23115, "Code sets of the locale categories are not the same."},
+    };
+    ASSERT_NE(ggetenv("KESTRIONDIR"), nullptr); // a start loads the registry before it can fail
+    for (const auto &row : rows) {
+        forced_start = row.code;
+        EXPECT_EQ(get(-50001), row.code);
+        EXPECT_STREQ(buffer, row.wanted);
+        EXPECT_EQ(get(-50001, 8), row.code);
+        EXPECT_EQ(buffer, std::string(row.wanted, 7));
+    }
+    forced_start = -23109;
+    EXPECT_EQ(get(-50001), -23109);
+    EXPECT_EQ(buffer[0], '#') << "a failure without a fixed text leaves the buffer alone";
+    EXPECT_EQ(rld_lmsg(-50001), nullptr);
+    forced_start = 4;
+    EXPECT_EQ(get(-50001), 0) << "a positive answer does not stop the search";
 }
 
 TEST_F(Messages, DescriptorsStayOpenOnlyForLargeFiles) {
