@@ -68,24 +68,25 @@ peers &the_peers() {
     return made;
 }
 
-// Calls with 0, 1, 2, ... so that all messages are asked for in turn.
-template <typename Call> double nanoseconds(size_t calls, Call call) {
+// Asks for every message in turn, `rounds` times.
+template <typename Call> double nanoseconds(size_t rounds, Call call) {
     const size_t count = the_peers().numbers.size();
     const auto start = std::chrono::steady_clock::now();
-    for (size_t i = 0; i < calls; ++i)
-        benchmark::DoNotOptimize(call(i % count));
+    for (size_t round = 0; round < rounds; ++round)
+        for (size_t i = 0; i < count; ++i)
+            benchmark::DoNotOptimize(call(i));
     const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
-    return taken.count() / static_cast<double>(calls);
+    return taken.count() / static_cast<double>(rounds * count);
 }
 
 template <typename Ours, typename Theirs>
-void side_by_side(benchmark::State &state, size_t calls, Ours ours, Theirs theirs) {
+void side_by_side(benchmark::State &state, size_t asked, Ours ours, Theirs theirs) {
     double our_time = 0;
     double their_time = 0;
     for (auto round : state) {
         (void)round;
-        our_time += nanoseconds(calls, ours);
-        their_time += nanoseconds(calls, theirs);
+        our_time += nanoseconds(asked, ours);
+        their_time += nanoseconds(asked, theirs);
     }
     const auto rounds = static_cast<double>(state.iterations());
     state.counters["lookup_ns"] = our_time / rounds;
@@ -93,40 +94,43 @@ void side_by_side(benchmark::State &state, size_t calls, Ours ours, Theirs their
     state.counters["ratio"] = our_time / their_time;
 }
 
-int32_t look_up(size_t i) {
+int32_t look_up(const peers &made, size_t i) {
     char text[200];
-    const int32_t status = rgetlmsg(the_peers().numbers[i], text, sizeof text, nullptr);
+    const int32_t status = rgetlmsg(made.numbers[i], text, sizeof text, nullptr);
     benchmark::DoNotOptimize(text);
     return status;
 }
 
 void open_catalogue_beside_gettext(benchmark::State &state) {
-    if (!the_peers().ready)
+    const peers &made = the_peers();
+    if (!made.ready)
         return state.SkipWithError("msgfmt or gencat is missing");
-    side_by_side(state, 10000, look_up,
-                 [](size_t i) { return gettext(the_peers().texts[i].c_str()); });
+    side_by_side(
+        state, 100, [&](size_t i) { return look_up(made, i); },
+        [&](size_t i) { return gettext(made.texts[i].c_str()); });
 }
 
 void open_catalogue_beside_catgets(benchmark::State &state) {
-    nl_catd catalogue = catopen((the_peers().dir / "m.cat").c_str(), 0);
-    side_by_side(state, 10000, look_up, [=](size_t i) {
-        return catgets(catalogue, 1, the_peers().numbers[i] + base, "");
-    });
+    const peers &made = the_peers();
+    nl_catd catalogue = catopen((made.dir / "m.cat").c_str(), 0);
+    side_by_side(
+        state, 100, [&](size_t i) { return look_up(made, i); },
+        [&](size_t i) { return catgets(catalogue, 1, made.numbers[i] + base, ""); });
     catclose(catalogue);
 }
 
 void first_lookup_beside_catopen(benchmark::State &state) {
-    const std::string name = the_peers().dir / "m.cat";
+    const peers &made = the_peers();
+    const std::string name = made.dir / "m.cat";
     side_by_side(
-        state, 100,
-        [](size_t i) {
+        state, 2,
+        [&](size_t i) {
             rmsg_init();
-            return look_up(i);
+            return look_up(made, i);
         },
         [&](size_t i) {
             nl_catd catalogue = catopen(name.c_str(), 0);
-            const bool found =
-                catgets(catalogue, 1, the_peers().numbers[i] + base, nullptr) != nullptr;
+            const bool found = catgets(catalogue, 1, made.numbers[i] + base, nullptr) != nullptr;
             catclose(catalogue);
             return found;
         });
