@@ -10,6 +10,7 @@
 #include "env/registry.h"
 #include "general/messages.h"
 #include "gls/specifiers.h"
+#include "locale_env/startup.h"
 #include "platform/strings.h"
 
 namespace {
@@ -53,18 +54,12 @@ const char *install_dir(gentcb *block) {
     return block->install_dir;
 }
 
-// DBNLS holds 1 or 2, and nothing else.
-bool native_language_support() {
-    const char *value = idx_ggetenv("DBNLS", kestrion::variable_index("DBNLS"));
-    return value != nullptr && (strcmp(value, "1") == 0 || strcmp(value, "2") == 0);
-}
-
 // Settles msg_langdir at its first use. Without memory it stays unset and the English files serve.
 void settle_language_directory() {
     if (msg_langdir != nullptr)
         return;
     const char *value = idx_ggetenv("DBLANG", kestrion::variable_index("DBLANG"));
-    if (value == nullptr && native_language_support())
+    if (value == nullptr && DBNLSset() != 0)
         value = idx_ggetenv("LANG", kestrion::variable_index("LANG"));
     msg_langdir = kestrion::copy_of_text(value);
 }
