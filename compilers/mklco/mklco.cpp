@@ -85,6 +85,9 @@ locale_object compilation::run() {
         compile_ctype(library_, source, map, widths.get(), said_, object);
         text_encoder encoder(library_, source, map, said_);
         compile_sections(library_, source, encoder, said_, options_.calendar, object);
+        if (options_.collation == "thai_smo" && map.mb_cur_max > 1)
+            throw compiler_failure("thai_smo orders bytes, and " + options_.charmap +
+                                   " has characters of more than one");
         if (options_.collation == "thai_smo")
             object.collation.thai = true;
         else
@@ -98,10 +101,14 @@ locale_object compilation::run() {
 
 // The head lines: what made the object, and of what.
 void compilation::describe(locale_object &object, const charmap &map) const {
+    // In an order that does not depend on the paths that the sources were asked for by.
+    std::multimap<std::string, std::string_view> texts;
+    for (const auto *files : {&library_.files(), &charmap_files_})
+        for (const auto &[name, file] : *files)
+            texts.emplace(last_component(name), file->text());
     source_hash hash;
-    for (const auto &files : {std::cref(library_.files()), std::cref(charmap_files_)})
-        for (const auto &[name, file] : files.get())
-            hash.add(last_component(name), file->text());
+    for (const auto &[name, text] : texts)
+        hash.add(name, text);
     object.code_set = options_.code_set.empty() ? map.code_set_name : options_.code_set;
     std::string tool("COMPILER=mklco ");
     object.head = {tool.append(compiler_version()),

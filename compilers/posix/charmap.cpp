@@ -123,6 +123,7 @@ private:
     size_t line_end_ = 0;
     char comment_ = '#';
     char escape_ = '\\';
+    int default_width_ = -1;
     std::vector<uint32_t> by_bytes_; // rows in the order of their sequences, made for the widths
 };
 
@@ -132,6 +133,9 @@ void charmap_reader::read() {
         line_end_ = std::min(text_.find('\n', next), text_.size());
         line();
     }
+    for (charmap_row &row : map_.rows)
+        if (row.width < 0)
+            row.width = static_cast<int8_t>(default_width_);
     if (map_.rows.empty())
         fail(text_.size(), "the charmap has no characters",
              "give it a section CHARMAP with a row for each character");
@@ -188,8 +192,12 @@ void charmap_reader::head_line() {
         part_ = part::characters;
         return;
     }
-    if (take("WIDTH_DEFAULT"))
-        return; // a width that no row differs from says nothing
+    if (take("WIDTH_DEFAULT")) {
+        skip_blanks();
+        default_width_ = decimal(8);
+        map_.has_widths = true;
+        return;
+    }
     if (take("WIDTH")) {
         map_.index_code_points();
         map_.has_widths = true;

@@ -360,6 +360,14 @@ const locale_source &source_library::open(const std::string &name) {
     return *source;
 }
 
+const locale_source &source_library::open_from(const source_place &place, const std::string &name) {
+    try {
+        return open(name);
+    } catch (const compiler_failure &missing) {
+        throw source_error(place, missing.what(), "put the source there, or name its directory");
+    }
+}
+
 // Who copies whom, from the innermost source outwards.
 struct source_library::copy_chain {
     const locale_source *source;
@@ -396,14 +404,9 @@ void source_library::walk(const locale_source &source, std::string_view category
         if (statement.tokens.size() != 2 || statement.tokens[1].kind != token_kind::string)
             throw source_error(statement.place(), "copy names no source", "write copy \"NAME\"");
         copy_chain here{&source, chain, statement.place(1), chain ? chain->depth + 1 : 1};
-        const locale_source *other = nullptr;
-        try {
-            other = &open(std::string(statement.tokens[1].text));
-        } catch (const compiler_failure &missing) {
-            throw source_error(statement.place(1), missing.what(),
-                               "put the source there, or name its directory");
-        }
-        walk(*other, category, handler, &here);
+        const locale_source &other =
+            open_from(statement.place(1), std::string(statement.tokens[1].text));
+        walk(other, category, handler, &here);
     }
 }
 

@@ -122,6 +122,9 @@ public:
 
     // A locale source by its name or path. Throws compiler_failure or source_error.
     const locale_source &open(const std::string &name);
+    // The same for a source that another one names at `place`: what is missing is a source_error
+    // there.
+    const locale_source &open_from(const source_place &place, const std::string &name);
 
     // The files read so far, by the names that they were asked for.
     const std::map<std::string, std::unique_ptr<source_file>> &files() const { return files_; }

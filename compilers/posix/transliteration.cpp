@@ -28,18 +28,18 @@ void transliteration::read(source_library &library, const locale_source &source)
     if (!read_.insert(&source).second)
         return;
     bool inside = false;
-    std::vector<std::string> included;
+    std::vector<std::pair<std::string, source_place>> included;
     library.for_each_statement(source, "LC_CTYPE", [&](const source_statement &statement) {
         std::string_view keyword = statement.keyword();
         if (keyword == "translit_start" || keyword == "translit_end")
             inside = keyword == "translit_start";
         else if (inside && keyword == "include" && statement.tokens.size() > 1)
-            included.emplace_back(statement.tokens[1].text);
+            included.emplace_back(statement.tokens[1].text, statement.place(1));
         else if (inside && keyword != "default_missing" && keyword != "translit_ignore")
             add(statement, statement.source == &source);
     });
-    for (const std::string &name : included)
-        read(library, library.open(name));
+    for (const auto &[name, place] : included)
+        read(library, library.open_from(place, name));
 }
 
 void transliteration::add(const source_statement &statement, bool own) {

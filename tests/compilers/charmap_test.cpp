@@ -47,10 +47,10 @@ TEST(Charmap, WidthRangesRunInTheOrderOfTheBytes) {
         "test",
         head_and("<U0041> /x41\n<U0300> /x42\n<U3000> /xa1/xa1\n<U5000> /xa1/xa2\n"
                  "<U4000> /xa1/xa3\n<U6000> /xa1/xa4\n") +
-            "WIDTH\n<U0300> 0\n<U0301>...<U4000> 1\n<U3000>...<U4000> 2 % not U+6000\nEND WIDTH\n");
+            "WIDTH_DEFAULT 1\nWIDTH\n<U0300> 0\n<U0301>...<U4000> 1\n<U3000>...<U4000> 2 % not U+6000\nEND WIDTH\n");
     charmap map(source);
-    const std::map<uint32_t, int> wanted = {{0x41, -1},  {0x300, 0},  {0x3000, 2},
-                                            {0x5000, 2}, {0x4000, 2}, {0x6000, -1}};
+    const std::map<uint32_t, int> wanted = {{0x41, 1},   {0x300, 0},  {0x3000, 2},
+                                            {0x5000, 2}, {0x4000, 2}, {0x6000, 1}};
     for (auto [code_point, width] : wanted)
         EXPECT_EQ(map.find(code_point)->width, width) << std::hex << code_point;
 }
