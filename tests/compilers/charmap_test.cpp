@@ -61,8 +61,8 @@ TEST(Charmap, FaultsAreToldWithTheirPlace) {
         size_t line, column;
         const char *what;
     } const rows[] = {
-        {head_and(""), 7, 1, "no characters"},
-        {"<escape_char> /\nCHARMAP\n<U0041> /x41\n", 4, 1, "no end"},
+        {head_and(""), 6, 12, "no characters"},
+        {"<escape_char> /\nCHARMAP\n<U0041> /x41\n", 3, 13, "no end"},
         {head_and("<U0041 /x41\n"), 6, 1, "does not end"},
         {head_and("<U0041> x41\n"), 6, 9, "bytes of the character"},
         {head_and("<U0041> /x4g\n"), 6, 9, "no byte"},
@@ -121,14 +121,14 @@ TEST(Charmap, EveryRowIsWhatTheConverterSays) {
     size_t compared = 0;
     for (const auto &entry : std::filesystem::directory_iterator(charmap_directory)) {
         std::string name = entry.path().stem().string();
-        iconv_t converter = iconv_open("UCS-4BE", name.c_str());
-        if (converter == reinterpret_cast<iconv_t>(-1))
-            continue;
         auto source = find_source_file(name, {charmap_directory});
         if (has_no_section(name)) {
             EXPECT_THROW(charmap{*source}, source_error) << name;
             continue;
         }
+        iconv_t converter = iconv_open("UCS-4BE", name.c_str());
+        if (converter == reinterpret_cast<iconv_t>(-1))
+            continue;
         charmap map(*source);
         size_t differing = 0;
         for (const charmap_row &row : map.rows) {

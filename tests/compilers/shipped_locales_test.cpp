@@ -31,6 +31,10 @@
 namespace fs = std::filesystem;
 using namespace kestrion;
 
+// The C library keeps a copy of LOCPATH that it never gives back.
+extern "C" const char *__lsan_default_suppressions();
+extern "C" const char *__lsan_default_suppressions() { return "leak:argz_add_sep\n"; }
+
 namespace {
 
 struct shipped_locale {
