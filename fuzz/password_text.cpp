@@ -3,9 +3,9 @@
 
 #include "tool/password_text.h"
 
+#include "fuzz/quiet_words.h"
 #include "tool/watchful_memory.h"
 
-#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -18,8 +18,7 @@ pw_entry *const untouched = reinterpret_cast<pw_entry *>(1);
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
-    static FILE *const quiet = freopen("/dev/null", "w", stderr);
-    (void)quiet;
+    quiet_words();
     auto *text = static_cast<char *>(malloc(size + 1)); // exact, so that an overrun is seen
     if (size > 0)
         memcpy(text, data, size);
