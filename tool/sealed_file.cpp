@@ -50,13 +50,16 @@ char *append(char *out, const char *bytes, int32_t length) {
     return out + length;
 }
 
+char *append_number(char *out, int32_t number, int32_t digits) {
+    for (int32_t i = digits; i > 0; number /= 10)
+        out[--i] = static_cast<char>('0' + number % 10);
+    return out + digits;
+}
+
 char *append_stored_key(char *out, const stored_key &stored) {
-    char number[12];
-    snprintf(number, sizeof number, "%d", stored.length);
     out = append(out, stored.bytes, stored.length);
-    out = append(out, number, stored.digits);
-    *out++ = static_cast<char>('0' + stored.digits);
-    return out;
+    out = append_number(out, stored.length, stored.digits);
+    return append_number(out, stored.digits, 1);
 }
 
 int32_t append_tail(char *out, const sealing_keys &keys) {
