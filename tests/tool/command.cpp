@@ -1,0 +1,100 @@
+#include "tool/command.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <ostream>
+
+staged_tree::staged_tree() {
+    make("etc");
+    make("lib");
+    std::filesystem::create_symlink(INSTALLATION "/lib/libisi.so.1", at("lib/libisi.so.1"));
+    for (const std::string folder : {"msg", "gls"})
+        std::filesystem::create_directory_symlink(INSTALLATION "/" + folder, at(folder));
+}
+
+std::ostream &operator<<(std::ostream &stream, const outcome &o) {
+    return stream << "status " << o.status << ", signal " << o.signal << ", words: " << o.err;
+}
+
+command &command::set(const std::string &name, const std::string &value) {
+    unset(name);
+    environment_.emplace_back(name, value);
+    return *this;
+}
+
+command &command::unset(const std::string &name) {
+    std::erase_if(environment_, [&](const auto &entry) { return entry.first == name; });
+    return *this;
+}
+
+command &command::first(std::function<void()> action) {
+    first_ = std::move(action);
+    return *this;
+}
+
+pid_t command::start(const std::vector<std::string> &arguments) {
+    std::vector<std::string> words = {"pwsealtool"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<std::string> settings;
+    for (const auto &[name, value] : environment_)
+        settings.push_back(name + "=" + value);
+    const auto pointers = [](std::vector<std::string> &texts) {
+        std::vector<char *> result;
+        for (std::string &text : texts)
+            result.push_back(text.data());
+        result.push_back(nullptr);
+        return result;
+    };
+    const auto argv = pointers(words);
+    const auto envp = pointers(settings);
+    int out[2];
+    int err[2];
+    if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0)
+        abort();
+    child_ = fork();
+    if (child_ == 0) {
+        dup2(open("/dev/null", O_RDONLY), 0);
+        dup2(out[1], 1);
+        dup2(err[1], 2);
+        if (first_)
+            first_();
+        execve(INSTALLATION "/bin/pwsealtool", argv.data(), envp.data());
+        _exit(126);
+    }
+    close(out[1]);
+    close(err[1]);
+    out_ = out[0];
+    err_ = err[0];
+    return child_;
+}
+
+void command::read_output(outcome *o) {
+    const auto drain = [](int fd) {
+        std::string text;
+        char buffer[4096];
+        for (ssize_t n; (n = read(fd, buffer, sizeof buffer)) > 0;)
+            text.append(buffer, static_cast<size_t>(n));
+        close(fd);
+        return text;
+    };
+    o->err = drain(err_); // first: nothing that matters goes to standard output
+    o->out = drain(out_);
+}
+
+outcome command::finish() {
+    outcome o;
+    read_output(&o);
+    int state = 0;
+    waitpid(child_, &state, 0);
+    o.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1;
+    o.signal = WIFSIGNALED(state) ? WTERMSIG(state) : 0;
+    return o;
+}
+
+outcome command::run(const std::vector<std::string> &arguments) {
+    start(arguments);
+    return finish();
+}

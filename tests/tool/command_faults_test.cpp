@@ -1,0 +1,178 @@
+// What the system or the provider refuses ends the command with words and a status, never by a
+// signal; and what fails before the writing leaves the sealed file as it was.
+
+#include "tool/command.h"
+
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <functional>
+
+namespace {
+
+constexpr char password_text[] = "stores dbadmin rosebud primary\nsales ops xanadu live\n";
+
+class CommandFaults : public testing::Test {
+protected:
+    staged_tree tree;
+    command tool{tree.path()};
+    std::string plain = tree.at("plain");
+    std::string out = tree.at("out");
+
+    void SetUp() override {
+        tree.write("plain", password_text);
+        ASSERT_EQ(tool.run({"-k", "opensesame", "-e", plain}).err, "");
+        tool.set("LD_PRELOAD", FAULTS);
+    }
+    outcome seal() { return tool.run({"-k", "opensesame", "-e", plain}); }
+    outcome unseal() { return tool.run({"-k", "opensesame", "-d", out}); }
+
+    void expect_text_sealed() {
+        command plain_tool(tree.path());
+        EXPECT_EQ(plain_tool.run({"-k", "opensesame", "-d", out}).err, "");
+        EXPECT_EQ(tree.read("out"), password_text);
+    }
+};
+
+TEST_F(CommandFaults, ARefusalOfTheProviderIsTold) {
+    const std::string not_sealed = "Sealing failed. The sealed file was not changed.\n";
+    const struct {
+        const char *function;
+        std::string words;
+    } cases[] = {
+        {"ISI_rand_bytes", "ISI_RAND_BYTES failed\nNo internal key could be made. Check that the "
+                           "crypto provider library in $KESTRIONDIR/lib is complete.\n"},
+        {"ISI_cipher_ctx_new", not_sealed},
+        {"ISI_cipher_ctx_set_padding", not_sealed},
+        {"ISI_get_cipherbyname", "no cipher" + not_sealed},
+        {"ISI_encrypt_init", not_sealed},
+        {"ISI_encrypt_update", not_sealed},
+        {"ISI_encrypt_final", not_sealed},
+        {"ISI_cipher_ctx_set_key_length",
+         "key length= 24, iv length=0, nid=422\ncipher_sbcs=AES-192-ECB\n" + not_sealed},
+    };
+    const std::string before = tree.sealed();
+    for (const auto &c : cases) {
+        tool.set("FAULT_ISI", c.function);
+        const outcome o = seal();
+        EXPECT_EQ(o.err, c.words) << c.function;
+        EXPECT_EQ(o.status, 255) << c.function;
+        EXPECT_EQ(tree.sealed(), before) << c.function;
+    }
+    tool.set("FAULT_ISI", "ISI_decrypt_final");
+    EXPECT_EQ(unseal().status, 255);
+    EXPECT_FALSE(tree.holds("out"));
+}
+
+TEST_F(CommandFaults, AFailedCleanupComesBehindACompleteOutput) {
+    tree.write("etc/passwd_file", "");
+    tool.set("FAULT_ISI", "ISI_cipher_ctx_cleanup");
+    const outcome o = seal();
+    EXPECT_EQ(o.err,
+              "Error freeing up cipher context\nThe cipher could not be released. The file was "
+              "written; check it.\n");
+    EXPECT_EQ(o.status, 255);
+    expect_text_sealed();
+}
+
+TEST_F(CommandFaults, ShortReadsGrowTheBufferAndLoseNothing) {
+    std::string text;
+    while (text.size() < 60000)
+        text += "stores dbadmin rosebud primary\n";
+    std::string short_lines = text.substr(0, 31 * 100); // a text of 101 lines at most
+    short_lines.resize(60000, 'x');                     // then no line at all
+    tree.write("plain", short_lines);
+    tool.set("FAULT_FILE", plain).set("FAULT_READ", "40000");
+    EXPECT_EQ(seal().err, "");
+    command usual(tree.path());
+    ASSERT_EQ(usual.run({"-k", "opensesame", "-d", out}).err, "");
+    EXPECT_EQ(tree.read("out"), short_lines);
+}
+
+TEST_F(CommandFaults, AnInterruptedReadIsAFailure) {
+    tool.set("FAULT_FILE", plain).set("FAULT_READ", "0");
+    const std::string before = tree.sealed();
+    const outcome o = seal();
+    EXPECT_EQ(o.err.find("Reading failed (file or system error number: 4)"), 0u) << o;
+    EXPECT_NE(o.err.find("Reading failed (file or system error number: " + plain),
+              std::string::npos);
+    EXPECT_EQ(o.status, 1);
+    EXPECT_EQ(tree.sealed(), before);
+}
+
+TEST_F(CommandFaults, ShortWritesAreCarriedOnAndAnInterruptedOneIsAFailure) {
+    tool.set("FAULT_FILE", tree.sealed_path()).set("FAULT_WRITE", "7");
+    EXPECT_EQ(seal().err, "");
+    expect_text_sealed();
+    tool.set("FAULT_WRITE", "0");
+    const outcome o = seal();
+    EXPECT_EQ(o.err.find("Error writing file; errno=4\nCannot write " + tree.sealed_path()), 0u)
+        << o;
+    EXPECT_EQ(o.status, 255);
+    EXPECT_EQ(tree.sealed().size(), 40u) << "what was written before stays";
+}
+
+TEST_F(CommandFaults, AFullDiskIsToldWhereverItStrikes) {
+    std::string text;
+    while (text.size() < 3000)
+        text += "stores dbadmin rosebud primary\n";
+    tree.write("plain", text);
+    for (const rlim_t room : {rlim_t{0}, rlim_t{2048}}) {
+        command full(tree.path());
+        full.first([room] {
+            signal(SIGXFSZ, SIG_IGN);
+            const rlimit limit = {room, room};
+            setrlimit(RLIMIT_FSIZE, &limit);
+        });
+        const outcome o = full.run({"-e", plain});
+        EXPECT_EQ(o.err.find("Error writing file; errno=27\nCannot write " + tree.sealed_path()),
+                  0u)
+            << o;
+        EXPECT_EQ(o.status, 255) << o;
+        EXPECT_EQ(o.signal, 0) << o;
+        EXPECT_EQ(tree.sealed().size(), room);
+    }
+    std::filesystem::remove(tree.sealed_path());
+    std::filesystem::create_symlink("/dev/full", tree.sealed_path());
+    const outcome o = command(tree.path()).run({"-e", plain});
+    EXPECT_EQ(o.err.find("Error writing file; errno=28\n"), 0u) << o;
+    EXPECT_EQ(o.status, 255);
+}
+
+// Refuses one allocation after the other through the whole run. Where nothing that matters was lost
+// the run may succeed; else it has words, a status of its own and no effect.
+class EachAllocation : public CommandFaults {
+protected:
+    void refuse_each(const std::function<outcome()> &run, const std::string &output) {
+        tool.set("FAULT_COUNT", tree.at("count"));
+        ASSERT_EQ(run().status, 0);
+        const int allocations = std::stoi(tree.read("count"));
+        ASSERT_GT(allocations, 10);
+        int failures = 0;
+        for (int k = 1; k <= allocations; ++k) {
+            tree.write(output, "as it was");
+            tool.set("FAULT_MALLOC", std::to_string(k));
+            const outcome o = run();
+            EXPECT_EQ(o.signal, 0) << "allocation " << k << ": " << o;
+            if (o.status == 0)
+                continue;
+            ++failures;
+            EXPECT_TRUE(o.status == 1 || o.status == 255) << "allocation " << k << ": " << o;
+            EXPECT_NE(o.err, "") << "allocation " << k;
+            EXPECT_EQ(tree.read(output), "as it was") << "allocation " << k << ": " << o;
+        }
+        EXPECT_GT(failures, 5);
+    }
+};
+
+TEST_F(EachAllocation, RefusedWhileSealingIsTold) {
+    refuse_each([this] { return seal(); }, "etc/passwd_file");
+}
+
+TEST_F(EachAllocation, RefusedWhileUnsealingIsTold) {
+    refuse_each([this] { return unseal(); }, "out");
+}
+
+} // namespace

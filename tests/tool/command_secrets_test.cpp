@@ -1,0 +1,162 @@
+// What others may see of the command's secrets: its arguments while it runs, and its memory at its
+// end.
+
+#include "tool/command.h"
+
+#include <gtest/gtest.h>
+#include <openssl/evp.h>
+
+#include <fcntl.h>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cinttypes>
+#include <cstdio>
+
+namespace {
+
+constexpr char key[] = "open-sesame-2f9c";
+constexpr char password_text[] =
+    "stores dbadmin rosebud-71c5 primary\nsales ops xanadu-e02d live\n";
+
+std::string file_of(pid_t child, const char *name) {
+    std::ifstream in("/proc/" + std::to_string(child) + "/" + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+// All that the process can write to, or has written to.
+std::string memory_of(pid_t child) {
+    std::string image;
+    std::ifstream maps("/proc/" + std::to_string(child) + "/maps");
+    const int memory =
+        open(("/proc/" + std::to_string(child) + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
+    for (std::string line; std::getline(maps, line);) {
+        uint64_t start = 0;
+        uint64_t end = 0;
+        char mode[5] = {};
+        if (sscanf(line.c_str(), "%" SCNx64 "-%" SCNx64 " %4s", &start, &end, mode) != 3 ||
+            mode[1] != 'w')
+            continue;
+        std::string bytes(end - start, '\0');
+        const ssize_t got = pread(memory, bytes.data(), bytes.size(), static_cast<off_t>(start));
+        image.append(bytes, 0, got > 0 ? static_cast<size_t>(got) : 0);
+    }
+    close(memory);
+    return image;
+}
+
+std::string decrypt(const std::string &bytes, const std::string &cipher_key) {
+    const auto in = [](const std::string &s) {
+        return reinterpret_cast<const unsigned char *>(s.data());
+    };
+    std::string text(bytes.size() + 16, '\0');
+    auto *out = reinterpret_cast<unsigned char *>(text.data());
+    int first = 0;
+    int last = 0;
+    EVP_CIPHER_CTX *ctx = EVP_CIPHER_CTX_new();
+    EVP_DecryptInit_ex(ctx, EVP_aes_192_ecb(), nullptr, in(cipher_key), nullptr);
+    EVP_DecryptUpdate(ctx, out, &first, in(bytes), static_cast<int>(bytes.size()));
+    EVP_DecryptFinal_ex(ctx, out + first, &last);
+    EVP_CIPHER_CTX_free(ctx);
+    text.resize(static_cast<size_t>(first + last));
+    return text;
+}
+
+class CommandSecrets : public testing::Test {
+protected:
+    staged_tree tree;
+    command tool{tree.path()};
+    std::string plain = tree.at("plain");
+    std::string out = tree.at("out");
+
+    void SetUp() override { tree.write("plain", password_text); }
+
+    // Runs to the exit, where all of the process is still there, and looks for what should not be.
+    int run_and_search(const std::vector<std::string> &arguments) {
+        tool.first([] { ptrace(PTRACE_TRACEME, 0, nullptr, nullptr); });
+        const pid_t child = tool.start(arguments);
+        int state = 0;
+        waitpid(child, &state, 0); // stopped behind exec
+        ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACEEXIT | PTRACE_O_EXITKILL);
+        do {
+            ptrace(PTRACE_CONT, child, nullptr, nullptr);
+            waitpid(child, &state, 0);
+        } while (WIFSTOPPED(state) && state >> 8 != (SIGTRAP | PTRACE_EVENT_EXIT << 8));
+        if (!WIFSTOPPED(state)) {
+            ADD_FAILURE() << "the exit was not seen";
+            return -1;
+        }
+        image_ = memory_of(child);
+        EXPECT_GT(image_.size(), 100000u);
+        const std::string shown = testing::PrintToString(arguments);
+        EXPECT_EQ(file_of(child, "cmdline").find("sesame"), std::string::npos) << shown;
+        EXPECT_NE(
+            file_of(child, "limits").find("Max core file size        0                    0 "),
+            std::string::npos);
+        for (const char *secret : {"open-sesame", "rosebud-71c5", "xanadu-e02d"})
+            EXPECT_FALSE(holds(secret)) << secret << " after " << shown;
+        if (tree.sealed().size() > 130)
+            search_for_keys(shown);
+        ptrace(PTRACE_CONT, child, nullptr, nullptr);
+        return tool.finish().status;
+    }
+
+private:
+    std::string image_;
+
+    bool holds(const std::string &bytes) const { return image_.find(bytes) != std::string::npos; }
+
+    // The keys of the sealed file that is there, by the layout: 32 and 16 bytes of stored keys.
+    void search_for_keys(const std::string &shown) const {
+        const std::string file = tree.sealed();
+        const size_t end = file.size();
+        const std::string wrap = file.substr(end - 27, 24);
+        const std::string internal = decrypt(file.substr(end - 30 - 32 - 3 - 32, 32), wrap);
+        ASSERT_EQ(internal.size(), 24u) << shown;
+        std::string combined = internal;
+        for (size_t i = 0; i < 12; ++i)
+            combined[2 * i] = key[i];
+        ASSERT_EQ(decrypt(file.substr(0, end - 97), combined), password_text);
+        EXPECT_FALSE(holds(wrap)) << "the wrap key after " << shown;
+        EXPECT_FALSE(holds(internal)) << "the internal key after " << shown;
+        EXPECT_FALSE(holds(combined)) << "the combined key after " << shown;
+    }
+};
+
+TEST_F(CommandSecrets, NothingIsLeftInMemoryOnSuccess) {
+    EXPECT_EQ(run_and_search({"-k", key, "-e", plain}), 0);
+    EXPECT_EQ(run_and_search({"-k", key, "-d", out}), 0);
+    EXPECT_EQ(tree.read("out"), password_text);
+}
+
+TEST_F(CommandSecrets, NothingIsLeftInMemoryOnFailure) {
+    ASSERT_EQ(run_and_search({"-k", key, "-e", plain}), 0);
+    EXPECT_EQ(run_and_search({"-k", key, "-e", "missing"}), 1);
+    EXPECT_EQ(run_and_search({"-k", key, "-x", out}), 255);
+    EXPECT_EQ(run_and_search({"-k", key, "-k", std::string(key) + "-and-far-too-long"}), 255);
+    EXPECT_EQ(run_and_search({"-k", "another", "-d", out}), 1);
+    EXPECT_EQ(run_and_search({"-k", key, "-d", "/dev/full"}), 255);
+    tree.write("plain", std::string(password_text) + "stores rosebud-71c5\n");
+    EXPECT_EQ(run_and_search({"-k", key, "-e", plain}), 255);
+    tree.write("plain", "rosebud-71c5 xanadu-e02d\n");
+    EXPECT_EQ(run_and_search({"-k", key, "-e", plain}), 255);
+    tool.set("KESTRIONDIR", "/nowhere");
+    EXPECT_EQ(run_and_search({"-k", key, "-e", plain}), 1);
+}
+
+// While it waits for a text that comes through a pipe, every user can read its arguments.
+TEST_F(CommandSecrets, TheKeyIsGoneFromTheArgumentsBeforeTheInputIsOpened) {
+    std::filesystem::remove(plain);
+    ASSERT_EQ(mkfifo(plain.c_str(), 0600), 0);
+    const pid_t child = tool.start({"-k", "an-earlier-sesame", "-k", key, "-e", plain});
+    const int writer = open(plain.c_str(), O_WRONLY); // comes back when the command has opened it
+    const std::string arguments = file_of(child, "cmdline");
+    close(writer);
+    EXPECT_NE(arguments.find("-k"), std::string::npos);
+    EXPECT_EQ(arguments.find("sesame"), std::string::npos);
+    EXPECT_EQ(tool.finish().status, 0);
+}
+
+} // namespace

@@ -1,0 +1,131 @@
+/* Preloaded into the command: makes one thing fail that the system would seldom let fail.
+ *
+ *   FAULT_MALLOC=k      the k-th allocation fails
+ *   FAULT_COUNT=path    the number of allocations is written there at the end
+ *   FAULT_FILE=path     reads and writes of this file (its real path) are faulty:
+ *   FAULT_READ=n        a read takes at most n bytes; 0: interrupted
+ *   FAULT_WRITE=n       a write takes at most n bytes; 0: the second one is interrupted
+ *   FAULT_ISI=name      this function of the provider fails
+ */
+
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <pwd.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+void *__libc_malloc(size_t size);
+void *__libc_calloc(size_t count, size_t size);
+void *__libc_realloc(void *block, size_t size);
+
+static long allocations;
+static long refused;
+
+__attribute__((constructor)) static void start(void) {
+    const char *k = getenv("FAULT_MALLOC");
+    refused = k == NULL ? 0 : atol(k);
+    allocations = 0;
+}
+
+__attribute__((destructor)) static void end(void) {
+    const char *path = getenv("FAULT_COUNT");
+    if (path == NULL)
+        return;
+    const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    dprintf(fd, "%ld", allocations);
+    close(fd);
+}
+
+/* Looking up a user, the C library (2.36) crashes of itself when it gets no memory. */
+static int looking_up_user;
+
+static int refuse(void) {
+    if (looking_up_user || ++allocations != refused)
+        return 0;
+    errno = ENOMEM;
+    return 1;
+}
+
+void *malloc(size_t size) { return refuse() ? NULL : __libc_malloc(size); }
+void *calloc(size_t count, size_t size) { return refuse() ? NULL : __libc_calloc(count, size); }
+void *realloc(void *block, size_t size) { return refuse() ? NULL : __libc_realloc(block, size); }
+
+/* The fault set for this descriptor's file by `variable`, or -1. */
+static long fault_of(int fd, const char *variable) {
+    const char *file = getenv("FAULT_FILE");
+    const char *number = getenv(variable);
+    char link[64];
+    char path[4096];
+    if (file == NULL || number == NULL)
+        return -1;
+    snprintf(link, sizeof link, "/proc/self/fd/%d", fd);
+    const ssize_t length = readlink(link, path, sizeof path - 1);
+    if (length < 0)
+        return -1;
+    path[length] = '\0';
+    return strcmp(path, file) == 0 ? atol(number) : -1;
+}
+
+static void *next_symbol(const char *name, const char *version) {
+    return dlvsym(RTLD_NEXT, name, version);
+}
+
+struct passwd *getpwnam(const char *name) {
+    struct passwd *(*next)(const char *);
+    *(void **)&next = next_symbol("getpwnam", "GLIBC_2.2.5");
+    looking_up_user = 1;
+    struct passwd *user = next(name);
+    looking_up_user = 0;
+    return user;
+}
+
+struct passwd *getpwuid(uid_t uid) {
+    struct passwd *(*next)(uid_t);
+    *(void **)&next = next_symbol("getpwuid", "GLIBC_2.2.5");
+    looking_up_user = 1;
+    struct passwd *user = next(uid);
+    looking_up_user = 0;
+    return user;
+}
+
+static int fail(void) { return 1; }
+static void *find_nothing(void) { return NULL; }
+
+/* The bridge asks for each function of the provider by name. */
+void *dlsym(void *handle, const char *name) {
+    static void *(*next)(void *, const char *);
+    if (next == NULL)
+        *(void **)&next = next_symbol("dlsym", "GLIBC_2.34");
+    const char *faulty = getenv("FAULT_ISI");
+    if (faulty == NULL || strcmp(name, faulty) != 0)
+        return next(handle, name);
+    const int gives_pointer =
+        strcmp(name, "ISI_cipher_ctx_new") == 0 || strcmp(name, "ISI_get_cipherbyname") == 0;
+    return gives_pointer ? (void *)find_nothing : (void *)fail;
+}
+
+ssize_t read(int fd, void *buffer, size_t count) {
+    const long limit = fault_of(fd, "FAULT_READ");
+    if (limit == 0) {
+        errno = EINTR;
+        return -1;
+    }
+    return syscall(SYS_read, fd, buffer,
+                   limit > 0 && (size_t)limit < count ? (size_t)limit : count);
+}
+
+ssize_t write(int fd, const void *buffer, size_t count) {
+    static int writes;
+    const long limit = fault_of(fd, "FAULT_WRITE");
+    if (limit == 0 && ++writes == 2) {
+        errno = EINTR;
+        return -1;
+    }
+    const size_t most = limit == 0 ? 40 : limit > 0 ? (size_t)limit : count;
+    return syscall(SYS_write, fd, buffer, most < count ? most : count);
+}
