@@ -7,14 +7,6 @@
 #include <algorithm>
 #include <ostream>
 
-staged_tree::staged_tree() {
-    make("etc");
-    make("lib");
-    std::filesystem::create_symlink(INSTALLATION "/lib/libisi.so.1", at("lib/libisi.so.1"));
-    for (const std::string folder : {"msg", "gls"})
-        std::filesystem::create_directory_symlink(INSTALLATION "/" + folder, at(folder));
-}
-
 std::ostream &operator<<(std::ostream &stream, const outcome &o) {
     return stream << "status " << o.status << ", signal " << o.signal << ", words: " << o.err;
 }

@@ -10,15 +10,6 @@
 #include <string>
 #include <vector>
 
-// An installation directory of the test's own: an empty etc/, and the provider, the catalogues and
-// the locale objects of the one that all tests share.
-class staged_tree : public temporary_directory {
-public:
-    staged_tree();
-    std::string sealed_path() const { return at("etc/passwd_file"); }
-    std::string sealed() const { return read("etc/passwd_file"); }
-};
-
 struct outcome {
     int status = -1; // exit status
     int signal = 0;  // that ended it, else 0

@@ -44,15 +44,15 @@ void seal(pw_ctx *ctx, const std::string &text) {
 
 class Loader : public testing::Test {
 protected:
-    temporary_directory home;
+    staged_tree home;
     pw_ctx *ctx = nullptr;
     pw_entry *table[8] = {};
 
     void SetUp() override {
-        home.make("etc");
+        unlink(home.at("lib/libisi.so.1").c_str()); // the toy takes its place
         setenv("KESTRIONDIR", home.path().c_str(), 1);
         ASSERT_EQ(init(), 0);
-        toy_provider::install(); // behind pw_init, which binds none
+        toy_provider::install();
         seal(ctx, two_lines);
     }
     int init() {

@@ -39,3 +39,18 @@ public:
 private:
     std::string path_;
 };
+
+// An installation directory of the test's own: an empty etc/, and the provider, the catalogues and
+// the locale objects of the one that all tests share.
+class staged_tree : public temporary_directory {
+public:
+    staged_tree() {
+        make("etc");
+        make("lib");
+        std::filesystem::create_symlink(INSTALLATION "/lib/libisi.so.1", at("lib/libisi.so.1"));
+        for (const std::string folder : {"msg", "gls"})
+            std::filesystem::create_directory_symlink(INSTALLATION "/" + folder, at(folder));
+    }
+    std::string sealed_path() const { return at("etc/passwd_file"); }
+    std::string sealed() const { return read("etc/passwd_file"); }
+};
