@@ -1,5 +1,5 @@
-// The catalogues of the build: every error number has its text, in the file where it is looked up,
-// and users get their language.
+// The installed catalogues, looked up by programs that start as users' programs do: every error
+// number has its text, in the file where it is looked up, and users get their language.
 
 #include <stdlib.h>
 
@@ -11,18 +11,15 @@
 #include <gtest/gtest.h>
 
 #include "general/messages.h"
-#include "gls/code_set_registry.h"
-#include "locale_env/gls_env.h"
 
 namespace {
 
 struct CatalogueTexts : testing::Test {
     void SetUp() override {
-        for (const char *variable : {"DBLANG", "DBNLS", "LANG", "CLIENT_LOCALE"})
+        for (const char *variable :
+             {"DBLANG", "DBNLS", "LANG", "CLIENT_LOCALE", "DB_LOCALE", "DBDATE"})
             unsetenv(variable);
-        setenv("KESTRIONDIR", KESTRION_BUILD_DIR, 1); // the build makes its msg/ below it
-        new_gls_env.init_flags = 1;                   // the search needs no locale,
-        gl_cache_registry(nullptr, nullptr);          // but the names of code sets
+        setenv("KESTRIONDIR", INSTALLATION, 1);
     }
 
     static std::string text_of(int32_t number) {
@@ -89,4 +86,18 @@ TEST_F(CatalogueTexts, LanguageAndLocaleChooseGerman) {
         EXPECT_EQ(text_of(1202), "Press RETURN to continue.")
             << "English stands in for " << row.value;
     }
+}
+
+TEST_F(CatalogueTexts, ProgramUnderAGermanLocaleSpeaksGerman) {
+    setenv("CLIENT_LOCALE", "de_DE.utf8", 1);
+    EXPECT_EQ(rldinit(), 0);
+    EXPECT_EQ(text_of(-84411).substr(0, 24), "Die Rechte einer Datei l");
+}
+
+TEST_F(CatalogueTexts, LocaleThatIsNotInstalledLeavesNoMessages) {
+    setenv("CLIENT_LOCALE", "xx_XX.8859-1", 1);
+    EXPECT_EQ(rldinit(), 32766) << "the first slot fails already";
+    char buffer[100];
+    EXPECT_EQ(rgetlmsg(1202, buffer, sizeof buffer, nullptr), -23101);
+    EXPECT_STREQ(buffer, "Unable to load locale categories.");
 }
