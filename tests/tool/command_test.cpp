@@ -258,6 +258,19 @@ TEST_F(Command, TheTwoLooksAtTheDirectoryDiffer) {
     expect({}, usage_text(), 255);
 }
 
+// Every setting of the sample switched on: the language of messages is what shows here.
+TEST_F(Command, TheSampleOfTheConfigurationIsUnderstood) {
+    std::ifstream sample(KESTRION_SOURCE_DIR "/env/kestrion.rc.sample");
+    std::string settings;
+    for (std::string line; std::getline(sample, line);)
+        settings +=
+            (line.size() > 1 && line[0] == '#' && line[1] != ' ' ? line.substr(1) : line) + "\n";
+    tree.write("etc/kestrion.rc", settings);
+    const outcome o = tool.run({});
+    EXPECT_EQ(o.err.find("Aufruf: pwsealtool"), 0u) << o;
+    EXPECT_EQ(o.status, 255);
+}
+
 TEST_F(Command, WithoutAProviderTheFirstCallThatNeedsItTellsWhy) {
     seal();
     const std::string before = tree.sealed();
