@@ -6,6 +6,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#if defined(__x86_64__)
+#include <sys/platform/x86.h>
+#endif
 
 extern "C" {
 
@@ -38,11 +41,11 @@ void blank_keys_in_arguments() {
 // those on the stack where it binds functions of its own during the exit.
 __attribute__((noinline)) void wipe_vector_registers() {
 #if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx512f"))
+    if (CPU_FEATURE_ACTIVE(AVX512F))
         asm volatile(".irp n,16,17,18,19,20,21,22,23,24,25,26,27,28,29,30,31\n\t"
                      "vpxorq %%zmm\\n, %%zmm\\n, %%zmm\\n\n\t"
                      ".endr" ::);
-    if (__builtin_cpu_supports("avx"))
+    if (CPU_FEATURE_ACTIVE(AVX))
         asm volatile("vzeroall" ::);
     else
         asm volatile(".irp n,0,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15\n\t"
