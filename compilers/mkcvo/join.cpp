@@ -33,6 +33,8 @@ std::optional<written> write(const code_set_side &target, std::u32string_view ch
 
 std::optional<written> write_substitute(const code_set_side &target, char32_t character,
                                         const substitutes &instead) {
+    if (const auto near = instead.near_bytes.find(character); near != instead.near_bytes.end())
+        return written{near->second, false};
     if (instead.translit != nullptr)
         if (const auto *choices = instead.translit->find(character); choices != nullptr)
             for (const std::u32string &choice : *choices)
@@ -60,7 +62,7 @@ void tell_loss(const code_set_side &target, const side_row &row, diagnostics &sa
     for (const char32_t character : row.characters)
         what += (what.empty() ? "" : " ") + character_name(character);
     what += " has no counterpart in " + target.name;
-    constexpr char remedy[] = "--substitute or --translit gives it an inexact one";
+    constexpr char remedy[] = "--near, --translit or --substitute gives it an inexact one";
     if (row.place.file != nullptr)
         said.loss(*row.place.file, row.place.position(), what, remedy);
     else

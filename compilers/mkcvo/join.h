@@ -1,6 +1,7 @@
 // Joins two code sets through their characters' Unicode names into a conversion object.
 #pragma once
 
+#include <map>
 #include <optional>
 
 #include "compilers/mkcvo/code_set.h"
@@ -9,9 +10,10 @@
 
 namespace kestrion {
 
-// What to write for a character that the target lacks; both make the mapping inexact.
+// What to write for a character that the target lacks; all make the mapping inexact.
 struct substitutes {
-    const transliteration *translit = nullptr; // tried first
+    std::map<char32_t, code_sequence> near_bytes; // tried first
+    const transliteration *translit = nullptr;    // then this
     std::optional<char32_t> character;
 };
 

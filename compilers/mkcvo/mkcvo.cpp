@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -21,6 +22,7 @@ struct mkcvo_options {
     std::vector<std::string> charmap_directories;
     std::vector<std::string> locale_directories;
     std::string translit;
+    std::map<char32_t, code_sequence> near_bytes;
     std::optional<char32_t> substitute;
     code_sequence shift_in{1, {0x0e}};
     code_sequence shift_out{1, {0x0f}};
@@ -38,7 +40,7 @@ char32_t parse_character(const std::string &text) {
     throw usage_error("'" + text + "' is no character; write it as U+003F");
 }
 
-code_sequence parse_sequence(const std::string &text) {
+code_sequence parse_bytes(const std::string &text) {
     code_sequence bytes;
     if (!text.empty() && text.size() % 2 == 0 && text.size() <= 2 * size_t{max_sequence_length}) {
         size_t i = 0;
@@ -52,8 +54,16 @@ code_sequence parse_sequence(const std::string &text) {
         if (i == text.size())
             return bytes;
     }
-    throw usage_error("'" + text +
-                      "' is no shift sequence; one to four bytes in hexadecimal are, such as 0e");
+    throw usage_error("'" + text + "' is not one to four bytes in hexadecimal, such as 0e");
+}
+
+// "U+005C=5c".
+void add_near(mkcvo_options &options, const std::string &text) {
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos)
+        throw usage_error("'" + text + "' has no '='; write U+005C=5c");
+    options.near_bytes[parse_character(text.substr(0, equals))] =
+        parse_bytes(text.substr(equals + 1));
 }
 
 // One of the two code sets that the command line names.
@@ -126,7 +136,7 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
     if (target.unicode_bytes != 0)
         to = unicode_side(from, target.unicode_bytes);
 
-    substitutes instead{nullptr, options.substitute};
+    substitutes instead{options.near_bytes, nullptr, options.substitute};
     source_library library(options.locale_directories);
     std::unique_ptr<transliteration> translit;
     if (!options.translit.empty()) {
@@ -191,15 +201,17 @@ int mkcvo_main(int argc, char **argv, std::FILE *messages) {
                  [&](const std::string &value) { options.charmap_directories.push_back(value); }},
                 {"locales", 'L', "DIR", "also look for locale sources here",
                  [&](const std::string &value) { options.locale_directories.push_back(value); }},
+                {"near", 'n', "U+XXXX=HEX", "write this character, if it has none, by these bytes",
+                 [&](const std::string &value) { add_near(options, value); }},
                 {"translit", 't', "LOCALE",
                  "write what this source's transliteration gives, inexactly",
                  [&](const std::string &value) { options.translit = value; }},
                 {"substitute", 's', "U+XXXX", "write this for what has no counterpart, inexactly",
                  [&](const std::string &value) { options.substitute = parse_character(value); }},
                 {"shift-in", 0, "HEX", "bytes that begin the shifted state (0e)",
-                 [&](const std::string &value) { options.shift_in = parse_sequence(value); }},
+                 [&](const std::string &value) { options.shift_in = parse_bytes(value); }},
                 {"shift-out", 0, "HEX", "bytes that end it (0f)",
-                 [&](const std::string &value) { options.shift_out = parse_sequence(value); }},
+                 [&](const std::string &value) { options.shift_out = parse_bytes(value); }},
                 {"list", 'l', nullptr, "print an object as a text that compiles to it",
                  [&](const std::string &) { options.list = true; }},
             },
