@@ -146,11 +146,11 @@ void set_iconv_fps(cv_rec *cv) {
         cv->convert = sb_miconv;
         if (cv->no_sb_table == 0)
             build_sb_table(cv);
-        kestrion::make_fast_tables(cv);
+        kestrion::make_single_byte_tables(cv);
     } else {
         cv->convert = mb_miconv;
         if (cv->source_stateful == 0)
-            kestrion::make_fast_tables(cv);
+            kestrion::make_flat_tables(cv);
     }
 }
 
