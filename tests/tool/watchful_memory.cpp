@@ -8,8 +8,9 @@ namespace watchful_memory {
 
 namespace {
 
-std::map<void *, size_t> live;
-std::map<void *, size_t> contexts; // these live on from test to test
+// Never destroyed, so that what the API loses by design is no leak of the test program.
+auto &live = *new std::map<void *, size_t>;
+auto &contexts = *new std::map<void *, size_t>; // these live on from test to test
 std::vector<request> asked;
 std::vector<std::string> secrets;
 std::string seen;
