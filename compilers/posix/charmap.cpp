@@ -439,6 +439,12 @@ void charmap_reader::set_widths(const name_range &range, int width) {
 charmap::charmap(const source_file &source) : source_(source) {
     charmap_reader(*this, source).read();
     index_code_points();
+    // Another sequence for a character is as wide as the one that it is written by.
+    for (charmap_row &row : rows)
+        if (const charmap_row *written = row.one_way ? find(row.code_point) : nullptr) {
+            row.width = written->width;
+            row.width_offset = written->width_offset;
+        }
 }
 
 void charmap::index_code_points() {

@@ -46,13 +46,14 @@ TEST(Charmap, WidthRangesRunInTheOrderOfTheBytes) {
     source_file source(
         "test",
         head_and("<U0041> /x41\n<U0300> /x42\n<U3000> /xa1/xa1\n<U5000> /xa1/xa2\n"
-                 "<U4000> /xa1/xa3\n<U6000> /xa1/xa4\n") +
+                 "<U4000> /xa1/xa3\n<U6000> /xa1/xa4\n%IRREVERSIBLE%<U3000> /xf0/xa1\n") +
             "WIDTH_DEFAULT 1\nWIDTH\n<U0300> 0\n<U0301>...<U4000> 1\n<U3000>...<U4000> 2 % not U+6000\nEND WIDTH\n");
     charmap map(source);
     const std::map<uint32_t, int> wanted = {{0x41, 1},   {0x300, 0},  {0x3000, 2},
                                             {0x5000, 2}, {0x4000, 2}, {0x6000, 1}};
     for (auto [code_point, width] : wanted)
         EXPECT_EQ(map.find(code_point)->width, width) << std::hex << code_point;
+    EXPECT_EQ(map.rows.back().width, 2) << "a one-way row is as wide as its character";
 }
 
 TEST(Charmap, FaultsAreToldWithTheirPlace) {
