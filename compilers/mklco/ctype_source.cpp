@@ -343,8 +343,10 @@ void ctype_compiler::set_case(locale_object &object) {
     for (size_t i = 0; i < rows_.size(); i++) {
         uint32_t key = key_of(*rows_[i]);
         uint32_t upper = partner(upper_, key), lower = partner(lower_, key);
-        auto packed = [this](uint32_t of) {
-            const charmap_row *row = row_of(of);
+        // A character is its own partner where another one shares the pair; in a one-way row that
+        // would turn it into the bytes that it is written by.
+        auto packed = [&](uint32_t of) {
+            const charmap_row *row = of == key && rows_[i]->one_way ? nullptr : row_of(of);
             return row == nullptr ? 0 : row->sequence.packed();
         };
         object_case_pair pair{packed(upper), packed(lower)};
