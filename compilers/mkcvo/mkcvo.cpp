@@ -66,6 +66,16 @@ void add_near(mkcvo_options &options, const std::string &text) {
         parse_bytes(text.substr(equals + 1));
 }
 
+// All that was read; it outlives the errors that point into it.
+struct held_sources {
+    std::vector<std::unique_ptr<source_file>> files;
+    std::unique_ptr<source_library> library;
+
+    const source_file &hold(std::unique_ptr<source_file> file) {
+        return *files.emplace_back(std::move(file));
+    }
+};
+
 // One of the two code sets that the command line names.
 struct named_set {
     explicit named_set(const std::string &word)
@@ -78,13 +88,13 @@ struct named_set {
     bool shifted;
     std::string name;
     int unicode_bytes; // 2 or 4 for a fixed-width Unicode form, else 0
-    std::unique_ptr<source_file> file;
+    const source_file *file = nullptr;
     std::unique_ptr<charmap> map;
 
-    void read(const mkcvo_options &options) {
+    void read(const mkcvo_options &options, held_sources &held) {
         if (unicode_bytes != 0)
             return;
-        file = find_source_file(name, options.charmap_directories);
+        file = &held.hold(find_source_file(name, options.charmap_directories));
         map = std::make_unique<charmap>(*file);
     }
 
@@ -116,15 +126,15 @@ code_set_side unicode_source(const code_set_side &target, int bytes, diagnostics
 }
 
 std::string compile_charmaps(const mkcvo_options &options, const compiler_run &run,
-                             diagnostics &said) {
+                             held_sources &held, diagnostics &said) {
     if (run.sources.size() != 2)
         throw usage_error("two code sets are needed, the source and the target");
     named_set source(run.sources[0]);
     named_set target(run.sources[1]);
     if (source.unicode_bytes != 0 && target.unicode_bytes != 0)
         throw usage_error("one of the code sets must be a charmap");
-    source.read(options);
-    target.read(options);
+    source.read(options, held);
+    target.read(options, held);
 
     code_set_side from, to;
     if (source.unicode_bytes == 0)
@@ -137,10 +147,11 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
         to = unicode_side(from, target.unicode_bytes);
 
     substitutes instead{options.near_bytes, nullptr, options.substitute};
-    source_library library(options.locale_directories);
     std::unique_ptr<transliteration> translit;
     if (!options.translit.empty()) {
-        translit = std::make_unique<transliteration>(library, library.open(options.translit));
+        held.library = std::make_unique<source_library>(options.locale_directories);
+        translit =
+            std::make_unique<transliteration>(*held.library, held.library->open(options.translit));
         instead.translit = translit.get();
     }
     conversion_object object = join(from, to, instead, said);
@@ -149,16 +160,17 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
 }
 
 std::vector<output_file> compile(const mkcvo_options &options, const compiler_run &run,
-                                 diagnostics &said) {
+                                 held_sources &held, diagnostics &said) {
     if (run.output.empty())
         throw usage_error("no output is named; -o FILE names it");
     if (run.sources.size() == 1) {
-        const source_file listing = source_file::read(run.sources[0]);
+        const source_file &listing =
+            held.hold(std::make_unique<source_file>(source_file::read(run.sources[0])));
         if (!is_listing(listing.text()))
             throw usage_error("two code sets are needed, the source and the target");
         return {{run.output, object_text(read_listing(listing))}};
     }
-    return {{run.output, compile_charmaps(options, run, said)}};
+    return {{run.output, compile_charmaps(options, run, held, said)}};
 }
 
 std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
@@ -174,8 +186,9 @@ std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
 
 std::vector<output_file> run_mkcvo(const mkcvo_options &options, const compiler_run &line,
                                    diagnostics &said) {
+    held_sources held;
     try {
-        return options.list ? list(line, said) : compile(options, line, said);
+        return options.list ? list(line, said) : compile(options, line, held, said);
     } catch (const source_error &error) {
         said.error(*error.where.file, error.where.position(), error.what(), error.remedy);
         return {};

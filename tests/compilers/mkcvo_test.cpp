@@ -64,6 +64,7 @@ struct Mkcvo : testing::Test {
         std::ofstream("other") << "<code_set_name> O\n<escape_char> /\nCHARMAP\n<U0061> /x61 a\n"
                                   "END CHARMAP\n";
         std::ofstream("prefix") << charmap_text("<U0041> /x41 A\n<U0042> /x41/x42 B\n");
+        std::ofstream("broken") << charmap_text("<U0041> x41 A\n");
         std::ofstream("loc") << "comment_char %\nescape_char /\nLC_CTYPE\ntranslit_start\n"
                                 "<U00E4> \"<U0041><U0045>\"\n<U20AC> \"<U20A0>\";\"<U0045>\"\n"
                                 "translit_end\nEND LC_CTYPE\n";
@@ -145,6 +146,7 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "--werror=loss", "./from", "./to"}, 4, "U+20AC"},
         {{"-o", "old.cvo", "./nothing", "./to"}, 4, "./nothing"},
         {{"-o", "old.cvo", "nosuchcharmap", "./to"}, 4, "/usr/share/i18n/charmaps/nosuchcharmap"},
+        {{"-o", "old.cvo", "./to", "./broken"}, 4, "./broken:8:"},
         {{"-o", "old.cvo", "./other", "./to"}, 4, "have no character in common"},
         {{"-o", "old.cvo", "./pairs", "./to"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "old.cvo", "./to", "./pairs"}, 4, "takes for a fixed-width Unicode form"},
