@@ -93,7 +93,6 @@ void start_run(int argc, char **argv) {
 
 void leave(int status) {
     is_leaving = true;
-    forget_cipher_key(run.cipher); // before the provider's library ends itself
     exit(status);
 }
 

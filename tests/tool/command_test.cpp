@@ -8,6 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <sstream>
+
 namespace {
 
 constexpr char password_text[] = "stores dbadmin rosebud primary\nsales ops xanadu live\nno line";
@@ -221,6 +223,22 @@ TEST_F(Command, ADamagedSealedFileIsTold) {
     EXPECT_EQ(o.status, 255);
     EXPECT_NE(o.err.find("OpenSSL:"), std::string::npos) << o;
     EXPECT_FALSE(tree.holds("out"));
+}
+
+// The bytes on the page were made by openssl alone.
+TEST_F(Command, TheExampleOfTheFormatPageOpens) {
+    std::ifstream page(KESTRION_SOURCE_DIR "/docs/formats/sealed-file.md");
+    std::string bytes;
+    bool in_example = false;
+    for (std::string line; std::getline(page, line);) {
+        in_example = in_example || line == "## Example";
+        std::istringstream words(in_example && line.starts_with("    ") ? line.substr(0, 51) : "");
+        for (std::string word; words >> word;)
+            bytes += static_cast<char>(std::stoi(word, nullptr, 16));
+    }
+    tree.write("etc/passwd_file", bytes);
+    expect({"-k", "key", "-d", out}, "", 0);
+    EXPECT_EQ(tree.read("out"), "a b c d\n");
 }
 
 TEST_F(Command, AnOutputKeepsItsModeAndANewOneGetsTheUsual) {

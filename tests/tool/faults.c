@@ -12,6 +12,7 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <malloc.h>
 #include <pwd.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -21,7 +22,6 @@
 
 void *__libc_malloc(size_t size);
 void *__libc_calloc(size_t count, size_t size);
-void *__libc_realloc(void *block, size_t size);
 
 static long allocations;
 static long refused;
@@ -53,7 +53,17 @@ static int refuse(void) {
 
 void *malloc(size_t size) { return refuse() ? NULL : __libc_malloc(size); }
 void *calloc(size_t count, size_t size) { return refuse() ? NULL : __libc_calloc(count, size); }
-void *realloc(void *block, size_t size) { return refuse() ? NULL : __libc_realloc(block, size); }
+
+/* Always moves, as it may, and leaves what was there. */
+void *realloc(void *block, size_t size) {
+    void *moved = refuse() ? NULL : __libc_malloc(size);
+    if (moved == NULL || block == NULL)
+        return moved;
+    const size_t old = malloc_usable_size(block);
+    memcpy(moved, block, old < size ? old : size);
+    free(block);
+    return moved;
+}
 
 /* The fault set for this descriptor's file by `variable`, or -1. */
 static long fault_of(int fd, const char *variable) {

@@ -15,10 +15,16 @@ namespace {
 
 constexpr int block = 16;
 
+// Each text comes in one update, so the place of a byte in it is known.
 struct toy_cipher {
     unsigned char key[24];
-    unsigned char held[block]; // bytes that wait for the rest of their block, or the last block
-    int count;
+    unsigned char last[block]; // of the opened text, padding and all
+    int length;                // of the text so far
+
+    void apply(unsigned char *out, const unsigned char *in, int size, int from) const {
+        for (int i = 0; i < size; ++i)
+            out[i] = static_cast<unsigned char>(in[i] ^ key[(from + i) % 24] ^ 0xa5);
+    }
 };
 
 int calls_left = 0; // until the one that is refused
@@ -31,16 +37,13 @@ bool refuse() {
     return was_refused = true;
 }
 
-void xor_block(const toy_cipher *cipher, unsigned char *out) {
-    for (int i = 0; i < block; ++i)
-        out[i] = static_cast<unsigned char>(cipher->held[i] ^ cipher->key[i] ^
-                                            cipher->key[16 + i % 8] ^ 0xa5);
-}
+// All contexts: those that a failing API keeps by design stay reachable here.
+auto &contexts = *new std::vector<toy_cipher *>;
 
-// A failing API keeps its context by design: here it stays reachable.
 void *ctx_new() {
-    static auto &made = *new std::vector<void *>;
-    return refuse() ? nullptr : made.emplace_back(calloc(1, sizeof(toy_cipher)));
+    if (refuse())
+        return nullptr;
+    return contexts.emplace_back(static_cast<toy_cipher *>(calloc(1, sizeof(toy_cipher))));
 }
 
 int succeed(void *) { return refuse() ? 1 : 0; }
@@ -52,6 +55,7 @@ int wipe(void *ctx) {
     return 0;
 }
 int release(void *ctx) {
+    std::erase(contexts, ctx);
     free(ctx);
     return 0;
 }
@@ -59,58 +63,44 @@ int release(void *ctx) {
 int init(void *ctx, void *, const unsigned char *key, const unsigned char *) {
     if (refuse())
         return 1;
-    auto *cipher = static_cast<toy_cipher *>(ctx);
-    cipher->count = 0;
     if (key != nullptr)
-        memcpy(cipher->key, key, sizeof cipher->key);
+        memcpy(static_cast<toy_cipher *>(ctx)->key, key, 24);
     return 0;
 }
 
-// `keep` bytes of a whole block wait for the final call: 0 in encryption, the block in decryption.
-int update(toy_cipher *cipher, unsigned char *out, int *length, const unsigned char *in, int size,
-           bool keep) {
-    *length = 0;
-    for (int i = 0; i < size; ++i) {
-        if (cipher->count == block) {
-            xor_block(cipher, out + *length);
-            *length += block;
-            cipher->count = 0;
-        }
-        cipher->held[cipher->count++] = in[i];
-    }
-    if (!keep && cipher->count == block) {
-        xor_block(cipher, out + *length);
-        *length += block;
-        cipher->count = 0;
-    }
-    return refuse() ? 1 : 0;
-}
-
 int encrypt_update(void *ctx, unsigned char *out, int *length, const unsigned char *in, int size) {
-    return update(static_cast<toy_cipher *>(ctx), out, length, in, size, false);
-}
-
-int decrypt_update(void *ctx, unsigned char *out, int *length, const unsigned char *in, int size) {
-    return update(static_cast<toy_cipher *>(ctx), out, length, in, size, true);
+    auto *cipher = static_cast<toy_cipher *>(ctx);
+    cipher->apply(out, in, size, 0);
+    *length = cipher->length = size;
+    return refuse() ? 1 : 0;
 }
 
 int encrypt_final(void *ctx, unsigned char *out, int *length) {
     auto *cipher = static_cast<toy_cipher *>(ctx);
-    memset(cipher->held + cipher->count, block - cipher->count,
-           static_cast<size_t>(block - cipher->count));
-    xor_block(cipher, out);
-    *length = block + extra_length;
+    const int padding = block - cipher->length % block;
+    unsigned char bytes[block];
+    memset(bytes, padding, sizeof bytes);
+    cipher->apply(out, bytes, padding, cipher->length);
+    *length = padding + extra_length;
     return refuse() ? 1 : 0;
 }
 
-int decrypt_final(void *ctx, unsigned char *out, int *length) {
+int decrypt_update(void *ctx, unsigned char *out, int *length, const unsigned char *in, int size) {
     auto *cipher = static_cast<toy_cipher *>(ctx);
-    unsigned char last[block];
-    xor_block(cipher, last);
-    const int padding = last[block - 1];
-    if (cipher->count != block || padding < 1 || padding > block || refuse())
+    if (size < block || size % block != 0 || refuse())
         return 1;
-    memcpy(out, last, static_cast<size_t>(block - padding));
+    *length = size - block;
+    cipher->apply(out, in, *length, 0);
+    cipher->apply(cipher->last, in + *length, block, *length);
+    return 0;
+}
+
+int decrypt_final(void *ctx, unsigned char *out, int *length) {
+    const auto *cipher = static_cast<toy_cipher *>(ctx);
+    const int padding = cipher->last[block - 1];
+    if (padding < 1 || padding > block || refuse())
+        return 1;
+    memcpy(out, cipher->last, static_cast<size_t>(block - padding));
     *length = block - padding + extra_length;
     return 0;
 }
@@ -164,5 +154,13 @@ void refuse_call(int k) {
 }
 
 bool refused() { return was_refused; }
+
+bool holds_key() {
+    for (const toy_cipher *cipher : contexts)
+        for (const unsigned char byte : cipher->key)
+            if (byte != 0)
+                return true;
+    return false;
+}
 
 } // namespace toy_provider

@@ -16,6 +16,8 @@ void install();
 void refuse_call(int k);
 bool refused();
 
+bool holds_key(); // in any context that was made and not wiped
+
 extern int block_size;   // what the cipher says of itself: 16
 extern int extra_length; // what each final call adds to the length it tells: 0
 
