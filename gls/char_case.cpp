@@ -46,25 +46,32 @@ template <letter_case to> const uint8_t *byte_map(const locale_rec &lc) {
     return to == letter_case::upper ? lc.sb_upper : lc.sb_lower;
 }
 
-// Finds the other case of a wide character; false for an invalid one.
-template <letter_case to> bool wide_case(const ctype_rec &ct, gl_wchar wc, gl_wchar &out) {
-    out = wc;
-    multi_step step = walk_wide(ct.case_walk, wc, ct.mb_loc_min);
-    if (step.next != multi_end)
-        return false;
-    if (step.datum == 0)
-        return true;
+// The other case of a wide character whose step is `step`. Entry 0 of the pairs has no partners, so
+// that characters with and without one go the same way.
+template <letter_case to> gl_wchar partner_of(const ctype_rec &ct, multi_step step, gl_wchar wc) {
     gl_wchar partner = pair_member<to>(ct.case_pairs[step.datum]);
-    if (partner != 0)
-        out = partner;
-    return true;
+    return partner != 0 ? partner : wc;
+}
+
+// The rare ways, out of the common one's way: a null locale, a character without a prefix, an
+// invalid one.
+template <letter_case to>
+[[gnu::noinline]] gl_wchar rare_wide_character(locale_rec *lc, gl_wchar wc) {
+    const ctype_rec &ct = ctype_of(lc);
+    multi_step step = wide_step(ct, ct.case_walk, ct.case_prefixes, wc);
+    if (step.next == multi_end)
+        return partner_of<to>(ct, step, wc);
+    set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
+    return wc;
 }
 
 template <letter_case to> gl_wchar wide_character(locale_rec *lc, gl_wchar wc) {
-    gl_wchar out;
-    if (!wide_case<to>(ctype_of(lc), wc, out))
-        set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-    return out;
+    if (lc && has_prefix(lc->ctype_cat, wc)) {
+        multi_step step = step_by_prefix(lc->ctype_cat.case_walk, lc->ctype_cat.case_prefixes, wc);
+        if (step.next == multi_end)
+            return partner_of<to>(lc->ctype_cat, step, wc);
+    }
+    return rare_wide_character<to>(lc, wc);
 }
 
 // Writes the other case of a valid character, or the character. Returns the bytes written.
@@ -77,8 +84,13 @@ int32_t write_case(const ctype_rec &ct, const decoded_char &c, char *dst, const 
             return partner.length;
         }
     }
-    for (int32_t i = 0; i < c.length; ++i)
-        dst[i] = src[i];
+    dst[0] = src[0];
+    if (c.length > 1)
+        dst[1] = src[1];
+    if (c.length > 2)
+        dst[2] = src[2];
+    if (c.length > 3)
+        dst[3] = src[3];
     return c.length;
 }
 
@@ -139,13 +151,12 @@ template <letter_case to> void convert_ascii_word(case_run &run) {
 // last one may go beyond. Returns false at an invalid character.
 template <letter_case to> bool convert_until(const ctype_rec &ct, case_run &run, size_t end) {
     while (run.read < end) {
-        if (ct.plain_ascii && end - run.read >= word_bytes) {
-            size_t start = run.read;
-            convert_ascii_word<to>(run);
-            if (run.read == start + word_bytes)
-                continue;
-        }
         const char *src = run.src + run.read;
+        bool ascii = static_cast<unsigned char>(*src) < 0x80;
+        if (ascii && ct.plain_ascii && end - run.read >= word_bytes) {
+            convert_ascii_word<to>(run);
+            continue;
+        }
         decoded_char c = decode_limited(ct.case_walk, src, 4);
         if (!is_char(c))
             return false;
@@ -153,6 +164,30 @@ template <letter_case to> bool convert_until(const ctype_rec &ct, case_run &run,
         run.written += static_cast<size_t>(write_case<to>(ct, c, run.dst + run.written, src));
     }
     return true;
+}
+
+// Converts single bytes by their map, words of nothing but ASCII by the word.
+template <letter_case to>
+void convert_bytes(const ctype_rec &ct, const uint8_t *map, case_run &run, size_t end) {
+    const auto *src = reinterpret_cast<const unsigned char *>(run.src);
+    auto *dst = reinterpret_cast<unsigned char *>(run.dst);
+    size_t i = 0;
+    for (; end - i >= word_bytes; i += word_bytes) {
+        unsigned char bytes[word_bytes];
+        uint64_t word;
+        memcpy(&word, src + i, word_bytes);
+        if (ct.plain_ascii && ascii_bytes(word) == word_bytes) {
+            word = ascii_word_case<to>(word);
+            memcpy(dst + i, &word, word_bytes);
+            continue;
+        }
+        for (size_t k = 0; k < word_bytes; ++k)
+            bytes[k] = map[src[i + k]];
+        memcpy(dst + i, bytes, word_bytes);
+    }
+    for (; i < end; ++i)
+        dst[i] = map[src[i]];
+    run.read = run.written = end;
 }
 
 // The same up to the terminator for code sets with wide units.
@@ -189,33 +224,29 @@ template <letter_case to>
 int32_t multibyte_text(locale_rec *lc, char *dst, const char *src, uint32_t count) {
     const locale_rec &l = locale_or_ascii(lc);
     const uint8_t *map = byte_map<to>(l);
-    if (map) {
-        size_t length = strnlen(src, count);
-        for (size_t i = 0; i < length; ++i)
-            dst[i] = static_cast<char>(map[static_cast<unsigned char>(src[i])]);
-        dst[length] = 0;
-        return static_cast<int32_t>(length);
-    }
     case_run run = {.src = src, .dst = dst};
-    if (!convert_multibyte<to>(l.ctype_cat, run, count, lc)) {
-        set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-        return -1;
+    if (map) {
+        convert_bytes<to>(l.ctype_cat, map, run, strnlen(src, count));
+        dst[run.written] = 0;
+        return static_cast<int32_t>(run.written);
     }
+    if (!convert_multibyte<to>(l.ctype_cat, run, count, lc))
+        return failed(lc, GLS_ERR_BAD_CHARACTER);
     gl_mbsterm(lc, dst + run.written);
     return static_cast<int32_t>(run.written);
 }
 
 template <letter_case to> int32_t wide_text(locale_rec *lc, gl_wchar *dst, const gl_wchar *src) {
     const locale_rec &l = locale_or_ascii(lc);
+    const ctype_rec &ct = l.ctype_cat;
     const uint8_t *map = byte_map<to>(l);
     for (; *src != 0; ++src, ++dst) {
-        bool valid = map ? *src <= 0xff : wide_case<to>(l.ctype_cat, *src, *dst);
-        if (!valid) {
-            set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-            return -1;
-        }
-        if (map)
-            *dst = map[*src];
+        multi_step step = {0, multi_end};
+        if (!map)
+            step = wide_step(ct, ct.case_walk, ct.case_prefixes, *src);
+        if (map ? *src > 0xff : step.next != multi_end)
+            return failed(lc, GLS_ERR_BAD_CHARACTER);
+        *dst = map ? map[*src] : partner_of<to>(ct, step, *src);
     }
     *dst = 0;
     return 0;

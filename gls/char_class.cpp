@@ -26,6 +26,20 @@ constexpr int32_t mask_bits_left = 20;
 
 uint32_t named_mask(int32_t bit) { return bit >= 0 && bit <= mask_bits_left ? CT_NAMED << bit : 0; }
 
+// What an invalid character gives.
+uint32_t no_class(locale_rec *lc, int32_t error) {
+    set_engine_error(lc, error);
+    return 0;
+}
+
+// The rare ways of a class question, out of the common one's way: a null locale, a character
+// without a prefix, an invalid one.
+[[gnu::noinline]] uint32_t rare_wide_class(locale_rec *lc, gl_wchar wc, uint32_t mask) {
+    const ctype_rec &ct = ctype_of(lc);
+    multi_step step = wide_step(ct, ct.class_walk, ct.class_prefixes, wc);
+    return step.next == multi_end ? step.datum & mask : no_class(lc, GLS_ERR_BAD_CHARACTER);
+}
+
 } // namespace
 
 uint32_t gl_ctype(locale_rec *lc, const char *name) {
@@ -44,12 +58,13 @@ uint32_t gl_ctype(locale_rec *lc, const char *name) {
 }
 
 uint32_t _gl_im_iswctype(locale_rec *lc, gl_wchar wc, uint32_t mask) {
-    const ctype_rec &ct = ctype_of(lc);
-    multi_step step = walk_wide(ct.class_walk, wc, ct.mb_loc_min);
-    if (step.next == multi_end)
-        return step.datum & mask;
-    set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-    return 0;
+    if (lc && has_prefix(lc->ctype_cat, wc)) {
+        multi_step step =
+            step_by_prefix(lc->ctype_cat.class_walk, lc->ctype_cat.class_prefixes, wc);
+        if (step.next == multi_end)
+            return step.datum & mask;
+    }
+    return rare_wide_class(lc, wc, mask);
 }
 
 uint32_t _gl_im_ismctype(locale_rec *lc, const char *s, uint32_t mask) {
@@ -59,15 +74,10 @@ uint32_t _gl_im_ismctype(locale_rec *lc, const char *s, uint32_t mask) {
 uint32_t _qvt_gl_im_ismctype(locale_rec *lc, const char *s, int32_t limit, uint32_t mask) {
     if (!s)
         return 0;
-    if (limit < 1 && limit != -1) {
-        set_engine_error(lc, GLS_ERR_SPECIFIER);
-        return 0;
-    }
+    if (limit < 1 && limit != -1)
+        return no_class(lc, GLS_ERR_SPECIFIER);
     const ctype_rec &ct = ctype_of(lc);
     decoded_char c =
         limit == -1 ? decode_text(ct, ct.class_walk, s) : decode_limited(ct.class_walk, s, limit);
-    if (is_char(c))
-        return c.step.datum & mask;
-    set_engine_error(lc, decode_error(c));
-    return 0;
+    return is_char(c) ? c.step.datum & mask : no_class(lc, decode_error(c));
 }

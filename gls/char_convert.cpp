@@ -10,19 +10,61 @@ using namespace kestrion;
 
 namespace {
 
-// Settles the limit of an operation that takes -1 for a terminated text. Returns false when there
-// is nothing to decode; the error word then says why.
-bool settle_limit(locale_rec *lc, const char *s, int32_t &limit) {
+// The limit for an operation that got one below 1, where -1 stands for a terminated text; 0 when
+// there is nothing to decode, with the error word set.
+[[gnu::cold]] int32_t settled_limit(locale_rec *lc, const char *s, int32_t limit) {
     if (limit == -1) {
         int32_t bytes = gl_mbsbytes(lc, s);
         if (bytes < 1)
-            return false;
+            return 0;
         limit = bytes - ctype_of(lc).mb_loc_min;
     }
-    if (limit >= 1)
-        return true;
-    set_engine_error(lc, GLS_ERR_SPECIFIER);
-    return false;
+    if (limit < 1)
+        set_engine_error(lc, GLS_ERR_SPECIFIER);
+    return limit < 1 ? 0 : limit;
+}
+
+// What a finished character gives: its length, and 0 for the zero character.
+inline int32_t decoded(gl_wchar *out, gl_wchar wide, int32_t length) {
+    *out = wide;
+    if (wide == 0) [[unlikely]]
+        return length_of_zero();
+    return length;
+}
+
+// Decodes one character near the end of its text.
+[[gnu::noinline]] int32_t decode_near_end(locale_rec *lc, gl_wchar *out, const char *text,
+                                          int32_t limit) {
+    decoded_char c = decode_limited(ctype_of(lc).class_walk, text, limit);
+    return is_char(c) ? decoded(out, c.wide, c.length) : failed(lc, decode_error(c));
+}
+
+// Decodes one character; the limit is at least 1. Long text is walked by this: a return for each
+// length, and everything else out of the way.
+inline int32_t decode_one(locale_rec *lc, gl_wchar *out, const char *text, int32_t limit) {
+    const auto *s = reinterpret_cast<const unsigned char *>(text);
+    const multi_step *walk = ctype_of(lc).class_walk;
+    gl_wchar wide = s[0];
+    multi_step step = walk[s[0]];
+    if (step.next == multi_end)
+        return decoded(out, wide, 1);
+    if (limit < 4)
+        return decode_near_end(lc, out, text, limit);
+    for (int32_t length = 2; step.next != multi_stop && length <= 4; ++length) {
+        wide = wide << 8 | s[length - 1];
+        step = next_step(walk, step, s[length - 1]);
+        if (step.next == multi_end)
+            return decoded(out, wide, length);
+    }
+    return failed(lc, GLS_ERR_BAD_CHARACTER);
+}
+
+[[gnu::cold, gnu::noinline]] int32_t decode_by_odd_limit(locale_rec *lc, gl_wchar *out,
+                                                         const char *s, int32_t limit) {
+    if (!s)
+        return 0;
+    limit = settled_limit(lc, s, limit);
+    return limit > 0 ? decode_one(lc, out, s, limit) : -1;
 }
 
 } // namespace
@@ -30,19 +72,13 @@ bool settle_limit(locale_rec *lc, const char *s, int32_t &limit) {
 int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit) {
     if (!s)
         return 0;
-    if (limit < 1)
-        return failed(lc, GLS_ERR_SPECIFIER);
-    decoded_char c = decode_limited(ctype_of(lc).class_walk, s, limit);
-    if (!is_char(c))
-        return failed(lc, decode_error(c));
-    *out = c.wide;
-    return c.wide == 0 ? 0 : c.length;
+    return limit >= 1 ? decode_one(lc, out, s, limit) : failed(lc, GLS_ERR_SPECIFIER);
 }
 
 int32_t _qvt_gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit) {
-    if (s && limit < 1 && !settle_limit(lc, s, limit))
-        return -1;
-    return gl_full_mbtowc(lc, out, s, limit);
+    if (!s || limit < 1)
+        return decode_by_odd_limit(lc, out, s, limit);
+    return decode_one(lc, out, s, limit);
 }
 
 int32_t _qvt_gl_full_mbdescribe(locale_rec *lc, gl_wchar *out, const char *s, uint32_t *mask_out,
@@ -50,7 +86,9 @@ int32_t _qvt_gl_full_mbdescribe(locale_rec *lc, gl_wchar *out, const char *s, ui
     *mask_out = 0;
     if (!s)
         return 0;
-    if (limit < 1 && !settle_limit(lc, s, limit))
+    if (limit < 1)
+        limit = settled_limit(lc, s, limit);
+    if (limit < 1)
         return -1;
     decoded_char c = decode_limited(ctype_of(lc).class_walk, s, limit);
     if (!is_char(c))

@@ -45,7 +45,7 @@ bool measure_text(locale_rec *lc, const char *s, int32_t &bytes, int32_t &charac
 }
 
 // Code sets with wide units: a character open in front of a terminator is none.
-int32_t wide_unit_mblen(const mbl_state *state, const char *s) {
+[[gnu::noinline]] int32_t wide_unit_mblen(const mbl_state *state, const char *s) {
     decoded_char c = decode_wide_unit_text(state->walk, s, state->min_len);
     if (is_char(c))
         return c.wide == 0 ? 0 : c.length;
@@ -83,15 +83,19 @@ int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state) {
 
 int32_t _qvt_gl_fast_mblen(const mbl_state *state, const char *s) {
     const auto *bytes = reinterpret_cast<const unsigned char *>(s);
-    multi_step step = state->walk[bytes[0]];
-    if (step.next == multi_end)
-        return bytes[0] != 0;
+    const multi_step *walk = state->walk;
+    multi_step step = walk[bytes[0]];
+    if (step.next == multi_end) {
+        if (bytes[0] == 0) [[unlikely]]
+            return length_of_zero();
+        return 1;
+    }
     if (state->min_len != 1)
         return wide_unit_mblen(state, s);
-    for (int32_t i = 1; i < longest_character && step.next >= multi_first_state; ++i) {
-        step = state->walk[static_cast<size_t>(step.next) << 8 | bytes[i]];
+    for (int32_t length = 2; step.next != multi_stop && length <= longest_character; ++length) {
+        step = next_step(walk, step, bytes[length - 1]);
         if (step.next == multi_end)
-            return i + 1;
+            return length;
     }
     // A character still open at its fourth byte has the length 1; no table that loads holds one.
     return step.next == multi_stop ? failed(state->lc, GLS_ERR_BAD_CHARACTER) : 1;

@@ -5,6 +5,13 @@
 
 namespace kestrion {
 
+int32_t failed(locale_rec *lc, int32_t error) {
+    set_engine_error(lc, error);
+    return -1;
+}
+
+int32_t length_of_zero() { return 0; }
+
 decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int32_t min_len) {
     decoded_char c = decode_limited(walk, text, min_len);
     if (c.step.next < multi_first_state)
@@ -17,6 +24,16 @@ decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int
         return c;
     }
     return decode_limited(walk, text, 4);
+}
+
+multi_step walk_wide(const multi_step *walk, gl_wchar wc, int32_t min_len) {
+    multi_step step = {0, 0}; // the root
+    for (int32_t left = wide_length(wc, min_len); left > 0; --left) {
+        step = next_step(walk, step, static_cast<unsigned char>(wc >> (8 * (left - 1))));
+        if (step.next < multi_first_state && left > 1)
+            return {0, multi_stop};
+    }
+    return step;
 }
 
 namespace {
@@ -48,6 +65,7 @@ struct ascii_tables {
     multi_step case_walk[256];
     case_pair pairs[27]; // A..Z behind the unused first one
     case_text texts[2 * 27];
+    uint16_t prefixes[1]; // single bytes have none: the root
 };
 
 constexpr ascii_tables make_ascii() {
@@ -93,6 +111,9 @@ constinit const locale_rec ascii_locale = {
                   .plain_ascii = 1,
                   .class_walk = ascii.class_walk,
                   .case_walk = ascii.case_walk,
+                  .prefix_count = 1,
+                  .class_prefixes = ascii.prefixes,
+                  .case_prefixes = ascii.prefixes,
                   .case_texts = ascii.texts},
 };
 

@@ -34,27 +34,43 @@ struct decoded_char {
 
 inline bool is_char(const decoded_char &c) { return c.step.next == multi_end; }
 
-// Stores an error and gives the result of an operation that failed.
-inline int32_t failed(locale_rec *lc, int32_t error) {
-    set_engine_error(lc, error);
-    return -1;
-}
+// Stores an error and gives the result of an operation that failed. Out of line, so that the ways
+// that succeed carry nothing for it.
+[[gnu::cold]] int32_t failed(locale_rec *lc, int32_t error);
+
+// 0, the length that several operations give the zero character. Out of line, so that the test for
+// it is a branch: computed without one, each character's length would wait for its bytes, and with
+// it the next character.
+[[gnu::cold]] int32_t length_of_zero();
 
 // The error that a walk without a character means.
 inline int32_t decode_error(const decoded_char &c) {
     return c.step.next == multi_stop ? GLS_ERR_BAD_CHARACTER : GLS_ERR_SPECIFIER;
 }
 
-// Decodes within `limit` bytes, at least 1.
+// The step for a byte behind a step that goes on.
+inline multi_step next_step(const multi_step *walk, multi_step step, unsigned char byte) {
+    return walk[static_cast<size_t>(step.next) << 8 | byte];
+}
+
+// Decodes within `limit` bytes, at least 1. Written out byte by byte: the branches follow the
+// lengths of characters, which a processor predicts, so that several characters are under way at
+// once.
 inline decoded_char decode_limited(const multi_step *walk, const char *text, int32_t limit) {
     const auto *s = reinterpret_cast<const unsigned char *>(text);
-    decoded_char c = {walk[s[0]], 1, s[0]};
-    while (c.step.next >= multi_first_state && c.length < limit) {
-        c.wide = c.wide << 8 | s[c.length];
-        c.step = walk[static_cast<size_t>(c.step.next) << 8 | s[c.length]];
-        ++c.length;
-    }
-    return c;
+    gl_wchar wide = s[0];
+    multi_step step = walk[s[0]];
+    if (step.next < multi_first_state || limit < 2)
+        return {step, 1, wide};
+    wide = wide << 8 | s[1];
+    step = next_step(walk, step, s[1]);
+    if (step.next < multi_first_state || limit < 3)
+        return {step, 2, wide};
+    wide = wide << 8 | s[2];
+    step = next_step(walk, step, s[2]);
+    if (step.next < multi_first_state || limit < 4)
+        return {step, 3, wide};
+    return {next_step(walk, step, s[3]), 4, wide << 8 | s[3]};
 }
 
 // Decodes terminated text of a code set whose shortest character has several bytes: a character
@@ -77,18 +93,21 @@ inline int32_t wide_length(gl_wchar wc, int32_t min_len) {
 
 // Walks the bytes of a wide character, highest first. Returns the last step; one whose `next` is
 // not multi_end means that there is no such character.
-inline multi_step walk_wide(const multi_step *walk, gl_wchar wc, int32_t min_len) {
-    int32_t left = wide_length(wc, min_len);
-    uint32_t state = 0;
-    for (;;) {
-        --left;
-        multi_step step = walk[static_cast<size_t>(state) << 8 | (wc >> (8 * left) & 0xff)];
-        if (left == 0)
-            return step.next >= multi_first_state ? multi_step{0, multi_stop} : step;
-        if (step.next < multi_first_state)
-            return {0, multi_stop};
-        state = step.next;
-    }
+multi_step walk_wide(const multi_step *walk, gl_wchar wc, int32_t min_len);
+
+// Whether a wide character's step is found by its prefix, in two loads: those of one to three
+// bytes, unless every character has more bytes than one.
+inline bool has_prefix(const ctype_rec &ct, gl_wchar wc) { return wc >> 8 < ct.prefix_count; }
+
+inline multi_step step_by_prefix(const multi_step *walk, const uint16_t *prefixes, gl_wchar wc) {
+    return walk[static_cast<size_t>(prefixes[wc >> 8]) << 8 | (wc & 0xff)];
+}
+
+// The same for any wide character.
+inline multi_step wide_step(const ctype_rec &ct, const multi_step *walk, const uint16_t *prefixes,
+                            gl_wchar wc) {
+    return has_prefix(ct, wc) ? step_by_prefix(walk, prefixes, wc)
+                              : walk_wide(walk, wc, ct.mb_loc_min);
 }
 
 // Writes the bytes of a wide character to dst[0..4). Returns their count, 0 when there is no such

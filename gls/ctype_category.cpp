@@ -184,6 +184,34 @@ bool flatten(locale_rec *lc, multi_arr *table, const multi_step *&walk) {
     return true;
 }
 
+// Wide characters of more bytes than their prefixes are listed for are walked byte by byte.
+constexpr uint32_t one_byte_prefixes = 0x100;
+constexpr uint32_t two_byte_prefixes = 0x10000;
+
+uint32_t prefixes_for(const ctype_rec &ct) {
+    return ct.mb_loc_min != 1 ? 0 : ct.mb_loc_max <= 2 ? one_byte_prefixes : two_byte_prefixes;
+}
+
+// The state behind `byte`; multi_end, from which nothing goes on, where the byte leads to none.
+uint16_t state_behind(const multi_step *walk, size_t state, size_t byte) {
+    uint16_t next = walk[state << 8 | byte].next;
+    return next >= multi_first_state ? next : multi_end;
+}
+
+// Lists the states behind all bytes of a wide character but the last.
+bool list_prefixes(locale_rec *lc, const multi_step *walk, uint32_t count, uint16_t *&prefixes) {
+    if (count == 0)
+        return true;
+    if (!make_array(lc, prefixes, count))
+        return false;
+    for (size_t first = 1; first < one_byte_prefixes; ++first) {
+        prefixes[first] = state_behind(walk, 0, first);
+        for (size_t second = 0; count == two_byte_prefixes && second < 0x100; ++second)
+            prefixes[first << 8 | second] = state_behind(walk, prefixes[first], second);
+    }
+    return true;
+}
+
 // Makes what the lookups use, and checks what they take for granted.
 bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
     const multi_arr *classes = ct.class_table;
@@ -194,6 +222,11 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
         return false;
     ct.mb_loc_max = classes->max_len;
     ct.mb_loc_min = classes->min_len;
+    uint32_t prefixes = prefixes_for(ct);
+    if (!list_prefixes(lc, ct.class_walk, prefixes, ct.class_prefixes) ||
+        !list_prefixes(lc, ct.case_walk, prefixes, ct.case_prefixes))
+        return false;
+    ct.prefix_count = prefixes;
     if (!spell_partners(lc, ct))
         return false;
     case_check check = {.table = cases, .ct = &ct};
@@ -286,6 +319,8 @@ void free_ctype(locale_rec *lc) {
     _gl_free_multi(ct.case_index);
     _gl_free_ptr(ct.case_pairs);
     _gl_free_ptr(ct.case_texts);
+    _gl_free_ptr(ct.class_prefixes);
+    _gl_free_ptr(ct.case_prefixes);
     ct = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters};
 }
 

@@ -71,7 +71,10 @@ struct ctype_rec {
     int32_t plain_ascii;          // 1: the bytes 01-7F are characters with the case of ASCII
     const multi_step *class_walk; // the flat form of class_table, never null
     const multi_step *case_walk;  // the flat form of case_index, never null
-    case_text *case_texts;        // upper and lower partner of each pair, [2 * index]
+    uint32_t prefix_count;    // entries of the next two: wide characters below this << 8 use them
+    uint16_t *class_prefixes; // state of class_walk by all bytes of a wide character but the last
+    uint16_t *case_prefixes;  // the same of case_walk
+    case_text *case_texts;    // upper and lower partner of each pair, [2 * index]
 };
 
 // A sequence of characters that a collation row stands for.

@@ -57,8 +57,8 @@ struct multi_step {
     uint16_t next;  // multi_stop, multi_end, or the next state
 };
 
-inline constexpr uint32_t multi_stop = 0;        // no such sequence
-inline constexpr uint32_t multi_end = 1;         // a sequence ends here
+inline constexpr uint32_t multi_stop = 0; // no such sequence
+inline constexpr uint32_t multi_end = 1;  // a sequence ends here; as a state, nothing follows
 inline constexpr uint32_t multi_first_state = 2; // states below the root; the root is state 0
 
 struct multi_arr {

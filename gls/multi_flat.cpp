@@ -103,7 +103,7 @@ bool flattening::place(const multi_node *node, uint32_t &state) {
             return true;
         }
     }
-    // The row behind the root's is left empty: the number 1 means the end of a sequence.
+    // The row behind the root's is that of the number 1, the end of a sequence, and stays empty.
     state = states == 0 ? 0 : states;
     states = states == 0 ? multi_first_state : states + 1;
     if (states > max_states || (states > capacity && !grow()))
@@ -112,7 +112,7 @@ bool flattening::place(const multi_node *node, uint32_t &state) {
         *place_of(node) = {node, state};
         ++seen_count;
     }
-    std::memset(walk + (static_cast<size_t>(state) << 8), 0, row_size);
+    std::memset(walk + (static_cast<size_t>(state) << 8), 0, state == 0 ? 2 * row_size : row_size);
     if (has_rows())
         rows[state] = node->data != nullptr ? node->data : table->default_row;
     for (size_t b = 0; b < gl_bytes; ++b) {
