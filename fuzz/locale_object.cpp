@@ -1,0 +1,66 @@
+// A locale object of any bytes: it is refused and leaves nothing behind, or it loads and the
+// operations on characters serve a text that ends at the end of its block.
+
+#include "gls/categories.h"
+#include "gls/char_case.h"
+#include "gls/char_class.h"
+#include "gls/char_convert.h"
+#include "gls/char_length.h"
+#include "gls/char_width.h"
+#include "gls/locale_file.h"
+
+#include <stddef.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+namespace {
+
+void use_characters(locale_rec *lc, const uint8_t *data, size_t size) {
+    size_t count = size < 64 ? size : 64;
+    size_t end = static_cast<size_t>(gl_mb_loc_min(lc));
+    char *text = static_cast<char *>(malloc(count + end));
+    memcpy(text, data + (size - count), count);
+    memset(text + count, 0, end);
+    int32_t length = static_cast<int32_t>(count);
+    size_t room = static_cast<size_t>(gl_case_conv_outbuflen(lc, length)) + end;
+    char *out = static_cast<char *>(malloc(room + 1));
+    gl_wchar wide[80];
+
+    gl_tombsupper(lc, out, text);
+    gl_tombslower(lc, out, text);
+    gl_mbsbytes(lc, text);
+    gl_mbswidth(lc, text, 80);
+    _qvt_gl_im_mbfslen(lc, text, length);
+    _qvt_gl_im_mbfstowcfs(lc, wide, text, length, 64);
+    for (int32_t i = 0; i < length; ++i) {
+        uint32_t mask;
+        _qvt_gl_full_mbdescribe(lc, wide, text + i, &mask, 0xffff, length - i);
+        _gl_im_towlower(lc, wide[0]);
+        _gl_im_iswctype(lc, static_cast<gl_wchar>(i) * 0x01010101u, 0xffff);
+    }
+    free(out);
+    free(text);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    locale_rec *lc;
+    if (size == 0 || gl_create_null_locale_4(&lc) != 0)
+        return 0;
+    for (int32_t category = GL_CAT_CTYPE; category <= GL_CAT_MESSAGES; ++category) {
+        FILE *file = fmemopen(const_cast<uint8_t *>(data), size, "r");
+        gl_free_category(lc, category);
+        gl_make_null_category(lc, category);
+        if (read_one_category(lc, category, file) != 0 && category == GL_CAT_CTYPE &&
+            gl_mb_loc_max(lc) != 0)
+            abort();
+        fclose(file);
+    }
+    update_locale(lc);
+    use_characters(lc, data, size);
+    gl_lc_unload(lc);
+    return 0;
+}
