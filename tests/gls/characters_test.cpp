@@ -42,8 +42,8 @@ public:
 
 std::string hex(std::string_view bytes) {
     std::string text;
-    for (unsigned char byte : bytes)
-        text += hex_text(byte, 2);
+    for (char byte : bytes)
+        text += hex_text(static_cast<unsigned char>(byte), 2);
     return text;
 }
 
@@ -450,7 +450,9 @@ TEST(CharWidth, PrintableCharactersHaveOneColumnOrTwo) {
     EXPECT_EQ(gl_mbspwidth(lc, text, text + 3), 3);
     EXPECT_EQ(gl_mbspwidth(lc, text + 1, text), -1);
     EXPECT_EQ(lc.error(), GLS_ERR_END_BEFORE_START);
-    EXPECT_EQ(gl_mbspwidth(lc, "\xff", "\xff" + 1), -1);
+    const char *bad = "\xff";
+    EXPECT_EQ(gl_mbspwidth(lc, bad, bad + 1), -1);
+    EXPECT_EQ(lc.error(), GLS_ERR_BAD_CHARACTER) << "what the walk said stays";
     EXPECT_EQ(gl_wcspwidth(lc, wide, wide + 2), 3);
     loaded plain(latin1());
     EXPECT_EQ(gl_wcwidth(plain, 0xe9), 1) << "a locale without the class";

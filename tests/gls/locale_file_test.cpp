@@ -183,10 +183,10 @@ TEST(Collation, RowsTellIgnoredAndEquivalentCharacters) {
         EXPECT_STREQ(r.equiv_pairs[i].last, wanted[i].second);
     }
     EXPECT_EQ(i, std::size(wanted));
-    EXPECT_EQ(r.sb_expansions[0]['d'], &r.expansions[0]);
-    EXPECT_EQ(r.sb_expansions[1]['b'], nullptr);
-    EXPECT_EQ(r.contraction_start['c'], 1);
-    EXPECT_EQ(r.contraction_start['h'], 0);
+    EXPECT_EQ(r.sb_expansions[0][size_t{'d'}], &r.expansions[0]);
+    EXPECT_EQ(r.sb_expansions[1][size_t{'b'}], nullptr);
+    EXPECT_EQ(r.contraction_start[size_t{'c'}], 1);
+    EXPECT_EQ(r.contraction_start[size_t{'h'}], 0);
 
     object.sections[1] = "thai_smo\n";
     ASSERT_TRUE(lc.read(GL_CAT_COLLATE, object.all()));

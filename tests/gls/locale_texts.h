@@ -55,8 +55,8 @@ struct code_set {
 
 inline gl_wchar packed(std::string_view bytes) {
     gl_wchar wide = 0;
-    for (unsigned char byte : bytes)
-        wide = wide << 8 | byte;
+    for (char byte : bytes)
+        wide = wide << 8 | static_cast<unsigned char>(byte);
     return wide;
 }
 
@@ -179,8 +179,8 @@ inline std::string hex_text(uint64_t value, int digits) {
 inline std::string field(std::string_view text) {
     std::string line = std::to_string(text.size());
     line += text.empty() ? "" : " ";
-    for (unsigned char byte : text)
-        line += hex_text(byte, 2);
+    for (char byte : text)
+        line += hex_text(static_cast<unsigned char>(byte), 2);
     return line + "\n";
 }
 
