@@ -2,9 +2,9 @@
 
 #include "gls/categories.h"
 #include "gls/code_set_registry.h"
-#include "gls/conversion_fast.h"
 #include "gls/conversion_file.h"
 #include "gls/conversion_routines.h"
+#include "gls/conversion_tables.h"
 #include "gls/ext_funcs.h"
 #include "gls/gls_errors.h"
 #include "gls/multi.h"

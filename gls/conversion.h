@@ -69,7 +69,7 @@ struct cv_rec {
     cv_routine convert;       // chosen at load; not used when source_stateful
     void *plugin_handle;      // the Unicode plug-in's
     int32_t plugin_flag;      // 1: the plug-in serves this record
-    void *fast; // derived tables made at load (gls/conversion_routines.h), or null; owned
+    void *fast; // derived tables made at load (gls/conversion_tables.h), or null; owned
 };
 
 extern "C" {

@@ -1,6 +1,7 @@
 #include "gls/conversion_routines.h"
 
 #include "gls/conversion_fast.h"
+#include "gls/conversion_tables.h"
 #include "gls/ext_funcs.h"
 #include "gls/gls_errors.h"
 #include "gls/log.h"

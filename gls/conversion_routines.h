@@ -1,7 +1,7 @@
 // The routines behind a conversion record.
 //
 // Each converts character by character, by the rules of gl_cv_mconv. Those for a plain pair start
-// with the derived tables of gls/conversion_fast.h, which cover the inside of a text; the first
+// with gls/conversion_fast.h, which covers the inside of a text; the first
 // character that is near an end, inexact in a way that matters, or not convertible is done by the
 // routine itself, so that every result is the routine's own.
 
