@@ -12,13 +12,12 @@ using namespace kestrion;
 
 constexpr char sealed_name[] = "/etc/passwd_file";
 
-constexpr const char *usage_lines[] = {
-    "\tExample: pwsealtool -k <access_key> -e <input_filename>\n",
-    "      Encrypts <input_filename> and creates the encrypted file $KESTRIONDIR/etc/passwd_file\n",
-    "\tExample: pwsealtool -k <access_key> -d <output_filename>\n",
+constexpr char usage_examples[] =
+    "\tExample: pwsealtool -k <access_key> -e <input_filename>\n"
+    "      Encrypts <input_filename> and creates the encrypted file $KESTRIONDIR/etc/passwd_file\n"
+    "\tExample: pwsealtool -k <access_key> -d <output_filename>\n"
     "      Decrypts the file $KESTRIONDIR/etc/passwd_file and saves the decrypted output in "
-    "<output_filename>\n",
-};
+    "<output_filename>\n";
 
 // `other` becomes the path of the sealed file.
 void take_file_name(const char *value, char *path, char *other) {
@@ -36,7 +35,7 @@ void take_key(char *value) {
     if (length >= access_key_size) {
         fprintf(stderr, "Maximum access key length exceeded %d characters\n",
                 static_cast<int>(access_key_size - 1));
-        leave(status_usage);
+        leave(status_failure);
     }
     explicit_bzero(key_input, sizeof key_input); // an earlier, longer key
     memcpy(key_input, value, length + 1);
@@ -67,9 +66,8 @@ namespace kestrion {
 
 void usage() {
     print_message(s_pwusage, nullptr);
-    for (const char *line : usage_lines)
-        fputs(line, stderr);
-    leave(status_usage);
+    fputs(usage_examples, stderr);
+    leave(status_failure);
 }
 
 void read_options() {

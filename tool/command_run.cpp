@@ -7,6 +7,9 @@
 #include <stdlib.h>
 #include <string.h>
 #if defined(__x86_64__)
+#if defined(__clang__)
+#define _Bool bool // the header speaks C; g++ understands
+#endif
 #include <sys/platform/x86.h>
 #endif
 

@@ -52,10 +52,10 @@ extern command_run run;
 // To be called first: from here on every way out wipes what the run holds.
 void start_run(int argc, char **argv);
 
-// Ends the process; exit(-1) is status 255.
+// Ends the process with one of these.
 inline constexpr int status_ok = 0;
 inline constexpr int status_error = 1;
-inline constexpr int status_usage = -1;
+inline constexpr int status_failure = -1; // which a shell sees as 255
 [[noreturn]] void leave(int status);
 
 // Prints a compiled-in format and leaves with status 1. Adds neither a prefix nor a line end.

@@ -115,7 +115,7 @@ void check_text() {
         return;
     release_file();
     release_cipher();
-    leave(status_usage);
+    leave(status_failure);
 }
 
 void seal() {
@@ -123,14 +123,14 @@ void seal() {
     if (generate_internal_key(run.ctx, key_input, run.internal_key) == -1) {
         print_message(s_errkeygen, nullptr);
         release_cipher();
-        leave(status_usage);
+        leave(status_failure);
     }
     if (pw_encrypt(run.ctx, run.cipher, run.file, run.file_length, run.internal_key, key_input,
                    &run.result, &run.result_length) == -1) {
         print_message(s_errencr, nullptr);
         release_result();
         release_cipher();
-        leave(status_usage);
+        leave(status_failure);
     }
 }
 
@@ -139,7 +139,7 @@ void unseal() {
     if (extract_keys(run.ctx, run.cipher, run.file, &payload, run.internal_key,
                      run.sealed_access_key) == -1) {
         release_cipher();
-        leave(status_usage);
+        leave(status_failure);
     }
     if (compare_keys(key_input, run.sealed_access_key) != 0) {
         release_cipher();
@@ -157,14 +157,14 @@ void write_output() {
         print_message(s_errwrite, outputfile_path);
         release_result();
         release_cipher();
-        leave(status_usage);
+        leave(status_failure);
     }
     release_result();
     cipher_ctx *cipher = run.cipher;
     run.cipher = nullptr;
     if (cipher_cleanup(run.ctx, cipher) == -1) {
         print_message(s_ctxcleanup, nullptr);
-        leave(status_usage);
+        leave(status_failure);
     }
 }
 
@@ -184,5 +184,5 @@ int main(int argc, char **argv) {
     else
         unseal();
     write_output();
-    leave(pw_cleanup(run.ctx) == 0 ? status_ok : status_usage);
+    leave(pw_cleanup(run.ctx) == 0 ? status_ok : status_failure);
 }

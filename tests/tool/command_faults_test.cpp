@@ -61,6 +61,13 @@ TEST_F(CommandFaults, ARefusalOfTheProviderIsTold) {
         EXPECT_EQ(o.status, 255) << c.function;
         EXPECT_EQ(tree.sealed(), before) << c.function;
     }
+    tool.set("FAULT_ISI", "ISI_lib_version_minor"); // answers 1
+    const outcome o = seal();
+    EXPECT_EQ(o.status, 255);
+    EXPECT_NE(o.err.find("is minor version 1, but minor version 2 or higher is required"),
+              std::string::npos)
+        << o;
+    EXPECT_EQ(tree.sealed(), before);
     tool.set("FAULT_ISI", "ISI_decrypt_final");
     EXPECT_EQ(unseal().status, 255);
     EXPECT_FALSE(tree.holds("out"));
