@@ -7,7 +7,9 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,9 +20,13 @@
 #include "general/error_numbers.h"
 #include "general/gentcb.h"
 #include "general/messages.h"
+#include "gls/categories.h"
+#include "gls/conversion.h"
 #include "gls/locale_rec.h"
 #include "locale_env/environments.h"
 #include "locale_env/gls_env.h"
+#include "locale_env/parked_locale.h"
+#include "locale_env/specifiers.h"
 #include "platform/os_control.h"
 #include "support/failing_malloc.h"
 
@@ -97,6 +103,9 @@ TEST(Startup, SettlesWhatTheVariablesMean) {
         {"GL_PATH",
          {{"GL_PATH", INSTALLATION "/gls/lc11"}},
          "0 en_us/0333.lco client=en_US.8859-1* db=- date=%m/%d/%iY"},
+        {"another code set of the database",
+         {{"DB_LOCALE", "en_US.utf8"}},
+         "0 en_us/0333.lco client=en_US.8859-1* db=en_US.57372 converts date=%m/%d/%iY"},
         {"no conversion to it", {{"DB_LOCALE", "ja_JP.sjis"}}, "-23104"},
         {"an unknown code set of the database leaves the pair out",
          {{"DB_LOCALE", "en_US.nosuch"}},
@@ -209,9 +218,93 @@ TEST(Startup, AFailedConnectionLeavesTheEnvironmentBefore) {
     EXPECT_EQ(GlsEnv_List->next, nullptr);
 }
 
+// What an administrator looks at when the messages don't load: it must be there from the very first
+// call.
+TEST(Startup, TheLogTellsWhichFilesWereTried) {
+    char work[] = "/tmp/kestrion-log-XXXXXX";
+    ASSERT_NE(mkdtemp(work), nullptr);
+    const assignments variables = {{"GLSLOG", "on"}, {"CLIENT_LOCALE", "xx_XX.819"}};
+    in_child(variables, [&] {
+        if (chdir(work) == 0)
+            ggetenv("DBPATH");
+        return std::string();
+    });
+    std::ifstream in(std::string(work) + "/gls.log");
+    const std::string log{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_NE(log.find("GLS log started"), std::string::npos);
+    EXPECT_NE(log.find("Opened: " INSTALLATION "/gls/cm3/registry"), std::string::npos) << log;
+    EXPECT_NE(log.find("Could not open: " INSTALLATION "/gls/lc11/xx_xx/0333.lco"),
+              std::string::npos)
+        << log;
+    std::filesystem::remove_all(work);
+}
+
+// Environment values come out in the program's code set once a conversion from the system's is in
+// place.
+TEST(Startup, EightBitValuesAreConverted) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    cv_rec *cv = nullptr;
+    ASSERT_EQ(gl_cv_load(&cv, "en_US.utf8", "en_US.819", nullptr, nullptr), 1);
+    locale_rec *lc = CheckGlsEnv()->cur_lc;
+    ASSERT_EQ(restorelang(0, lc, nullptr, nullptr, nullptr, cv, nullptr), 0);
+    setenv("DBPATH", "/tmp/\xe4\xdf", 1);
+    EXPECT_STREQ(ggetenv("DBPATH"), "/tmp/\xc3\xa4\xc3\x9f");
+    setenv("DBPATH", "/tmp/plain", 1);
+    EXPECT_EQ(ggetenv("DBPATH"), getenv("DBPATH")) << "a 7-bit value is the environment's own";
+}
+
+TEST(Startup, AParkedLocaleComesBack) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    GlsEnv &env = *CheckGlsEnv();
+    locale_rec *own = env.cur_lc;
+    locale_rec *other = nullptr;
+    int32_t is_gls[GLS_SLOTS];
+    ASSERT_EQ(get_locale(&other, "fr_FR.819", is_gls), 0);
+    ASSERT_EQ(restorelang(2, other, own, nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_STREQ(env.state->lc_spec[GLS_SLOT_CTYPE], "fr_FR.819");
+    ASSERT_EQ(restoreploc(), 0);
+    EXPECT_EQ(env.cur_lc, own);
+    EXPECT_EQ(env.state->saved_lc, nullptr);
+    EXPECT_STREQ(env.state->lc_spec[GLS_SLOT_CTYPE], "en_US.819");
+    EXPECT_EQ(env.state->dbnls, 2);
+    gl_lc_unload(other);
+}
+
+struct money_row {
+    const char *client;
+    const char *dbmoney;
+    const char *front;
+    const char *back;
+};
+
+TEST(Startup, CurrencySymbolsComeFromDbmoneyElseFromTheLocale) {
+    const money_row rows[] = {
+        {"en_US.819", nullptr, "$", ""},
+        {"de_DE.utf8", nullptr, "", "\xe2\x82\xac"},
+        {"de_DE.utf8", "DM,", "DM", ""},
+        {"en_US.819", "(.)", "(", ")"},
+    };
+    for (const money_row &row : rows) {
+        assignments variables = {{"CLIENT_LOCALE", row.client}};
+        if (row.dbmoney != nullptr)
+            variables.emplace_back("DBMONEY", row.dbmoney);
+        EXPECT_EQ(in_child(variables,
+                           [] {
+                               if (thr_initgls(GLS_MODE_CLIENT) != 0)
+                                   return std::string("no locale");
+                               const new_gls_env_rec &state = *CheckGlsEnv()->state;
+                               return std::string(state.mon_front) + "|" + state.mon_back;
+                           }),
+                  std::string(row.front) + "|" + row.back);
+    }
+}
+
 // Each allocation of a start refused in turn: a stated error, and the next try succeeds.
 TEST(Startup, SurvivesEveryRefusedAllocation) {
     setenv("KESTRIONDIR", INSTALLATION, 1);
+    setenv("DB_LOCALE", "en_US.utf8", 1);
     CheckGenInit();
     ggetenv("DBPATH"); // loads the registry, whose failure ends the process
     size_t failures = 0;
