@@ -178,7 +178,7 @@ locspec_choice choose(const char *spec0, const char *spec1, const char *client, 
 extern "C" {
 
 void prependos(const char *name, char *out) {
-    memcpy(out, "os/", 3);
+    memcpy(out, "os/", sizeof "os/");
     cut_copy(name, out + 3, os_name_size - 3);
 }
 
