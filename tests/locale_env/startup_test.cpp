@@ -29,6 +29,7 @@
 #include "locale_env/specifiers.h"
 #include "platform/os_control.h"
 #include "support/failing_malloc.h"
+#include "support/stated_leaks.h"
 
 namespace {
 
@@ -212,6 +213,7 @@ TEST(Startup, AFailedConnectionLeavesTheEnvironmentBefore) {
     setenv("KESTRIONDIR", INSTALLATION, 1);
     ASSERT_EQ(chkglsinit(), 0);
     setenv("CLIENT_LOCALE", "xx_XX.819", 1);
+    const stated_leaks settings_of_the_failed_environment;
     EXPECT_EQ(cdrInitGlsEnv(), err_locale_load);
     EXPECT_EQ(CheckGlsEnv(), &gls_env);
     EXPECT_NE(gls_env.cur_lc, nullptr);
