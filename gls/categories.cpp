@@ -31,7 +31,8 @@ template <auto member> void copy(locale_rec *dest, const locale_rec *source) {
 }
 
 void copy_ctype(locale_rec *dest, const locale_rec *source) {
-    free_byte_tables(dest); // made again from the copy
+    free_byte_tables(dest); // made again from the copy, when it is settled what it is
+    dest->is_single_byte = 0;
     dest->ctype_cat = source->ctype_cat;
     dest->case_expansion = source->case_expansion;
 }
@@ -93,10 +94,12 @@ bool name_of_environment(const char *keyword, char *out) {
     return copy_name(value, value + strlen(value), out);
 }
 
-// A name must stay below the directory where it is looked for.
+// A name must stay below the directory where it is looked for. Its separators are slashes, and the
+// mark that becomes one when the file is opened.
 bool climbs(const char *name) {
+    constexpr char separators[] = {'/', '\\', gl_directory_mark, 0};
     while (*name != 0) {
-        size_t length = strcspn(name, "/\\");
+        size_t length = strcspn(name, separators);
         if (length == 2 && name[0] == '.' && name[1] == '.')
             return true;
         name += length;

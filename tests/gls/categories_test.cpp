@@ -90,6 +90,10 @@ TEST_F(Categories, BadSettingsAreRefused) {
         {GL_CAT_CTYPE, "missing.lco", GLS_ERR_FILE},
         {GL_CAT_CTYPE, "../latin.lco", GLS_ERR_FILE},
         {GL_CAT_CTYPE, "a/../latin.lco", GLS_ERR_FILE},
+        {GL_CAT_CTYPE,
+         "a\xff..\xff"
+         "latin.lco",
+         GLS_ERR_FILE}, // marks become slashes
         {GL_CAT_CTYPE, std::string(312, ' '), GLS_ERR_ARGUMENT},
         {GL_CAT_CTYPE, std::string(311, ' '), GLS_ERR_FILE},
         {0, "latin.lco", GLS_ERR_ARGUMENT},
@@ -118,6 +122,21 @@ TEST_F(Categories, AFailedCategoryIsEmptyAndTheEarlierOnesStay) {
     EXPECT_EQ(gl_mb_loc_max(lc), 1);
     EXPECT_STREQ(lc->time_cat.d_fmt, "");
     EXPECT_STREQ(lc->messages_cat.yesstr, "yes") << "the work ends at the failure";
+}
+
+// A code set may grow from one object to the next; the texts that are read before the record is
+// settled are already walked by the new one.
+TEST_F(Categories, ARecordOfSingleBytesTakesAMultibyteObject) {
+    code_set grown = two_byte();
+    grown.name = "8859-1";
+    object_text object = object_of(grown);
+    object.sections[3].replace(object.sections[3].find("1 24"), 4, "2 a1a2");
+    directory.write("grown.lco", object.all());
+    ASSERT_EQ(set(GL_CAT_ALL, "latin.lco"), all("latin.lco"));
+    ASSERT_EQ(set(GL_CAT_ALL, "grown.lco"), all("grown.lco"));
+    EXPECT_EQ(lc->monetary_cat.wide_currency_symbol[0], 0xa1a2u);
+    EXPECT_EQ(lc->monetary_cat.wide_currency_symbol[1], 0u);
+    EXPECT_EQ(lc->sb_upper, nullptr);
 }
 
 TEST_F(Categories, LentDataOutliveTheBorrower) {
