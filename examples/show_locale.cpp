@@ -17,8 +17,12 @@ int main() {
         return 1;
     }
     const new_gls_env_rec &state = *CheckGlsEnv()->state;
+    // The English names come first in a list; the locale's own are its last block.
+    const gls_name_list *months = state.mon_names;
+    while (months != nullptr && months->next != nullptr)
+        months = months->next;
     std::printf("client locale %-14s date format %-12s month %s\n",
                 state.settings[GLS_CLIENT_LOCALE], state.date_fmt,
-                state.mon_names != nullptr ? state.mon_names->names[2] : "-");
+                months != nullptr ? months->names[2] : "-");
     return 0;
 }
