@@ -305,8 +305,8 @@ namespace kestrion {
 bool empty_ctype(locale_rec *lc) {
     lc->ctype_cat = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters};
     lc->case_expansion = 1.0;
-    lc->is_single_byte =
-        0; // the texts of the next categories are walked before it is settled again
+    // The texts of the next categories are walked before it is settled again what this one is.
+    lc->is_single_byte = 0;
     free_byte_tables(lc);
     return make_empty_table(lc, lc->ctype_cat.class_table) &&
            make_empty_table(lc, lc->ctype_cat.case_index);
