@@ -9,8 +9,6 @@
 #include "gls/multi_tree.h"
 #include "gls/readers.h"
 
-#include <charconv>
-#include <math.h>
 #include <string.h>
 
 using namespace kestrion;
@@ -71,14 +69,11 @@ bool read_growth(locale_rec *lc, FILE *file) {
     char line[lco_line_limit + 2];
     if (!read_line(file, line, sizeof line))
         return refuse(lc, GLS_ERR_MALFORMED);
-    double growth = lco_growth_default;
-    const char *end = line + strlen(line) - 1;
-    if (end != line) {
-        auto parsed = std::from_chars(line, end, growth);
-        if (parsed.ec != std::errc() || parsed.ptr != end || !isfinite(growth) || growth < 0 ||
-            growth > lco_growth_limit)
-            return refuse(lc, GLS_ERR_MALFORMED);
-    }
+    const char *end = line;
+    const double growth = line[0] == '\n' ? lco_growth_default : c_locale_number(line, &end);
+    const bool is_decimal = line[strspn(line, "0123456789.eE+-")] == '\n'; // not "inf", not " 2"
+    if (*end != '\n' || !is_decimal || growth < 0 || growth > lco_growth_limit)
+        return refuse(lc, GLS_ERR_MALFORMED);
     lc->case_expansion = growth;
     return true;
 }

@@ -3,10 +3,10 @@
 #include "gls/ascii_class.h"
 #include "gls/ext_funcs.h"
 
-#include <charconv>
-#include <cmath>
+#include <locale.h>
+#include <stdlib.h>
+
 #include <limits>
-#include <string_view>
 
 using namespace kestrion;
 
@@ -43,22 +43,15 @@ uint64_t append_digit(uint64_t magnitude, unsigned digit, uint64_t limit) {
     return magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
 }
 
-double to_double(std::string_view text) {
-    // A plus sign is the one thing that numbers may start with and from_chars does not take.
-    if (text.starts_with('+') && !text.starts_with("+-"))
-        text.remove_prefix(1);
-    double value = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (result.ec == std::errc::result_out_of_range) {
-        // Within 80 characters only an exponent leads out of range, and its sign says where to.
-        const size_t exponent = text.find_first_of("eE");
-        const bool tiny = exponent != text.npos && text.substr(exponent + 1).starts_with('-');
-        value = tiny ? 0 : text.starts_with('-') ? -HUGE_VAL : HUGE_VAL;
-    }
+} // namespace
+
+double kestrion::c_locale_number(const char *text, const char **end) {
+    locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr); // the C library's own: no memory
+    char *behind = nullptr;
+    const double value = strtod_l(text, &behind, c_locale);
+    *end = behind;
     return value;
 }
-
-} // namespace
 
 extern "C" {
 
@@ -123,9 +116,9 @@ int64_t _gl_get_int(FILE *file) {
 }
 
 double _gl_get_dbl(FILE *file) {
-    char text[max_float_length];
+    char text[max_float_length + 1];
     size_t length = 0;
-    while (length < sizeof text) {
+    while (length < max_float_length) {
         const int c = _gl_ext_getc(file);
         if (!is_float_part(c)) {
             put_back(c, file);
@@ -133,7 +126,9 @@ double _gl_get_dbl(FILE *file) {
         }
         text[length++] = static_cast<char>(c);
     }
-    return to_double({text, length});
+    text[length] = '\0';
+    const char *end = nullptr;
+    return c_locale_number(text, &end);
 }
 
 int _gl_get_str(char *buffer, size_t size, FILE *file) {

@@ -43,3 +43,12 @@ double _gl_get_dbl(FILE *file);
 // else -1.
 int _gl_get_str(char *buffer, size_t size, FILE *file);
 }
+
+namespace kestrion {
+
+// The number at the start of a text, with a point whatever the host's locale has, and where it
+// ends. A text that is no number gives 0 and ends at its start. The C++ library's own conversion
+// would bring the whole of the mathematical library into every program's start.
+double c_locale_number(const char *text, const char **end);
+
+} // namespace kestrion
