@@ -76,17 +76,6 @@ bool ends_text(const walk &w, unsigned char control, const char *character, int3
     return true;
 }
 
-const unsigned char *root_datum(const multi_arr *table, unsigned char byte) {
-    if (table->root->data == nullptr)
-        return table->default_datum;
-    return table->root->data + (static_cast<size_t>(byte) << table->shift);
-}
-
-const unsigned char *lookup(walk &w, const multi_arr *table, int32_t *used) {
-    return static_cast<const unsigned char *>(
-        _gl_retrieve_text_multi_limit(*w.source, table, w.limit(), used, w.cv));
-}
-
 bool unit_of(int32_t min_len, int32_t max_len, int32_t unit) {
     return min_len == unit && max_len == unit;
 }
@@ -94,10 +83,75 @@ bool fixed_width(int32_t min_len, int32_t max_len) {
     return unit_of(min_len, max_len, 2) || unit_of(min_len, max_len, 4);
 }
 
-// The bytes of a unit, turned round; what a datum has no room for counts as zero.
-void reverse_unit(const cv_rec *cv, const unsigned char *datum, int32_t unit, unsigned char *out) {
-    for (int32_t i = 0; i < unit; ++i)
-        out[i] = unit - i <= cv->target_max_len ? datum[unit - i] : 0;
+// Ways to find the next character: its datum and the bytes that it takes, or null with the error
+// word set.
+const unsigned char *find_byte(const walk &w, int32_t &used) {
+    const multi_arr *table = w.cv->table_normal;
+    const size_t byte = static_cast<unsigned char>(**w.source);
+    used = 1;
+    return table->root->data == nullptr ? table->default_datum
+                                        : table->root->data + (byte << table->shift);
+}
+const unsigned char *find_in(const multi_arr *table, const walk &w, int32_t &used) {
+    return static_cast<const unsigned char *>(
+        _gl_retrieve_text_multi_limit(*w.source, table, w.limit(), &used, w.cv));
+}
+const unsigned char *find_character(const walk &w, int32_t &used) {
+    return find_in(w.cv->table_normal, w, used);
+}
+const unsigned char *find_unit(const walk &w, int32_t &used) {
+    used = unit_of(w.cv->source_min_len, w.cv->source_max_len, 4) ? 4 : 2;
+    return static_cast<const unsigned char *>(
+        _gl_retrieve_little_endian_unicode_limit(*w.source, w.cv->table_normal, w.limit(), w.cv));
+}
+
+// What is written for a character, and the room that is asked for.
+struct output {
+    const unsigned char *bytes;
+    int32_t count;
+    int32_t wanted;
+};
+
+struct whole_datum {
+    output operator()(const unsigned char *datum) const {
+        const int32_t count = datum[0] & CV_LENGTH;
+        return {datum + 1, count, count};
+    }
+};
+
+// The bytes of a target unit, turned round; what a datum has no room for counts as zero.
+struct reversed_unit {
+    int32_t size;
+    int32_t wanted;
+    int32_t datum_size;
+    unsigned char bytes[cv_sequence_size] = {};
+
+    output operator()(const unsigned char *datum) {
+        for (int32_t i = 0; i < size; ++i)
+            bytes[i] = size - i <= datum_size ? datum[size - i] : 0;
+        return {bytes, size, wanted};
+    }
+};
+
+// Converts character by character without shift states. `write` is called for a mapped character.
+template <auto find, typename Write> int32_t convert_each(walk w, int32_t *lossy, Write write) {
+    for (bool end = false; !end && !w.done();) {
+        int32_t used = 0;
+        const unsigned char *datum = find(w, used);
+        if (datum == nullptr)
+            return w.fail_lookup();
+        if (datum[0] < CV_FIRST_MAPPED)
+            return w.fail_unmapped();
+        const output out = write(datum);
+        if (*w.room < out.wanted)
+            return w.fail_room();
+        if ((datum[0] & CV_INEXACT) != 0)
+            *lossy = 1;
+        end = ends_text(w, datum[0], *w.source, used);
+        w.store(out.bytes, out.count);
+        w.advance(used);
+    }
+    return 0;
 }
 
 // A converted character and what stands around it when a state changes.
@@ -157,105 +211,35 @@ void set_iconv_fps(cv_rec *cv) {
 
 int32_t sb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
                   int32_t *room, int32_t *lossy) {
-    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    const walk w = start_walk(cv, source, source_length, target, room, lossy);
     kestrion::convert_fast(cv, source, source_length, w.target, room, lossy);
-    while (!w.done()) {
-        const unsigned char *datum =
-            root_datum(cv->table_normal, static_cast<unsigned char>(**source));
-        if (datum[0] < CV_FIRST_MAPPED)
-            return w.fail_unmapped();
-        if (*room < 1)
-            return w.fail_room();
-        if ((datum[0] & CV_INEXACT) != 0)
-            *lossy = 1;
-        const bool end = ends_text(w, datum[0], *source, 1);
-        w.store(datum + 1, 1);
-        w.advance(1);
-        if (end)
-            break;
-    }
-    return 0;
+    return convert_each<find_byte>(w, lossy, [](const unsigned char *datum) {
+        return output{datum + 1, 1, 1};
+    });
 }
 
 int32_t mb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
                   int32_t *room, int32_t *lossy) {
-    walk w = start_walk(cv, source, source_length, target, room, lossy);
+    const walk w = start_walk(cv, source, source_length, target, room, lossy);
     kestrion::convert_fast(cv, source, source_length, w.target, room, lossy);
-    while (!w.done()) {
-        int32_t used = 0;
-        const unsigned char *datum = lookup(w, cv->table_normal, &used);
-        if (datum == nullptr)
-            return w.fail_lookup();
-        if (datum[0] < CV_FIRST_MAPPED)
-            return w.fail_unmapped();
-        const int32_t count = datum[0] & CV_LENGTH;
-        if (*room < count)
-            return w.fail_room();
-        if ((datum[0] & CV_INEXACT) != 0)
-            *lossy = 1;
-        const bool end = ends_text(w, datum[0], *source, used);
-        w.store(datum + 1, count);
-        w.advance(used);
-        if (end)
-            break;
-    }
-    return 0;
+    return convert_each<find_character>(w, lossy, whole_datum());
 }
 
 int32_t little_endian_unicode_target_miconv(cv_rec *cv, const char **source, int32_t *source_length,
                                             char **target, int32_t *room, int32_t *lossy) {
-    walk w = start_walk(cv, source, source_length, target, room, lossy);
     const int32_t unit = unit_of(cv->target_min_len, cv->target_max_len, 4) ? 4 : 2;
-    while (!w.done()) {
-        int32_t used = 0;
-        const unsigned char *datum = lookup(w, cv->table_normal, &used);
-        if (datum == nullptr)
-            return w.fail_lookup();
-        if (datum[0] < CV_FIRST_MAPPED)
-            return w.fail_unmapped();
-        if (*room < 2) // for both units: see the header
-            return w.fail_room();
-        if ((datum[0] & CV_INEXACT) != 0)
-            *lossy = 1;
-        unsigned char bytes[cv_sequence_size];
-        reverse_unit(cv, datum, unit, bytes);
-        const bool end = ends_text(w, datum[0], *source, used);
-        w.store(bytes, unit);
-        w.advance(used);
-        if (end)
-            break;
-    }
-    return 0;
+    constexpr int32_t wanted = 2; // for both units: see the header
+    return convert_each<find_character>(start_walk(cv, source, source_length, target, room, lossy),
+                                        lossy, reversed_unit{unit, wanted, cv->target_max_len});
 }
 
 int32_t little_endian_unicode_source_miconv(cv_rec *cv, const char **source, int32_t *source_length,
                                             char **target, int32_t *room, int32_t *lossy) {
-    walk w = start_walk(cv, source, source_length, target, room, lossy);
-    const int32_t source_unit = unit_of(cv->source_min_len, cv->source_max_len, 4) ? 4 : 2;
-    const bool wide_target =
-        cv->target_stateful == 0 && fixed_width(cv->target_min_len, cv->target_max_len);
-    while (!w.done()) {
-        const auto *datum = static_cast<const unsigned char *>(
-            _gl_retrieve_little_endian_unicode_limit(*source, cv->table_normal, w.limit(), cv));
-        if (datum == nullptr)
-            return w.fail_lookup();
-        if (datum[0] < CV_FIRST_MAPPED)
-            return w.fail_unmapped();
-        const int32_t count = wide_target ? cv->target_max_len : datum[0] & CV_LENGTH;
-        if (*room < count)
-            return w.fail_room();
-        if ((datum[0] & CV_INEXACT) != 0)
-            *lossy = 1;
-        const bool end = ends_text(w, datum[0], *source, source_unit);
-        unsigned char bytes[cv_sequence_size];
-        if (wide_target)
-            reverse_unit(cv, datum, count, bytes);
-        w.store(wide_target ? bytes : datum + 1, count);
-        w.advance(source_unit);
-        if (end)
-            break;
-    }
-    return 0;
+    const walk w = start_walk(cv, source, source_length, target, room, lossy);
+    const int32_t unit = cv->target_max_len;
+    if (cv->target_stateful == 0 && fixed_width(cv->target_min_len, unit))
+        return convert_each<find_unit>(w, lossy, reversed_unit{unit, unit, unit});
+    return convert_each<find_unit>(w, lossy, whole_datum());
 }
 
 int32_t mb_smiconv(cv_rec *cv, cv_state *state, const char **source, int32_t *source_length,
@@ -268,7 +252,7 @@ int32_t mb_smiconv(cv_rec *cv, cv_state *state, const char **source, int32_t *so
         int32_t used = 0;
         if (table == nullptr)
             return w.fail(GLS_ERR_BAD_CHARACTER, "Error in Translation.");
-        const unsigned char *datum = lookup(w, table, &used);
+        const unsigned char *datum = find_in(table, w, used);
         if (datum == nullptr)
             return w.fail_lookup();
         const unsigned char control = datum[0];
