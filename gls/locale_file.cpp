@@ -18,14 +18,14 @@ namespace {
 
 constexpr size_t line_size = lco_line_limit + 2; // the line feed and the terminator
 
-// The number behind the "=" of the head's third line; -1 when there is none.
-int64_t head_line_count(const char *line) {
+// Finds the number behind the "=" of the head's third line.
+bool head_line_count(const char *line, int64_t &count) {
     const char *number = strchr(line, '=');
     if (!number)
-        return -1;
+        return false;
     char *end;
-    int64_t count = strtoll(number + 1, &end, 10);
-    return end == number + 1 || *end != '\n' ? -1 : count;
+    count = strtoll(number + 1, &end, 10);
+    return end != number + 1 && *end == '\n';
 }
 
 bool copy_code_set_line(const char *line, char *cs_name) {
@@ -45,8 +45,8 @@ int32_t read_head_lines(FILE *file, char *cs_name) {
         return GLS_ERR_MALFORMED;
     if (strcmp(line, lco_version) != 0)
         return GLS_ERR_OBJECT_VERSION;
-    int64_t count = read_line(file, line, sizeof line) ? head_line_count(line) : -1;
-    if (count < 0)
+    int64_t count;
+    if (!read_line(file, line, sizeof line) || !head_line_count(line, count))
         return GLS_ERR_MALFORMED;
     for (; count > lco_head_lines; --count)
         if (!read_line(file, line, sizeof line))

@@ -229,6 +229,7 @@ TEST(LocaleObject, EachFaultHasItsError) {
         {2, "COMPILER_VERSION=11", "COMPILER_VERSION=10", 51},
         {2, "HEADER_LINES=4\nSOURCE=test", "HEADER_LINES=3", 0},
         {2, "HEADER_LINES=4\nSOURCE=test", "HEADER_LINES=1", 0},
+        {2, "HEADER_LINES=4\nSOURCE=test", "HEADER_LINES=-1", 0},
         {2, "HEADER_LINES=4", "HEADER_LINES=9999999", 11},
         {2, "HEADER_LINES=4", "HEADER_LINES", 11},
         {2, "HEADER_LINES=4", "HEADER_LINES=x", 11},
