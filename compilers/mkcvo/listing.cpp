@@ -46,7 +46,7 @@ void append_entries(std::string &out, const char *keyword,
 class line_reader {
 public:
     line_reader(const source_file &source, size_t number)
-        : source_(source), number_(number), left_(source.line(number)) {}
+        : source_(source), left_(source.line(number)) {}
 
     std::string_view word() {
         left_.remove_prefix(std::min(left_.find_first_not_of(' '), left_.size()));
@@ -119,7 +119,6 @@ private:
     }
 
     const source_file &source_;
-    size_t number_;
     std::string_view left_;
     std::string_view start_ = left_;
 };
