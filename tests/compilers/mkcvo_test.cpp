@@ -4,11 +4,9 @@
 #include "compilers/mkcvo/mkcvo.h"
 
 #include "gls/conversion_objects.h"
+#include "tests/compilers/command.h"
 
-#include <filesystem>
-#include <fstream>
 #include <iconv.h>
-#include <iterator>
 
 namespace fs = std::filesystem;
 using namespace kestrion;
@@ -16,28 +14,7 @@ using namespace std::string_literals;
 
 namespace {
 
-struct outcome {
-    int status;
-    std::string said;
-};
-
-outcome mkcvo(std::vector<std::string> words) {
-    words.insert(words.begin(), "mkcvo");
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    int status = 0;
-    const std::string said = text_written([&](FILE *stream) {
-        status = mkcvo_main(static_cast<int>(words.size()), argv.data(), stream);
-    });
-    return {status, said};
-}
-
-std::string content(const fs::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
+outcome mkcvo(std::vector<std::string> words) { return run_command(mkcvo_main, std::move(words)); }
 
 std::string charmap_text(const std::string &rows) {
     return "<code_set_name> T\n<comment_char> %\n<escape_char> /\n<mb_cur_min> 1\n<mb_cur_max> 2\n"
@@ -45,10 +22,8 @@ std::string charmap_text(const std::string &rows) {
            rows + "END CHARMAP\n";
 }
 
-struct Mkcvo : testing::Test {
-    void SetUp() override {
-        char name[] = "/tmp/kestrion-mkcvo-XXXXXX";
-        fs::current_path(mkdtemp(name));
+struct Mkcvo : command_test {
+    Mkcvo() {
         std::ofstream("from") << charmap_text("<U0041>..<U0043> /x41 A to C\n"
                                               "<U0044> /x81/x40 D\n"
                                               "%IRREVERSIBLE%<U0041> /x81/x41 A again\n"
@@ -69,11 +44,6 @@ struct Mkcvo : testing::Test {
                                 "<U00E4> \"<U0041><U0045>\"\n<U20AC> \"<U20A0>\";\"<U0045>\"\n"
                                 "translit_end\nEND LC_CTYPE\n";
         std::ofstream("old.cvo") << "old";
-    }
-    void TearDown() override {
-        const fs::path here = fs::current_path();
-        fs::current_path("/");
-        fs::remove_all(here);
     }
     // The object of a command line, loaded.
     static std::string object(std::vector<std::string> words) {

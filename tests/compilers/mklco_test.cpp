@@ -3,45 +3,14 @@
 
 #include "compilers/mklco/mklco.h"
 
-#include <stdio.h>
-#include <stdlib.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
-#include <gtest/gtest.h>
+#include "tests/compilers/command.h"
 
 namespace fs = std::filesystem;
 using namespace kestrion;
 
 namespace {
 
-struct outcome {
-    int status;
-    std::string said;
-};
-
-outcome mklco(std::vector<std::string> words) {
-    words.insert(words.begin(), "mklco");
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    char *text = nullptr;
-    size_t size = 0;
-    FILE *stream = open_memstream(&text, &size);
-    const int status = mklco_main(static_cast<int>(words.size()), argv.data(), stream);
-    fclose(stream);
-    outcome result = {status, text};
-    free(text);
-    return result;
-}
-
-std::string content(const fs::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
+outcome mklco(std::vector<std::string> words) { return run_command(mklco_main, std::move(words)); }
 
 // What stands in a text behind `marker` and in front of `end`.
 std::string between(const std::string &text, const std::string &marker, const std::string &end) {
@@ -62,10 +31,8 @@ constexpr const char *ctype =
     "translit_start\n<U20AC> <U4E00>;\"EUR\"\n<U0300> \"\"\ntranslit_end\n"
     "END LC_CTYPE\n";
 
-struct Mklco : testing::Test {
-    void SetUp() override {
-        char name[] = "/tmp/kestrion-mklco-XXXXXX";
-        fs::current_path(mkdtemp(name));
+struct Mklco : command_test {
+    Mklco() {
         fs::create_directory("locales");
         fs::create_directory("charmaps");
         std::string rows;
@@ -81,11 +48,6 @@ struct Mklco : testing::Test {
             << "<code_set_name> T\n<comment_char> %\n<escape_char> /\nCHARMAP\n"
             << rows << "END CHARMAP\nWIDTH\n<U3000> 2\n<U00DF> 0\nEND WIDTH\n";
         std::ofstream("old.lco") << "old";
-    }
-    void TearDown() override {
-        const fs::path here = fs::current_path();
-        fs::current_path("/");
-        fs::remove_all(here);
     }
 
     // Compiles a source whose sections hold no more than these lines.

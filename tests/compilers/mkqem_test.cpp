@@ -2,61 +2,23 @@
 
 #include "compilers/mkqem/mkqem.h"
 
-#include <stdio.h>
-#include <stdlib.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
-#include <gtest/gtest.h>
+#include "tests/compilers/command.h"
 
 namespace fs = std::filesystem;
 using namespace kestrion;
 
 namespace {
 
-struct outcome {
-    int status;
-    std::string said;
-};
+outcome mkqem(std::vector<std::string> words) { return run_command(mkqem_main, std::move(words)); }
 
-outcome mkqem(std::vector<std::string> words) {
-    words.insert(words.begin(), "mkqem");
-    std::vector<char *> argv;
-    for (std::string &word : words)
-        argv.push_back(word.data());
-    argv.push_back(nullptr);
-    char *text = nullptr;
-    size_t size = 0;
-    FILE *stream = open_memstream(&text, &size);
-    const int status = mkqem_main(static_cast<int>(words.size()), argv.data(), stream);
-    fclose(stream);
-    outcome result = {status, text};
-    free(text);
-    return result;
-}
-
-std::string content(const fs::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-struct Mkqem : testing::Test {
-    void SetUp() override {
-        char name[] = "/tmp/kestrion-mkqem-XXXXXX";
-        fs::current_path(mkdtemp(name));
+struct Mkqem : command_test {
+    Mkqem() {
         std::ofstream("en.msg") << "$args 2 text\n1 one\n2 two %s\n";
         std::ofstream("part.msg") << "1 eins\n";
         std::ofstream("wide.msg") << "1 \xE2\x82\xAC\n2 %s\n"; // EURO SIGN
         std::ofstream("bad.msg") << "1 one %d\n";
         std::ofstream("extra.msg") << "1 eins\n2 zwei\n";
         std::ofstream("old.qem") << "old";
-    }
-    void TearDown() override {
-        const fs::path here = fs::current_path();
-        fs::current_path("/");
-        fs::remove_all(here);
     }
 };
 

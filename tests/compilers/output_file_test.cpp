@@ -2,19 +2,14 @@
 
 #include "compilers/output_file.h"
 
+#include "tests/compilers/command.h"
+
 #include <errno.h>
 #include <fcntl.h>
-#include <stdio.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-
-#include <gtest/gtest.h>
 
 #include "compilers/diagnostics.h"
 
@@ -56,11 +51,6 @@ const output_calls failing_calls = {
                  const char *to) { return fails() ? refuse(EXDEV) : ::rename(from, to); },
     .unlink = ::unlink,
 };
-
-std::string content(const fs::path &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 struct OutputFile : testing::Test {
     void SetUp() override {
