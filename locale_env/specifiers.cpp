@@ -317,8 +317,8 @@ void mklocspec(const char *spec0, const char *spec1, char *out, int flag_a, int 
     pieces db{};
     if (choice.convert)
         split(spec0, db);
-    mk1loccat(spec0, GLS_SLOT_CTYPE, out, 0, "", 1);
-    mk1loccat(spec1, GLS_SLOT_COLLATE, out, 0, "", 1);
+    mk1loccat(spec0, GLS_SLOT_CTYPE, out, 0, "", keep);
+    mk1loccat(spec1, GLS_SLOT_COLLATE, out, 0, "", keep);
     for (int slot = GLS_SLOT_NUMERIC; slot < GLS_SLOTS; ++slot)
         mk1loccat(choice.value, slot, out, choice.convert, db.cs, 1);
 }

@@ -58,8 +58,9 @@ void chglcfile2sp(const char *fname, char *out, int32_t *is_gls);
 int restorelocsp(locale_rec *lc);
 
 // Makes the specifier for a client that works on a database whose categories are `spec0` (CTYPE)
-// and `spec1` (COLLATE), in out[0..gls_composite_size). flag_a, flag_b  with bit 1 of lc_flags or
-// an equal client locale: take `spec0` alone. keep            copy `spec0`, where it stands alone,
-// to all slots.
+// and `spec1` (COLLATE), in out[0..gls_composite_size).
+// flag_a, flag_b  with bit 1 of lc_flags or an equal client locale: take `spec0` alone.
+// keep            non-zero: the slots of CTYPE and COLLATE, and all six where `spec0` stands alone,
+//                 follow the database. The last four of a composite always follow.
 void mklocspec(const char *spec0, const char *spec1, char *out, int flag_a, int flag_b, int keep);
 }

@@ -80,7 +80,7 @@ struct locspec_row {
     const char *client; // null: not set
     int lc_flags;
     const char *spec1;
-    int flag_a, flag_b;
+    int flag_a, flag_b, keep;
     const char *wanted; // of the last four categories; null: the simple case
     const char *slot;   // of CTYPE afterwards
 };
@@ -88,14 +88,14 @@ struct locspec_row {
 TEST_F(LocaleSpecifiers, TheLocaleForADatabaseFollowsTheClient) {
     constexpr char spec0[] = "de_DE.819";
     const locspec_row rows[] = {
-        {"fr_FR.utf8", 0, "de_DE.819", 0, 0, "fr_FR.819", "de_DE.819"}, // the client's language
-        {"no locale", 0, "de_DE.819", 0, 0, "no locale", "de_DE.819"},  // does not split
-        {"de_DE.8859-1", 0, "de_DE.819", 0, 0, nullptr, "kept"},        // equal to the database's
-        {"de_DE.8859-1", 0, "en_US.819", 0, 1, nullptr, "kept"},
-        {"de_DE.8859-1", 0, "en_US.819", 1, 0, "de_DE.819", "de_DE.819"},
-        {nullptr, 2, "en_US.819", 1, 1, nullptr, "kept"},
-        {nullptr, 0, "de_DE.819", 0, 0, nullptr, "de_DE.819"}, // here the slots are always set
-        {nullptr, 0, "en_US.819", 0, 0, "de_DE.819", "de_DE.819"},
+        {"fr_FR.utf8", 0, "de_DE.819", 0, 0, 1, "fr_FR.819", "de_DE.819"}, // the client's language
+        {"no locale", 0, "de_DE.819", 0, 0, 0, "no locale", "kept"},       // does not split
+        {"de_DE.8859-1", 0, "de_DE.819", 0, 0, 0, nullptr, "kept"}, // equal to the database's
+        {"de_DE.8859-1", 0, "en_US.819", 0, 1, 1, nullptr, "de_DE.819"},
+        {"de_DE.8859-1", 0, "en_US.819", 1, 0, 1, "de_DE.819", "de_DE.819"},
+        {nullptr, 2, "en_US.819", 1, 1, 1, nullptr, "kept"},      // here the slots are never set
+        {nullptr, 0, "de_DE.819", 0, 0, 0, nullptr, "de_DE.819"}, // and here always
+        {nullptr, 0, "en_US.819", 0, 0, 0, "de_DE.819", "kept"},
     };
     for (const locspec_row &row : rows) {
         new_gls_env_rec &state = *CheckGlsEnv()->state;
@@ -104,7 +104,7 @@ TEST_F(LocaleSpecifiers, TheLocaleForADatabaseFollowsTheClient) {
         row.client != nullptr ? setenv("CLIENT_LOCALE", row.client, 1) : unsetenv("CLIENT_LOCALE");
         gls_set_setting(&state, GLS_CLIENT_LOCALE, nullptr);
         char out[gls_composite_size];
-        mklocspec(spec0, row.spec1, out, row.flag_a, row.flag_b, 0);
+        mklocspec(spec0, row.spec1, out, row.flag_a, row.flag_b, row.keep);
         const std::string what = std::string(row.client ? row.client : "-") + " " + row.spec1;
         if (row.wanted == nullptr) {
             EXPECT_STREQ(out, spec0) << what;
