@@ -228,10 +228,10 @@ int init_server() {
 }
 
 int init_mode(int16_t mode) {
-    // An error that the failing step stored tells more than its result.
     set_glserror(0);
     const int result = mode == GLS_MODE_CLIENT ? init_fe() : init_server();
-    if (result != 0 && get_glserror() == 0)
+    // -1 says that the failing step stored its error; any other result is the error itself.
+    if (result != 0 && (result != -1 || get_glserror() == 0))
         set_glserror(result);
     return result;
 }
