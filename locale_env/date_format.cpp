@@ -139,16 +139,16 @@ struct destination {
 
     int take(const char *text, int32_t from_dbdate) {
         const size_t length = strlen(text);
-        char *target = buffer;
-        if (target == nullptr)
-            target = static_cast<char *>(
+        char *allocated = nullptr;
+        if (buffer == nullptr)
+            allocated = static_cast<char *>(
                 malloc(length < gls_dbdate_format_size ? gls_dbdate_format_size : length + 1));
-        else if (length >= caller_buffer_size)
+        if (buffer != nullptr ? length >= caller_buffer_size : allocated == nullptr)
             return err_date_no_memory;
-        if (target == nullptr)
-            return err_date_no_memory;
-        memcpy(target, text, length + 1);
-        state.date_fmt = target;
+        state.date_fmt = buffer != nullptr ? buffer : allocated;
+        memcpy(state.date_fmt, text, length + 1);
+        free(state.owned_date_fmt);
+        state.owned_date_fmt = allocated;
         state.date_fmt_known = 1;
         state.date_from_dbdate = from_dbdate;
         return 0;
@@ -252,8 +252,7 @@ int initdatetime(void) {
     // Without the names dates are read by number alone: no reason to refuse the start.
     cache_month_strings();
     cache_era_strings();
-    // The formats of datetime qualifiers come from the value library, which fills the table by
-    // need.
+    // No format is made for a datetime qualifier here: readers of the table expect nulls.
     memset(env->dt_fmt, 0, sizeof env->dt_fmt);
     return 0;
 }

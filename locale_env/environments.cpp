@@ -146,9 +146,11 @@ void release_loaded(GlsEnv *env) {
     for (gls_name_list **list :
          {&state.abmon_names, &state.mon_names, &state.era_names_a, &state.era_names_b})
         free_locale_string(list);
-    free(state.date_fmt);
-    state.date_fmt = nullptr;
+    free(state.owned_date_fmt);
+    state.owned_date_fmt = state.date_fmt = nullptr;
     gl_free_registry_cache();
+    if (state.saved_lc == state.db_lc || state.saved_lc == env->cur_lc)
+        state.saved_lc = nullptr; // goes with the object
     if (state.db_lc != nullptr && state.db_lc != env->cur_lc)
         gl_lc_unload(state.db_lc);
     state.db_lc = nullptr;

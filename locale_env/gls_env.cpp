@@ -82,6 +82,8 @@ int gls_set_setting(new_gls_env_rec *state, gls_setting which, const char *text)
         copy = kestrion::copy_text(text);
         if (copy == nullptr)
             return -2;
+    } else {
+        state->defaulted &= ~(1 << which); // what is not there was not derived
     }
     free(state->settings[which]);
     state->settings[which] = copy;

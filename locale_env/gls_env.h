@@ -83,7 +83,7 @@ struct new_gls_env_rec {
     cv_rec *saved_cv_os2app;  //
     int16_t init_flags;       // OR of the modes initialised; 0 not initialised
     int32_t initialising;     // 1 while initgls runs
-    char *date_fmt;           // date format in GL_DATE notation; owned
+    char *date_fmt;           // date format in GL_DATE notation
     int32_t date_fmt_known;   // 1 when date_fmt has been settled
     int32_t date_order[3];    // fields in order of appearance: 1 day, 2 month, 3 year, 0 none
     int32_t date_era_kind;    // 0 none, 1 by J or N, 2 by C1 or C2, 3 by E or G
@@ -105,6 +105,7 @@ struct new_gls_env_rec {
     lconv_rec *net_lconv;              // the neutral ones of the network form
     int32_t defaulted;                 // bit n: setting n was derived here, not given by the user
     char *settings[GLS_SETTINGS];      // owned texts, or null
+    char *owned_date_fmt; // date_fmt's allocation; null when a caller's buffer holds it
 };
 
 // The outer record: one environment.
@@ -114,7 +115,7 @@ struct GlsEnv {
     uintptr_t reserved;
     new_gls_env_rec *state; // never null in a live environment
     uintptr_t reserved_tail[49];
-    char *dt_fmt[gls_dt_units][gls_dt_units]; // datetime formats by [start unit][end unit]; owned
+    char *dt_fmt[gls_dt_units][gls_dt_units]; // datetime formats by [start unit][end unit]
 };
 
 // A request for an environment: what a connection asks for.
@@ -160,7 +161,8 @@ locale_rec *qvt_get_gl_locale_thread(void);
 // current environment alone: code that "resets" to the default must not undo a start in progress.
 void SetGlsEnv(GlsEnv *env);
 
-// Stores a copy of `text` as setting `which` of `state`, replacing the old one; null clears it.
+// Stores a copy of `text` as setting `which` of `state`, replacing the old one; null clears it and
+// its bit in `defaulted`.
 // Returns 0, or -2 without memory, with the old value kept.
 int gls_set_setting(new_gls_env_rec *state, gls_setting which, const char *text);
 }

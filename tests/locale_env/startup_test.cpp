@@ -24,6 +24,7 @@
 #include "gls/conversion.h"
 #include "gls/locale_rec.h"
 #include "locale_env/cached_names.h"
+#include "locale_env/date_format.h"
 #include "locale_env/environments.h"
 #include "locale_env/gls_env.h"
 #include "locale_env/parked_locale.h"
@@ -225,6 +226,43 @@ TEST(Startup, ACreatedEnvironmentHasItsOwnLocaleAndIsReused) {
     EXPECT_EQ(gls_env.cur_lc, nullptr);
 }
 
+TEST(Startup, ADateFormatInACallersBufferStaysTheCallers) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    char buffer[256];
+    ASSERT_EQ(nogetenv_getglsfmt(nullptr, nullptr, buffer, 0), 0);
+    EXPECT_EQ(new_gls_env.date_fmt, buffer);
+    freegls();
+    EXPECT_EQ(new_gls_env.date_fmt, nullptr);
+    EXPECT_STREQ(buffer, "%m/%d/%iY");
+}
+
+// What the first start derived is not taken for derived when a user gives it to the second.
+TEST(Startup, AStartBehindAReleaseForgetsWhatWasDerived) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    EXPECT_EQ(new_gls_env.defaulted, 1 << GLS_CLIENT_LOCALE);
+    FreeAllGlsEnv();
+    setenv("CLIENT_LOCALE", "fr_FR.8859-15", 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    EXPECT_EQ(new_gls_env.defaulted, 1 << GLS_DB_LOCALE);
+}
+
+// The first load of the registry fills in what DBNLS needs; a DBNLS that comes later must bring it.
+TEST(Startup, AMissingCategoryOfALateDbnlsIsTold) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    FreeAllGlsEnv();
+    setenv("DBNLS", "2", 1);
+    for (const char *category : {"LC_CTYPE", "LC_COLLATE", "LC_NUMERIC", "LC_MONETARY"})
+        setenv(category, "de_DE.819", 1);
+    EXPECT_EQ(chkglsinit(), err_locale_category);
+    setenv("LC_TIME", "fr_FR.819", 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    EXPECT_STREQ(gls_env.cur_lc->file_names[GLS_SLOT_TIME], "fr_fr/0333.lco");
+    EXPECT_STREQ(gls_env.cur_lc->file_names[GLS_SLOT_MESSAGES], "de_de/0333.lco");
+}
+
 TEST(Startup, AFailedConnectionLeavesTheEnvironmentBefore) {
     setenv("KESTRIONDIR", INSTALLATION, 1);
     ASSERT_EQ(chkglsinit(), 0);
@@ -287,7 +325,10 @@ TEST(Startup, AParkedLocaleComesBack) {
     EXPECT_EQ(env.state->saved_lc, nullptr);
     EXPECT_STREQ(env.state->lc_spec[GLS_SLOT_CTYPE], "en_US.819");
     EXPECT_EQ(env.state->dbnls, 2);
-    gl_lc_unload(other);
+
+    ASSERT_EQ(restorelang(2, other, own, nullptr, nullptr, nullptr, nullptr), 0);
+    freegls();
+    EXPECT_EQ(env.state->saved_lc, nullptr) << "its object went as the database's";
 }
 
 struct money_row {
