@@ -9,10 +9,10 @@
 // A listing is lines of a keyword and its values; "#" begins a comment:
 //
 //     conversion_listing 1
-//     head SOURCE_HASH=...           each line that the runtime skips, in order
+//     head SOURCE_CRC32=...          each line that the runtime skips, in order
 //     states 0 0                     source, target
-//     shifts - - 0e 0f               into and out of the shifted target, and of the source; "-":
-//     none lengths 1 2 1 2                target least and greatest, source least and greatest
+//     shifts - - 0e 0f               into and out of the shifted target, then source; - for none
+//     lengths 1 2 1 2                target least and greatest, source least and greatest
 //     byte_table 0                   1: the runtime may build one
 //     expansion 1
 //     normal 8140 12 a1a1            source, control byte, target; nothing behind a 00

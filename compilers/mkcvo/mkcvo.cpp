@@ -6,11 +6,11 @@
 #include <memory>
 #include <optional>
 
+#include "compilers/head_lines.h"
 #include "compilers/mkcvo/code_set.h"
 #include "compilers/mkcvo/conversion.h"
 #include "compilers/mkcvo/join.h"
 #include "compilers/posix/transliteration.h"
-#include "compilers/source_hash.h"
 
 namespace kestrion {
 
@@ -105,11 +105,16 @@ struct named_set {
     }
 };
 
-std::vector<std::string> head_lines(const named_set &source, const named_set &target) {
-    source_hash hash;
+source_texts texts_read(const named_set &source, const named_set &target,
+                        const held_sources &held) {
+    source_texts read;
     for (const named_set *set : {&source, &target})
-        hash.add(set->name, set->file != nullptr ? set->file->text() : std::string_view());
-    return {"COMPILER=mkcvo " + std::string(compiler_version()), "SOURCE_HASH=" + hash.text()};
+        if (set->file != nullptr)
+            read.emplace(last_component(set->name), set->file->text());
+    if (held.library != nullptr)
+        for (const auto &[name, file] : held.library->files())
+            read.emplace(last_component(name), file->text());
+    return read;
 }
 
 // Nothing of a UCS-2 text is lost, but it can't say all that the target could write.
@@ -155,7 +160,9 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
         instead.translit = translit.get();
     }
     conversion_object object = join(from, to, instead, said);
-    object.head = head_lines(source, target);
+    object.head =
+        head_lines("mkcvo", last_component(run.sources[0]) + " " + last_component(run.sources[1]),
+                   texts_read(source, target, held));
     return object_text(object);
 }
 

@@ -1,14 +1,12 @@
 #include "compilers/mklco/mklco.h"
 
-#include <algorithm>
-#include <iterator>
 #include <map>
 
+#include "compilers/head_lines.h"
 #include "compilers/mklco/collation_by_code.h"
 #include "compilers/mklco/ctype_source.h"
 #include "compilers/mklco/listing.h"
 #include "compilers/mklco/sections_source.h"
-#include "compilers/source_hash.h"
 #include "gls/locale_file.h"
 
 namespace kestrion {
@@ -34,8 +32,6 @@ struct mklco_options {
         return found;
     }
 };
-
-std::string last_component(const std::string &path) { return path.substr(path.rfind('/') + 1); }
 
 std::string collation_named(const std::string &name) {
     if (name != "code" && name != "thai_smo")
@@ -101,19 +97,13 @@ locale_object compilation::run() {
 
 // The head lines: what made the object, and of what.
 void compilation::describe(locale_object &object, const charmap &map) const {
-    // In an order that does not depend on the paths that the sources were asked for by.
-    std::multimap<std::string, std::string_view> texts;
+    source_texts read;
     for (const auto *files : {&library_.files(), &charmap_files_})
         for (const auto &[name, file] : *files)
-            texts.emplace(last_component(name), file->text());
-    source_hash hash;
-    for (const auto &[name, text] : texts)
-        hash.add(name, text);
+            read.emplace(last_component(name), file->text());
     object.code_set = options_.code_set.empty() ? map.code_set_name : options_.code_set;
-    std::string tool("COMPILER=mklco ");
-    object.head = {tool.append(compiler_version()),
-                   "SOURCE=" + last_component(name_) + " " + last_component(options_.charmap),
-                   "SOURCE_CRC32=" + hash.text()};
+    object.head =
+        head_lines("mklco", last_component(name_) + " " + last_component(options_.charmap), read);
 }
 
 std::vector<output_file> compile(const mklco_options &options, const compiler_run &run,

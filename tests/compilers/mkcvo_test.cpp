@@ -138,6 +138,17 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
     }
 }
 
+// The head tells what was read, and not by which path.
+TEST_F(Mkcvo, TheSameSourcesGiveTheSameBytes) {
+    const std::string here = fs::current_path().string();
+    const std::string first = object({"-tloc", "-L.", "./from", "./to"});
+    EXPECT_EQ(object({"-t", here + "/loc", here + "/from", here + "/to"}), first);
+    for (const char *source : {"to", "loc"}) {
+        std::ofstream(source, std::ios::app) << "% a comment more\n";
+        EXPECT_NE(object({"-tloc", "-L.", "./from", "./to"}), first) << source;
+    }
+}
+
 TEST_F(Mkcvo, ListingsCompileToTheSameBytes) {
     const std::vector<std::vector<std::string>> objects = {
         {"./from", "./to"},          {"./from", "UCS-4"},

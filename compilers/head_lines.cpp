@@ -1,0 +1,41 @@
+#include "compilers/head_lines.h"
+
+#include <zlib.h>
+
+#include "compilers/object_table.h"
+
+namespace kestrion {
+
+namespace {
+
+uLong add_bytes(uLong value, std::string_view bytes) {
+    return crc32_z(value, reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size());
+}
+
+std::string hash_of(const source_texts &read) {
+    uLong value = 0;
+    for (const auto &[name, text] : read) {
+        value = add_bytes(value, name);
+        value =
+            add_bytes(value, std::string_view("\0", 1)); // names and texts must not run together
+        value = add_bytes(value, text);
+    }
+    const unsigned char bytes[] = {
+        static_cast<unsigned char>(value >> 24), static_cast<unsigned char>(value >> 16),
+        static_cast<unsigned char>(value >> 8), static_cast<unsigned char>(value)};
+    std::string out;
+    append_hex_bytes(out, bytes, sizeof bytes);
+    return out;
+}
+
+} // namespace
+
+std::vector<std::string> head_lines(const std::string &compiler, const std::string &made_of,
+                                    const source_texts &read) {
+    return {"COMPILER=" + compiler + " " + KESTRION_VERSION, "SOURCE=" + made_of,
+            "SOURCE_CRC32=" + hash_of(read)};
+}
+
+std::string last_component(const std::string &path) { return path.substr(path.rfind('/') + 1); }
+
+} // namespace kestrion
