@@ -54,14 +54,15 @@ const char *install_dir(gentcb *block) {
     return block->install_dir;
 }
 
-// Settles msg_langdir at its first use. Without memory it stays unset and the English files serve.
+// Settles msg_langdir at its first use, also that there is none. Without memory it stays unset and
+// the English files serve.
 void settle_language_directory() {
     if (msg_langdir != nullptr)
         return;
     const char *value = idx_ggetenv("DBLANG", kestrion::variable_index("DBLANG"));
     if (value == nullptr && DBNLSset() != 0)
         value = idx_ggetenv("LANG", kestrion::variable_index("LANG"));
-    msg_langdir = kestrion::copy_of_text(value);
+    msg_langdir = kestrion::copy_of_text(value != nullptr ? value : "");
 }
 
 // The directory name that the locale engine gives to a specifier, or the empty text.

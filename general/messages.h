@@ -57,8 +57,8 @@ extern const message_range *_mfqvt;   // the table in use; the client's at start
 extern const message_range _cmfqvt[]; // the client's
 extern const message_range _smfqvt[]; // the server's
 
-// The user's message directory: null until it is first needed, empty once a lookup named its own
-// locale. Owned here.
+// The user's message directory: null until it is first needed; empty when there is none, and once a
+// lookup named its own locale. Owned here.
 extern char *msg_langdir;
 
 // -- Binding slots -----------------------------------------------------------------------------

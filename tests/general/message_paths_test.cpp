@@ -79,6 +79,8 @@ TEST_F(MessagePaths, LangStandsInForDblangUnderDbnls) {
     write_file(dir / "msg/mine/x.qem", "x");
     EXPECT_EQ(found(), "");
     setenv("DBNLS", "1", 1);
+    EXPECT_EQ(found(), "") << "settled at the first search";
+    rmsg_init();
     EXPECT_EQ(found(), "msg/mine");
 }
 
