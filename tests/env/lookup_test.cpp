@@ -2,7 +2,6 @@
 
 #include "env/registry.h"
 #include "locale_env/gls_env.h"
-#include "locale_env/text_conversion.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -15,8 +14,6 @@ constexpr int32_t kestriondir = variable_index("KESTRIONDIR");
 constexpr int32_t kestrionserver = variable_index("KESTRIONSERVER");
 constexpr int32_t dbpath = variable_index("DBPATH");
 
-bool conversion_fails = false;
-
 void set_gls(gls_setting setting, const char *value) {
     CheckGlsEnv()->state->settings[setting] = strdup(value);
 }
@@ -24,17 +21,6 @@ void set_gls(gls_setting setting, const char *value) {
 class Lookup : public Environment {};
 
 } // namespace
-
-// A stand-in for a conversion from the system's code set: e acute of one into the two bytes of the
-// other.
-extern "C" char *__wrap_gcv_malloc(cv_rec *, const char *text) {
-    if (conversion_fails)
-        return nullptr;
-    std::string converted;
-    for (; *text != '\0'; ++text)
-        converted += *text == '\xE9' ? "\xC3\xA9" : std::string(1, *text);
-    return strdup(converted.c_str());
-}
 
 TEST_F(Lookup, EnvironmentThenLocaleThenFilesThenDefault) {
     EXPECT_EQ(ggetenv("DBDATE"), nullptr);
@@ -163,28 +149,6 @@ TEST_F(Lookup, LocaleSettingsAreFourteenNamesInAnyCase) {
     EXPECT_EQ(ggetglsenv("DBPATH"), nullptr);
     setenv("DB_LOCALE", "x", 1);
     EXPECT_EQ(idx_getenv("db_Locale", -1), nullptr);
-}
-
-TEST_F(Lookup, ValuesWithHighBytesAreConverted) {
-    int record = 0;
-    CheckGlsEnv()->state->cv_os2app = reinterpret_cast<cv_rec *>(&record);
-    setenv("W1", "caf\xE9", 1);
-    setenv("W2", "plain", 1);
-    char *converted = ggetenv("W1");
-    EXPECT_STREQ(converted, "caf\xC3\xA9");
-    free(converted);
-    EXPECT_EQ(ggetenv("W2"), getenv("W2"));
-
-    // The limit is held against the converted text.
-    setenv("KESTRIONSERVER", (std::string(127, 's') + "\xE9").c_str(), 1);
-    EXPECT_EQ(ggetenv("KESTRIONSERVER"), nullptr);
-    EXPECT_EQ(gerrno, ENV_TOO_LONG);
-
-    conversion_fails = true;
-    EXPECT_EQ(ggetenv("W1"), getenv("W1"));
-    CheckGlsEnv()->state->cv_os2app = nullptr;
-    conversion_fails = false;
-    EXPECT_EQ(ggetenv("W1"), getenv("W1"));
 }
 
 // The very first call of a process: loading brings up the locale, which looks settings up itself.

@@ -306,8 +306,16 @@ TEST(Startup, EightBitValuesAreConverted) {
     ASSERT_EQ(restorelang(0, lc, nullptr, nullptr, nullptr, cv, nullptr), 0);
     setenv("DBPATH", "/tmp/\xe4\xdf", 1);
     EXPECT_STREQ(ggetenv("DBPATH"), "/tmp/\xc3\xa4\xc3\x9f");
+    {
+        const failing_malloc::scope refused(1);
+        EXPECT_EQ(ggetenv("DBPATH"), getenv("DBPATH")) << "better unconverted than none";
+    }
     setenv("DBPATH", "/tmp/plain", 1);
     EXPECT_EQ(ggetenv("DBPATH"), getenv("DBPATH")) << "a 7-bit value is the environment's own";
+
+    setenv("KESTRIONSERVER", (std::string(127, 's') + "\xe4").c_str(), 1);
+    EXPECT_EQ(ggetenv("KESTRIONSERVER"), nullptr) << "129 bytes once converted";
+    EXPECT_EQ(gerrno, ENV_TOO_LONG);
 }
 
 TEST(Startup, AParkedLocaleComesBack) {
