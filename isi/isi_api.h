@@ -4,8 +4,8 @@
  * uses has a wrapper isi_name here.
  *
  * - A wrapper is safe to call when no provider is bound: it then answers its default, told below.
- * - A wrapper empties the thread's error stack, calls the provider with the arguments unchanged,
- * and returns the provider's result unchanged. Status results are 0 for success.
+ * - A wrapper empties the thread's error stack and hands arguments and result on unchanged.
+ *   Status results are 0 for success.
  * - What went wrong is read, once, with isi_get_err.
  * - The calling program must export its symbols (-rdynamic) if callbacks are named in the
  *   environment, and use a dynamic C library.
@@ -15,8 +15,7 @@
  *     isi_init();                                   a failure shows in the first call that fails
  *     void *ctx = isi_cipher_ctx_new();
  *     if (ctx == NULL)
- *         puts(isi_get_err('\n'));                  "cannot access
- * /opt/kestrion/lib/libisi.so.1\n..."
+ *         puts(isi_get_err('\n'));              "cannot access /opt/lib/libisi.so.1\n..."
  */
 #ifndef ISI_API_H
 #define ISI_API_H
