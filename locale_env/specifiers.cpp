@@ -285,9 +285,9 @@ void chglcfile2sp(const char *fname, char *out, int32_t *is_gls) {
 
 int restorelocsp(locale_rec *lc) {
     new_gls_env_rec &state = *CheckGlsEnv()->state;
-    char *composite = gl_setlocale_4(lc, all_categories, nullptr);
+    char *composite = lc != nullptr ? gl_setlocale_4(lc, all_categories, nullptr) : nullptr;
     if (composite == nullptr) {
-        set_glserror(*_gl_ext_errno(lc));
+        set_glserror(lc != nullptr ? *_gl_ext_errno(lc) : GLS_ERR_NULL_ARGUMENT);
         return getiniterr();
     }
     for (int slot = 0; slot < GLS_SLOTS; ++slot) {
