@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -100,6 +101,11 @@ TEST(Startup, SettlesWhatTheVariablesMean) {
          {{"CLIENT_LOCALE", "en_US.utf8"}},
          "0 en_us/e01c.lco client=en_US.57372 db=en_US.57372* date=%m/%d/%iY"},
         {"unknown code set", {{"CLIENT_LOCALE", "de_DE.nosuch"}}, "-23101"},
+        {"a composite, which a setting has no room for",
+         {{"CLIENT_LOCALE",
+           "GL_CTYPE = en_US.819 ; GL_COLLATE = en_US.819 ; GL_NUMERIC = en_US.819 ; "
+           "GL_MONETARY = en_US.819 ; GL_TIME = en_US.819 ; GL_MESSAGES = en_US.819 ; "}},
+         "-23101"},
         {"no such object", {{"CLIENT_LOCALE", "xx_XX.819"}}, "-23101"},
         {"no installation", {{"KESTRIONDIR", "/nonexistent"}}, "-23101"},
         {"GL_PATH decides alone", {{"GL_PATH", "/nonexistent"}}, "-23101"},
@@ -194,6 +200,27 @@ TEST(Startup, NamesAreCachedInLowerCaseWithTheEnglishOnesFirst) {
     EXPECT_EQ(state.gregorian, 1);
 }
 
+TEST(Startup, LowerCaseMayBeLongerThanItsText) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    setenv("CLIENT_LOCALE", "en_US.utf8", 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    for (const int letters : {1, 7, 8, 40}) { // on both sides of the buffer for short names
+        std::string text, wanted;
+        for (int i = 0; i < letters; ++i) {
+            text += "\u023a";
+            wanted += "\u2c65";
+        }
+        char *slot = strdup(text.c_str());
+        EXPECT_EQ(downcase_gls_string(&slot), 3 * letters);
+        EXPECT_EQ(slot, wanted);
+        free(slot);
+    }
+    char broken[8] = "A\xff";
+    EXPECT_EQ(tolower_string(broken), -1);
+    char empty[1] = "";
+    EXPECT_EQ(tolower_string(empty), 0);
+}
+
 // A list that stays empty does not keep the next ones from being filled.
 TEST(Startup, ALocaleWithoutMonthNamesStillHasTheEnglishOnes) {
     locale_rec nameless = {};
@@ -240,9 +267,12 @@ TEST(Startup, ADateFormatInACallersBufferStaysTheCallers) {
 // What the first start derived is not taken for derived when a user gives it to the second.
 TEST(Startup, AStartBehindAReleaseForgetsWhatWasDerived) {
     setenv("KESTRIONDIR", INSTALLATION, 1);
+    setenv("DBDATE", "DMY4.", 1);
     ASSERT_EQ(chkglsinit(), 0);
     EXPECT_EQ(new_gls_env.defaulted, 1 << GLS_CLIENT_LOCALE);
     FreeAllGlsEnv();
+    EXPECT_EQ(new_gls_env.settings[GLS_CLIENT_LOCALE], nullptr);
+    EXPECT_STREQ(new_gls_env.settings[GLS_DBDATE], "DMY4.") << "not among those released";
     setenv("CLIENT_LOCALE", "fr_FR.8859-15", 1);
     ASSERT_EQ(chkglsinit(), 0);
     EXPECT_EQ(new_gls_env.defaulted, 1 << GLS_DB_LOCALE);
@@ -272,6 +302,25 @@ TEST(Startup, AFailedConnectionLeavesTheEnvironmentBefore) {
     EXPECT_EQ(CheckGlsEnv(), &gls_env);
     EXPECT_NE(gls_env.cur_lc, nullptr);
     EXPECT_EQ(GlsEnv_List->next, nullptr);
+}
+
+// An environment that took its categories from DBNLS has no client locale of its own before.
+TEST(Startup, AFailedConnectionSettlesTheClientLocaleBeforeIt) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    setenv("DBNLS", "1", 1);
+    for (const char *category : {"LC_CTYPE", "LC_COLLATE", "LC_NUMERIC", "LC_MONETARY", "LC_TIME"})
+        setenv(category, "de_DE.819", 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    ASSERT_EQ(new_gls_env.settings[GLS_CLIENT_LOCALE], nullptr);
+    GlsEnvLocale want = {};
+    want.settings[GLS_CLIENT_LOCALE] = "xx_XX.819";
+    GlsEnv *made = nullptr;
+    const stated_leaks settings_of_the_failed_environment;
+    EXPECT_EQ(CreateGlsEnv(&want, &made, 1), err_locale_load);
+    EXPECT_EQ(made, nullptr);
+    EXPECT_EQ(CheckGlsEnv(), &gls_env);
+    EXPECT_STREQ(new_gls_env.settings[GLS_CLIENT_LOCALE], "en_US.819");
+    EXPECT_EQ(new_gls_env.defaulted, 1 << GLS_CLIENT_LOCALE);
 }
 
 // What an administrator looks at when the messages don't load: it must be there from the very first
@@ -334,6 +383,8 @@ TEST(Startup, AParkedLocaleComesBack) {
     EXPECT_STREQ(env.state->lc_spec[GLS_SLOT_CTYPE], "en_US.819");
     EXPECT_EQ(env.state->dbnls, 2);
 
+    EXPECT_NE(restorelang(2, nullptr, own, nullptr, nullptr, nullptr, nullptr), 0)
+        << "no specifiers come from no locale";
     ASSERT_EQ(restorelang(2, other, own, nullptr, nullptr, nullptr, nullptr), 0);
     freegls();
     EXPECT_EQ(env.state->saved_lc, nullptr) << "its object went as the database's";
