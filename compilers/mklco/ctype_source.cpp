@@ -5,6 +5,7 @@
 #include <set>
 
 #include "compilers/mklco/listing_words.h"
+#include "gls/locale_file.h"
 
 namespace kestrion {
 namespace {
@@ -12,6 +13,8 @@ namespace {
 // Characters are known by keys: their code points, and behind those the rows of the charmap whose
 // names are none.
 constexpr uint32_t code_point_limit = 0x110000;
+// A class's line in the object has its bit and a blank in front of the name.
+constexpr size_t longest_class_name = lco_line_limit - 2;
 
 struct named_class {
     std::string name;
@@ -93,6 +96,12 @@ named_class &ctype_compiler::named(std::string_view name, const source_place &pl
     for (named_class &known : named_)
         if (known.name == name)
             return known;
+    if (name.empty() || name.size() > longest_class_name ||
+        name.find_first_of(" \t\n\v\f\r") != std::string_view::npos)
+        throw source_error(place,
+                           "the name of a class is one word of at most " +
+                               std::to_string(longest_class_name) + " characters",
+                           "rename the class");
     return named_.emplace_back(named_class{std::string(name), place, {}});
 }
 

@@ -234,6 +234,13 @@ TEST_F(Mklco, FaultsAreToldWithTheirPlaceAndNothingIsWritten) {
         EXPECT_NE(result.said.find(row.place), std::string::npos) << result.said;
         EXPECT_EQ(content("old.lco"), "old");
     }
+    // The runtime would refuse the object.
+    for (const std::string &name : {std::string("two words"), std::string(126, 'x')}) {
+        std::ofstream("locales/tt") << "LC_CTYPE\nclass \"" << name << "\"; A\nEND LC_CTYPE\n";
+        outcome result = mklco({"-I.", "-fT", "-ct", "-oold.lco", "tt"});
+        EXPECT_EQ(result.status, 4) << name;
+        EXPECT_NE(result.said.find("tt:2:"), std::string::npos) << result.said;
+    }
 }
 
 TEST_F(Mklco, LossesAreListedAndCanBeErrors) {
