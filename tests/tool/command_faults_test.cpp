@@ -99,6 +99,21 @@ TEST_F(CommandFaults, ShortReadsGrowTheBufferAndLoseNothing) {
     EXPECT_EQ(tree.read("out"), short_lines);
 }
 
+// Which allocation grows the buffer is not known: the search begins at the last.
+TEST_F(CommandFaults, ALostGrowthOfTheBufferIsTold) {
+    tree.write("plain", std::string(60000, 'x'));
+    tool.set("FAULT_FILE", plain).set("FAULT_READ", "40000").set("FAULT_COUNT", tree.at("count"));
+    ASSERT_EQ(seal().status, 0);
+    int k = std::stoi(tree.read("count"));
+    outcome o;
+    do {
+        tool.set("FAULT_MALLOC", std::to_string(k));
+        o = seal();
+    } while (o.err != "Memory Re-allocation error\n" && --k > 0);
+    EXPECT_EQ(o.err, "Memory Re-allocation error\n");
+    EXPECT_EQ(o.status, 1);
+}
+
 TEST_F(CommandFaults, AnInterruptedReadIsAFailure) {
     tool.set("FAULT_FILE", plain).set("FAULT_READ", "0");
     const std::string before = tree.sealed();
