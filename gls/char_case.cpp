@@ -53,10 +53,10 @@ template <letter_case to> gl_wchar partner_of(const ctype_rec &ct, multi_step st
     return partner != 0 ? partner : wc;
 }
 
-// The rare ways, out of the common one's way: a null locale, a character without a prefix, an
-// invalid one.
+// Characters of three bytes and more, and the rare ways: a null locale, an invalid character, a
+// partner far away.
 template <letter_case to>
-[[gnu::noinline]] gl_wchar rare_wide_character(locale_rec *lc, gl_wchar wc) {
+[[gnu::noinline]] gl_wchar wide_character_by_table(locale_rec *lc, gl_wchar wc) {
     const ctype_rec &ct = ctype_of(lc);
     multi_step step = wide_step(ct, ct.case_walk, ct.case_prefixes, wc);
     if (step.next == multi_end)
@@ -66,12 +66,13 @@ template <letter_case to>
 }
 
 template <letter_case to> gl_wchar wide_character(locale_rec *lc, gl_wchar wc) {
-    if (lc && has_prefix(lc->ctype_cat, wc)) {
-        multi_step step = step_by_prefix(lc->ctype_cat.case_walk, lc->ctype_cat.case_prefixes, wc);
-        if (step.next == multi_end)
-            return partner_of<to>(lc->ctype_cat, step, wc);
+    if (lc && wc < lc->ctype_cat.shift_count) {
+        const case_shift &shift = lc->ctype_cat.case_shifts[wc];
+        uint32_t biased = to == letter_case::upper ? shift.to_upper : shift.to_lower;
+        if (biased != 0)
+            return wc + biased - case_shift_bias;
     }
-    return rare_wide_character<to>(lc, wc);
+    return wide_character_by_table<to>(lc, wc);
 }
 
 // Writes the other case of a valid character, or the character. Returns the bytes written.

@@ -19,6 +19,7 @@ struct mbl_state {
     int32_t plug_in;        // 1: the plug-in serves the category
     const multi_step *walk; // the class table, flattened
     int32_t min_len;        // bytes of the terminator
+    int32_t ascii_bytes;    // 1: the bytes 01-7F are characters
 };
 
 extern "C" {

@@ -10,8 +10,6 @@ int32_t failed(locale_rec *lc, int32_t error) {
     return -1;
 }
 
-int32_t length_of_zero() { return 0; }
-
 decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int32_t min_len) {
     decoded_char c = decode_limited(walk, text, min_len);
     if (c.step.next < multi_first_state)
@@ -108,6 +106,7 @@ constinit const locale_rec ascii_locale = {
                   .case_pair_count = 26,
                   .mb_loc_max = 1,
                   .mb_loc_min = 1,
+                  .ascii_bytes = 1,
                   .plain_ascii = 1,
                   .class_walk = ascii.class_walk,
                   .case_walk = ascii.case_walk,

@@ -38,10 +38,7 @@ inline bool is_char(const decoded_char &c) { return c.step.next == multi_end; }
 // that succeed carry nothing for it.
 [[gnu::cold]] int32_t failed(locale_rec *lc, int32_t error);
 
-// 0, the length that several operations give the zero character. Out of line, so that the test for
-// it is a branch: computed without one, each character's length would wait for its bytes, and with
-// it the next character.
-[[gnu::cold]] int32_t length_of_zero();
+inline bool is_ascii_above_zero(unsigned char byte) { return static_cast<signed char>(byte) > 0; }
 
 // The error that a walk without a character means.
 inline int32_t decode_error(const decoded_char &c) {

@@ -172,6 +172,13 @@ bool all_have_ascii_case(const ctype_rec &ct) {
     return ct.mb_loc_min == 1;
 }
 
+bool ascii_are_characters(const ctype_rec &ct) {
+    for (int byte = 1; byte < 0x80; ++byte)
+        if (ct.class_walk[byte].next != multi_end)
+            return false;
+    return ct.mb_loc_min == 1;
+}
+
 bool flatten(locale_rec *lc, multi_arr *table, const multi_step *&walk) {
     if (multi_flatten(table) != 0)
         return refuse(lc, GLS_ERR_NO_MEMORY);
@@ -207,6 +214,31 @@ bool list_prefixes(locale_rec *lc, const multi_step *walk, uint32_t count, uint1
     return true;
 }
 
+uint16_t shift_between(gl_wchar wc, gl_wchar partner) {
+    int64_t shift = partner == 0 ? 0 : static_cast<int64_t>(partner) - wc;
+    int64_t biased = shift + case_shift_bias;
+    return biased > 0 && biased <= UINT16_MAX ? static_cast<uint16_t>(biased) : 0;
+}
+
+// Lists the shifts of the wide characters of one and two bytes: Latin text has no others. The
+// entries of what is no character stay untouched memory.
+bool list_case_shifts(locale_rec *lc, ctype_rec &ct) {
+    uint32_t firsts = ct.prefix_count == 0 ? 0 : ct.mb_loc_max == 1 ? 1 : 0x100;
+    if (firsts == 0)
+        return true;
+    if (!make_array(lc, ct.case_shifts, firsts << 8))
+        return false;
+    ct.shift_count = firsts << 8;
+    for (gl_wchar wc = 0; wc < ct.shift_count; ++wc) {
+        multi_step step = step_by_prefix(ct.case_walk, ct.case_prefixes, wc);
+        if (step.next != multi_end)
+            continue;
+        const case_pair &pair = ct.case_pairs[step.datum];
+        ct.case_shifts[wc] = {shift_between(wc, pair.upper), shift_between(wc, pair.lower)};
+    }
+    return true;
+}
+
 // Makes what the lookups use, and checks what they take for granted.
 bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
     const multi_arr *classes = ct.class_table;
@@ -224,6 +256,7 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
     ct.prefix_count = prefixes;
     if (!spell_partners(lc, ct))
         return false;
+    ct.ascii_bytes = ascii_are_characters(ct);
     case_check check = {.table = cases, .ct = &ct};
     if (!check.index_fits(cases->default_datum, cases->min_len) || !check.node_fits(cases->root, 1))
         return refuse(lc, GLS_ERR_MALFORMED);
@@ -231,7 +264,7 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
     if (lc->case_expansion < check.growth)
         lc->case_expansion = check.growth;
     ct.plain_ascii = all_have_ascii_case(ct);
-    return true;
+    return list_case_shifts(lc, ct);
 }
 
 // ---- The byte tables
@@ -316,6 +349,7 @@ void free_ctype(locale_rec *lc) {
     _gl_free_multi(ct.case_index);
     _gl_free_ptr(ct.case_pairs);
     _gl_free_ptr(ct.case_texts);
+    _gl_free_ptr(ct.case_shifts);
     _gl_free_ptr(ct.class_prefixes);
     _gl_free_ptr(ct.case_prefixes);
     ct = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters};

@@ -58,6 +58,14 @@ struct case_text {
     int32_t length; // 0: no partner in this direction, or one that is no character
 };
 
+// What to add to a wide character for its partners, plus case_shift_bias; 0: ask the case table.
+struct case_shift {
+    uint16_t to_upper;
+    uint16_t to_lower;
+};
+
+inline constexpr uint32_t case_shift_bias = 0x8000; // so that untouched memory says "ask"
+
 struct ctype_rec {
     multi_arr *class_table;   // uint16_t mask by character; defines which sequences are characters
     int32_t class_name_count; // rows of class_names
@@ -68,12 +76,15 @@ struct ctype_rec {
     int32_t case_pair_count;      //
     int32_t mb_loc_max;           // bytes of the longest character; 0 in an empty category
     int32_t mb_loc_min;           // of the shortest one; 4 in an empty category
-    int32_t plain_ascii;          // 1: the bytes 01-7F are characters with the case of ASCII
+    int32_t ascii_bytes;          // 1: the bytes 01-7F are characters
+    int32_t plain_ascii;          // 1: they have the case of ASCII, too
     const multi_step *class_walk; // the flat form of class_table, never null
     const multi_step *case_walk;  // the flat form of case_index, never null
     uint32_t prefix_count;    // entries of the next two: wide characters below this << 8 use them
     uint16_t *class_prefixes; // state of class_walk by all bytes of a wide character but the last
     uint16_t *case_prefixes;  // the same of case_walk
+    uint32_t shift_count;     // entries of case_shifts
+    case_shift *case_shifts;  // by wide characters of one and two bytes
     case_text *case_texts;    // upper and lower partner of each pair, [2 * index]
 };
 

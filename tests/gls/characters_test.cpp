@@ -338,6 +338,24 @@ TEST(CharCase, OneCharacterReportsWhatItReadAndWrote) {
     EXPECT_EQ(_gl_im_towlower(lc, 0xc8ba), 0xe2b1a5u);
 }
 
+// The wide forms take the case of short characters from a list of their own. The byte forms do not.
+TEST(CharCase, ShortWideCharactersAreTheirBytes) {
+    loaded lc(four_byte());
+    for (gl_wchar wide = 1; wide < 0x10000; ++wide) {
+        char bytes[8] = {}, upper[8] = {}, lower[8] = {};
+        bool known = gl_full_wctomb(lc, bytes, wide) > 0;
+        gl_wchar wide_upper = wide, wide_lower = wide;
+        if (known) {
+            gl_full_mbtowc(lc, &wide_upper, upper, _gl_im_tomupper(lc, upper, bytes) & 0xff);
+            gl_full_mbtowc(lc, &wide_lower, lower, _gl_im_tomlower(lc, lower, bytes) & 0xff);
+        }
+        static_cast<locale_rec *>(lc)->err = 0;
+        ASSERT_EQ(_gl_im_towupper(lc, wide), wide_upper) << std::hex << wide;
+        ASSERT_EQ(_gl_im_towlower(lc, wide), wide_lower) << std::hex << wide;
+        ASSERT_EQ(lc.error(), known ? 0 : GLS_ERR_BAD_CHARACTER) << std::hex << wide;
+    }
+}
+
 // The whole-text forms run ASCII by the word; here they meet every mixture, in buffers of the size
 // that the engine asks for, source and destination each against an unreadable page.
 TEST(CharCase, TextsAreTheirCharactersOneByOne) {
