@@ -15,28 +15,6 @@ namespace {
 
 constinit char empty_text[1] = {};
 
-// LANG is not among them, although the environment has a setting of that name.
-struct gls_variable {
-    const char *name;
-    gls_setting setting;
-};
-constexpr gls_variable gls_variables[] = {
-    {"CLIENT_LOCALE", GLS_CLIENT_LOCALE},
-    {"DB_LOCALE", GLS_DB_LOCALE},
-    {"DBNLS", GLS_DBNLS},
-    {"DBLANG", GLS_DBLANG},
-    {"LC_CTYPE", GLS_LC_CTYPE},
-    {"LC_COLLATE", GLS_LC_COLLATE},
-    {"LC_NUMERIC", GLS_LC_NUMERIC},
-    {"LC_MONETARY", GLS_LC_MONETARY},
-    {"DBMONEY", GLS_DBMONEY},
-    {"LC_TIME", GLS_LC_TIME},
-    {"DBTIME", GLS_DBTIME},
-    {"DBDATE", GLS_DBDATE},
-    {"GL_DATE", GLS_GL_DATE},
-    {"GL_DATETIME", GLS_GL_DATETIME},
-};
-
 // Starts a lookup: clears gerrno, refuses a null name, loads the registry at the first one.
 bool lookup_ready(const char *name) {
     gerrno = ENV_NO_ERROR;
@@ -150,9 +128,11 @@ char *idx_getenv(const char *name, int32_t index) {
 char *ggetglsenv(const char *name) {
     if (name == nullptr)
         return nullptr;
-    for (const gls_variable &variable : gls_variables) {
-        if (lower(*name) == lower(*variable.name) && stcmpri(name, variable.name) == 0)
-            return CheckGlsEnv()->state->settings[variable.setting];
+    for (size_t setting = 0; setting < GLS_SETTINGS; ++setting) {
+        const char *own = gls_setting_names[setting];
+        // LANG has a setting, but a lookup never takes it from there.
+        if (setting != GLS_LANG && lower(*name) == lower(*own) && stcmpri(name, own) == 0)
+            return CheckGlsEnv()->state->settings[setting];
     }
     return nullptr;
 }
