@@ -242,9 +242,4 @@ void print_as_own_format(FILE *stream, const char *text) {
     print_as_format(stream, text, &self, 1);
 }
 
-size_t print_as_own_format_into(char *buffer, size_t size, const char *text) {
-    const format_arg self = text_arg(text);
-    return print_as_format_into(buffer, size, text, &self, 1);
-}
-
 } // namespace kestrion

@@ -52,6 +52,5 @@ size_t print_as_format_into(char *buffer, size_t size, const char *format, const
 // Prints `text` as a format with itself as its one argument: the first "%s" shows the whole text,
 // not expanded again.
 void print_as_own_format(FILE *stream, const char *text);
-size_t print_as_own_format_into(char *buffer, size_t size, const char *text);
 
 } // namespace kestrion

@@ -112,10 +112,12 @@ TEST(PrintAsFormat, BufferIsCutTerminatedAndNeverPassed) {
 }
 
 TEST(PrintAsFormat, TextAsItsOwnFormatIsExpandedOnce) {
-    char buffer[64];
-    EXPECT_EQ(print_as_own_format_into(buffer, sizeof buffer, "50%% %s %s %n"), 23u);
+    char buffer[64] = "";
+    FILE *stream = fmemopen(buffer, sizeof buffer, "w");
+    print_as_own_format(stream, "50%% %s %s %n");
+    print_as_own_format(stream, nullptr);
+    fclose(stream);
     EXPECT_STREQ(buffer, "50% 50%% %s %s %n %s %n");
-    EXPECT_EQ(print_as_own_format_into(buffer, sizeof buffer, nullptr), 0u);
 }
 
 TEST(PrintAsFormat, StreamGetsTheSameBytesAcrossBlocks) {
