@@ -13,7 +13,4 @@ bool analyse_rows(locale_rec *lc);
 
 void free_analysis(collate_rec &r);
 
-// Row of a single byte; false when the byte is no character.
-bool row_of_byte(const collate_rec &r, unsigned char byte, uint16_t &row);
-
 } // namespace kestrion

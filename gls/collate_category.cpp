@@ -166,6 +166,17 @@ bool table_rows_fit(const collate_rec &r) {
 
 // ---- What is derived for single bytes
 
+// Row of a single byte; false when the byte is no character.
+bool row_of_byte(const collate_rec &r, unsigned char byte, uint16_t &row) {
+    const multi_node *root = r.row_table->root;
+    if (multi_flag_at(root, byte) != MULTI_END)
+        return false;
+    memcpy(&row,
+           root->data ? multi_slot(r.row_table, root->data, byte) : r.row_table->default_datum,
+           sizeof row);
+    return true;
+}
+
 bool derive_byte_expansions(locale_rec *lc, collate_rec &r) {
     for (int32_t level = 0; level < r.level_count; ++level) {
         if (!make_array(lc, r.sb_expansions[level], 256))
@@ -231,16 +242,6 @@ int32_t read_collate(locale_rec *lc, FILE *file) {
 }
 
 namespace kestrion {
-
-bool row_of_byte(const collate_rec &r, unsigned char byte, uint16_t &row) {
-    const multi_node *root = r.row_table->root;
-    if (multi_flag_at(root, byte) != MULTI_END)
-        return false;
-    memcpy(&row,
-           root->data ? multi_slot(r.row_table, root->data, byte) : r.row_table->default_datum,
-           sizeof row);
-    return true;
-}
 
 bool empty_collate(locale_rec *lc) {
     lc->collate_cat = {};

@@ -123,7 +123,7 @@ int recursive_insert(multi_node *node, const gl_char_desc *sequence, int32_t dep
         return -1;
     if (recursive_insert(child, sequence, depth + 1, datum, table) != 0) {
         uncount(child, table);
-        multi_release_node(child);
+        release(child, owned::all);
         return -1;
     }
     node->children[index] = child;
@@ -155,8 +155,6 @@ unsigned char *multi_make_data_array(const multi_arr *table) {
         std::memcpy(multi_slot(table, data, b), table->default_datum, table->data_size);
     return data;
 }
-
-void multi_release_node(multi_node *node) { release(node, owned::all); }
 
 void multi_empty(multi_arr *table) {
     multi_drop_flat(table);

@@ -15,8 +15,6 @@ unsigned char *multi_make_data_array(const multi_arr *table);
 
 // Releases all nodes and arrays and the flat table, and leaves an empty root.
 void multi_empty(multi_arr *table);
-// Releases a node of an uncompressed table and all below it.
-void multi_release_node(multi_node *node);
 
 // Entry of a node for the byte b.
 inline unsigned char multi_flag_at(const multi_node *node, unsigned char b) {
