@@ -2,7 +2,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 #include "env/registry.h"
 #include "general/error_numbers.h"
