@@ -34,7 +34,7 @@ enum class line_state {
     whole,        // a name and its number
     unterminated, // the same, in a last line without a line end
     end,          // end of the file, or a name that ends the reading
-    bad           // no number where one must be
+    bad           // no number where one must be, or a read error
 };
 
 // Reads the next line that is neither empty nor a comment.
@@ -73,7 +73,7 @@ line_state registry_file::next(folded_name &name, uint16_t &number) {
     name.length = 0;
     int c = first_of_name();
     if (c == EOF)
-        return line_state::end;
+        return std::ferror(file_) != 0 ? line_state::bad : line_state::end;
     for (; is_ascii_graphic(c); c = std::getc(file_)) {
         if (!name.add(c))
             return line_state::end;

@@ -101,6 +101,11 @@ TEST(CodeSetRegistry, DamagedFileGivesWayToTheBuiltInTable) {
         EXPECT_EQ(look_up(row.text, "two", 11).uncached, "error 11") << row.what;
         EXPECT_EQ(look_up(row.text, "greek", 11).cached, std::to_string(0x2E1)) << row.what;
     }
+    int32_t word = 0;
+    gl_cache_registry(&word, "/"); // it opens, but nothing can be read
+    EXPECT_EQ(word, 11);
+    EXPECT_EQ(answer("greek", nullptr), std::to_string(0x2E1));
+    gl_free_registry_cache();
 }
 
 TEST(CodeSetRegistry, NameOf22CharactersEndsTheReading) {
