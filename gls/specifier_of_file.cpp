@@ -7,6 +7,8 @@ using namespace kestrion;
 
 namespace {
 
+constexpr char separators[] = {'/', '\\', gl_directory_mark, '\0'};
+
 // Adds the specifier of one file name, its code set by the name in the head of the file.
 int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
     char path[gl_file_name_size];
@@ -14,7 +16,11 @@ int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
         return refuse(ctx);
     path[name.copy(path, name.size())] = '\0';
     name_pieces pieces;
-    if (gl_lc_fname2lc_pieces(ctx, path, pieces.lang, pieces.cs, pieces.modifier) != 0)
+    char simple[gl_simple_spec_size];
+    // The rest of the name is to be a modifier, not a way to some other file.
+    if (name.find_first_of(separators) != name.find_last_of(separators) ||
+        gl_lc_fname2lc_pieces(ctx, path, pieces.lang, pieces.cs, pieces.modifier) != 0 ||
+        gl_lc_pieces2lc_spec(ctx, pieces.lang, pieces.cs, pieces.modifier, simple) != 0)
         return refuse(ctx);
     FILE *const file = gl_path_search_no_ext(ctx, path, "lc", "11");
     if (file == nullptr)
@@ -25,9 +31,16 @@ int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
     std::fclose(file);
     if (!good)
         return refuse(ctx, error);
-    out.add(pieces.lang).add('.').add(code_set);
+    out_text spec(simple, sizeof simple);
+    spec.add(pieces.lang).add('.').add(code_set);
     if (pieces.modifier[0] != '\0')
-        out.add('@').add(pieces.modifier);
+        spec.add('@').add(pieces.modifier);
+    const std::string_view written = simple;
+    const auto length = static_cast<int32_t>(written.size());
+    // The head may hold any text where the code set's name should stand.
+    if (!spec.fits() || _gl_is_xopen_spec(simple, length, nullptr) != length)
+        return refuse(ctx, GLS_ERR_MALFORMED);
+    out.add(written);
     return 0;
 }
 

@@ -14,12 +14,12 @@
 // at most 21 graphic characters that does not begin with "#", modifier at most 4 letters or digits.
 //
 // A `dir` argument is put in front of a name with the byte 255 as a mark behind it, which
-// `gl_open_file` turns into a slash. `regfile` is a registry file to use in place of the cache's;
-// null for none. Failure is -1 with the error word 7, unless told otherwise. A bad specifier is not
-// logged.
+// `gl_open_file` turns into a slash. `regfile` is the registry file to read where no registry is
+// cached; null for the one that the path search finds. Failure is -1 with the error word 7, unless
+// told otherwise. A bad specifier is not logged.
 //
 // Sizes of `out`: gl_simple_spec_size or gl_composite_spec_size, plus the length of `dir` and its
-// mark for each name that the text holds. What would not fit is refused with the error word 7.
+// mark, once. What would not fit is refused with the error word 7.
 
 #pragma once
 
@@ -105,7 +105,8 @@ int gl_lc_short2lc_long(void *ctx, const char *short_spec, char *out, const char
 int gl_is_lc_spec(void *ctx, const char *text);
 
 // Specifier of a file name, or of a composite of file names. The code set's name is read from the
-// head of each file; one that can't be opened is the error word 8, a bad head 11.
+// head of each file; one that can't be opened is the error word 8, a bad head 11. A name that leads
+// below its directory of language and territory, or out of it, is refused.
 int gl_lc_fname2lc_spec(void *ctx, const char *fname, char *out, const char *regfile);
 
 // Specifier of one gl_category of a specifier; of a simple one the whole.

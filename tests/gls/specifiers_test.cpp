@@ -246,6 +246,8 @@ TEST_F(Specifiers, FilesTellTheirCodeSetByName) {
     dir.write("en_us/0333.lco", head + "8859-1\n### LC_CTYPE\n");
     dir.write("fil_ph/0333dict.lco", head + "latin-1\n");
     dir.write("sv_se/0333.lco", head);
+    dir.write("nb_no/0333.lco", head + "8859 1\n");
+    dir.write("nb_no/0333/x", head + "8859-1\n");
     const struct {
         std::string fname;
         std::string wanted;
@@ -255,6 +257,9 @@ TEST_F(Specifiers, FilesTellTheirCodeSetByName) {
         {"GL_TIME = fil_ph/0333dict.lco ; GL_CTYPE = en_us/0333.lco ; ",
          "GL_TIME = fil_PH.latin-1@dict ; GL_CTYPE = en_US.8859-1"},
         {"sv_se/0333.lco", "error 11"},
+        {"nb_no/0333.lco", "error 11"}, // its code set's line is no name
+        {"nb_no/0333/x", "error 7"},    // a directory is no modifier
+        {"en_us/0333abcd/../0333.lco", "error 7"},
         {"de_de/0333.lco", "error 8"},
         {"GL_TIME = en_us/0333.lco ; GL_CTYPE = de_de/0333.lco", "error 8"},
         {"os/en_US", "error 7"},
