@@ -17,14 +17,14 @@ char *copy_of(const char *text) {
     return copy;
 }
 
-void set_text(qvtx_dl_handle *handle, const char *text) {
-    _gl_free_ptr(handle->text);
-    handle->text = copy_of(text);
+void forget(char *&text) {
+    _gl_free_ptr(text);
+    text = nullptr;
 }
 
-void forget_path(qvtx_dl_handle *handle) {
-    _gl_free_ptr(handle->path);
-    handle->path = nullptr;
+void set_text(qvtx_dl_handle *handle, const char *text) {
+    forget(handle->text);
+    handle->text = copy_of(text);
 }
 
 int internal_error(qvtx_dl_handle *handle) {
@@ -46,7 +46,7 @@ int qvtx_dlopen(qvtx_dl_handle *handle, const char *path, int flags) {
     handle->path = copy_of(path);
     kestrion::real_identity identity;
     if (handle->path == nullptr || !identity.take()) {
-        forget_path(handle);
+        forget(handle->path);
         handle->error = -1;
         return -1;
     }
@@ -54,7 +54,7 @@ int qvtx_dlopen(qvtx_dl_handle *handle, const char *path, int flags) {
     identity.give_back();
     if (handle->library != nullptr)
         return 0;
-    forget_path(handle);
+    forget(handle->path);
     qvtx_dlerror(handle);
     return -1;
 }
@@ -70,16 +70,15 @@ int qvtx_dlsym(qvtx_dl_handle *handle, void **out, const char *name) {
 }
 
 int qvtx_dlclose(qvtx_dl_handle *handle) {
-    if (handle == nullptr || handle->library == nullptr)
+    if (handle == nullptr)
+        return -1;
+    forget(handle->text); // also of a handle that failed to open
+    if (handle->library == nullptr)
         return -1;
     const int closed = dlclose(handle->library);
     handle->library = nullptr;
-    forget_path(handle);
-    if (closed != 0)
-        return qvtx_dlerror(handle);
-    _gl_free_ptr(handle->text);
-    handle->text = nullptr;
-    return 0;
+    forget(handle->path);
+    return closed != 0 ? qvtx_dlerror(handle) : 0;
 }
 
 int qvtx_dlerror(qvtx_dl_handle *handle) {
