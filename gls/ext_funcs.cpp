@@ -15,6 +15,7 @@ template <typename Function> Function *of_slot(gl_ext_slot slot, Function *built
 
 bool local_time_now(std::tm &now) {
     const std::time_t seconds = std::time(nullptr);
+    tzset(); // a host may change TZ while it runs; localtime_r alone looks at it once
     return localtime_r(&seconds, &now) != nullptr;
 }
 

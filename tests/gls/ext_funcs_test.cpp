@@ -76,6 +76,11 @@ TEST(ExtFuncs, ClockRecordsAgreeWithTheSystem) {
     EXPECT_EQ(time.zone, nullptr);
     EXPECT_EQ(date.year, time.year + 1900);
     EXPECT_EQ(date.month, time.month + 1);
+
+    setenv("TZ", "EAST-5", 1);
+    gl_time_rec in_the_east;
+    ASSERT_EQ(_gl_ext_currtime(&in_the_east), 0);
+    EXPECT_NEAR((in_the_east.hour + 24 - time.hour) % 24, 5, 1) << "the zone was changed meanwhile";
 }
 
 TEST(ExtFuncs, NothingIsAllocatedForSizeZero) {
