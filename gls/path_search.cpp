@@ -147,8 +147,7 @@ FILE *search::run() {
     const char *const set_base = _gl_ext_getenv("KESTRIONDIR");
     const std::string_view base = set_base != nullptr ? set_base : default_base;
     if (base.size() > max_base_length) {
-        if (ctx != nullptr)
-            kestrion::set_engine_error(ctx, GLS_ERR_FILE);
+        kestrion::set_engine_error(ctx, GLS_ERR_FILE);
         gl_message("Environment variable KESTRIONDIR cannot be greater than 256 characters");
         return nullptr;
     }

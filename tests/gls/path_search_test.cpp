@@ -103,6 +103,8 @@ TEST_F(PathSearch, InstallationDirectoryOf257CharactersFailsEverySearch) {
     EXPECT_EQ(found_by(gl_path_search, root.at("two/in_two")), "error 8");
     set_path(root.at("two"));
     EXPECT_EQ(found_by(gl_path_search, "in_two"), "error 8");
+    EXPECT_EQ(gl_path_search(nullptr, "in_two", "lc", "11"), nullptr);
+    EXPECT_EQ(temperr, 8);
 }
 
 } // namespace
