@@ -50,7 +50,7 @@ int32_t read_head(cv_rec *cv, FILE *file) {
     const char *equals = strchr(line, '=');
     if (equals == nullptr)
         return refuse(cv, GLS_ERR_FILE, nullptr);
-    for (long left = strtol(equals + 1, nullptr, 10) - fixed_head_lines; left > 0; --left)
+    for (long count = strtol(equals + 1, nullptr, 10); count > fixed_head_lines; --count)
         if (!read_head_line(file, line))
             return refuse(cv, GLS_ERR_FILE, nullptr);
     return 0;

@@ -57,7 +57,8 @@ TEST(ConversionFile, EachFaultHasItsErrorAndMessage) {
     } rows[] = {
         {"as it is", "HEADER", "HEADER", 0, 0, "CVO file loaded successfully."},
         {"no line skipped", "LINES=4\nCOMPILER=test\n", "LINES=3\n", 0, 0, "loaded"},
-        {"a count below three", "LINES=4\nCOMPILER=test\n", "LINES=-1\n", 0, 0, "loaded"},
+        {"a count below three", "LINES=4\nCOMPILER=test\n", "LINES=-9223372036854775808\n", 0, 0,
+         "loaded"},
         {"any name before the count", "HEADER_LINES=", "=", 0, 0, "loaded"},
         {"expansion without a point", "2.0", "2", 0, 0, "loaded"},
         {"another type", "=codeset", "=Codeset", -1, 8, "Invalid CVO file. Wrong FILE_TYPE."},
