@@ -158,7 +158,7 @@ template <letter_case to> bool convert_until(const ctype_rec &ct, case_run &run,
             convert_ascii_word<to>(run);
             continue;
         }
-        decoded_char c = decode_limited(ct.case_walk, src, 4);
+        decoded_char c = decode_limited(ct.case_walk, src, longest_character);
         if (!is_char(c))
             return false;
         run.read += static_cast<size_t>(c.length);

@@ -11,8 +11,6 @@ using namespace kestrion;
 
 namespace {
 
-constexpr int32_t longest_character = 4;
-
 // Decodes the first character for the length operations. Returns false with the error word set.
 bool decode_for_length(locale_rec *lc, const char *s, int32_t limit, decoded_char &c) {
     if (limit < 1) {
@@ -47,12 +45,12 @@ bool measure_text(locale_rec *lc, const char *s, int32_t &bytes, int32_t &charac
 // What the common way leaves over: the zero character, single bytes above ASCII, characters of four
 // bytes, code sets with wide units, invalid ones.
 [[gnu::noinline]] int32_t rare_mblen(const mbl_state *state, const char *s) {
-    decoded_char c = state->min_len == 1 ? decode_limited(state->walk, s, longest_character)
-                                         : decode_wide_unit_text(state->walk, s, state->min_len);
+    const ctype_rec &ct = ctype_of(state->lc);
+    decoded_char c = decode_text(ct, ct.class_walk, s);
     if (is_char(c))
         return c.wide == 0 ? 0 : c.length;
     // A character still open at its fourth byte has the length 1; no table that loads holds one.
-    bool open = state->min_len == 1 && c.step.next != multi_stop;
+    bool open = ct.mb_loc_min == 1 && c.step.next != multi_stop;
     return open ? 1 : failed(state->lc, GLS_ERR_BAD_CHARACTER);
 }
 
@@ -80,8 +78,7 @@ int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state) {
     *state = {.lc = lc,
               .root = ct.class_table ? ct.class_table->root : nullptr,
               .plug_in = l.glu_in_use[GL_CAT_CTYPE - gl_first_category],
-              .walk = ct.class_walk,
-              .min_len = ct.mb_loc_min,
+              .walk = ct.mb_loc_min == 1 ? ct.class_walk : no_characters,
               .ascii_bytes = ct.ascii_bytes};
     return state->plug_in;
 }
@@ -95,14 +92,11 @@ int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state) {
         return 1;
     const multi_step *walk = state->walk;
     multi_step step = walk[bytes[0]];
-    if (step.next < multi_first_state || state->min_len != 1) [[unlikely]]
-        return rare_mblen(state, s);
-    step = next_step(walk, step, bytes[1]);
-    if (step.next == multi_end) [[likely]]
-        return 2;
-    if (step.next != multi_stop) [[likely]] {
-        step = next_step(walk, step, bytes[2]);
+    if (step.next >= multi_first_state) [[likely]] {
+        step = next_step(walk, step, bytes[1]);
         if (step.next == multi_end) [[likely]]
+            return 2;
+        if (step.next != multi_stop && next_step(walk, step, bytes[2]).next == multi_end) [[likely]]
             return 3;
     }
     return rare_mblen(state, s);

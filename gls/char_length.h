@@ -17,8 +17,7 @@ struct mbl_state {
     locale_rec *lc;
     const multi_node *root; // of the class table; null in a null locale
     int32_t plug_in;        // 1: the plug-in serves the category
-    const multi_step *walk; // the class table, flattened
-    int32_t min_len;        // bytes of the terminator
+    const multi_step *walk; // the class table, flattened; no characters when a terminator is wide
     int32_t ascii_bytes;    // 1: the bytes 01-7F are characters
 };
 

@@ -21,7 +21,7 @@ decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int
         c.step.next = multi_stop;
         return c;
     }
-    return decode_limited(walk, text, 4);
+    return decode_limited(walk, text, longest_character);
 }
 
 multi_step walk_wide(const multi_step *walk, gl_wchar wc, int32_t min_len) {

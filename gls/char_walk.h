@@ -26,6 +26,8 @@ inline const locale_rec &locale_or_ascii(const locale_rec *lc) { return lc ? *lc
 
 inline const ctype_rec &ctype_of(const locale_rec *lc) { return locale_or_ascii(lc).ctype_cat; }
 
+constexpr int32_t longest_character = 4;
+
 struct decoded_char {
     multi_step step; // the last step of the walk
     int32_t length;  // bytes looked at
@@ -79,7 +81,7 @@ decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int
 inline decoded_char decode_text(const ctype_rec &ct, const multi_step *walk, const char *text) {
     if (ct.mb_loc_min != 1)
         return decode_wide_unit_text(walk, text, ct.mb_loc_min);
-    return decode_limited(walk, text, 4);
+    return decode_limited(walk, text, longest_character);
 }
 
 // Bytes of a wide character by its value: as many as it needs, and no fewer than `min_len`.
