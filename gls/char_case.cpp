@@ -135,9 +135,10 @@ struct case_run {
     size_t written;
 };
 
-// Converts the ASCII bytes at the start of the next word. The destination holds at least as many
-// bytes as are left of the source, so that a whole word can be stored; what follows is written
-// again.
+// The destination holds at least as many bytes as are left of the source, so that more can be
+// stored than is converted; what follows is written again.
+
+// Converts the ASCII bytes at the start of the next word.
 template <letter_case to> void convert_ascii_word(case_run &run) {
     uint64_t word;
     memcpy(&word, run.src + run.read, word_bytes);
@@ -161,8 +162,14 @@ template <letter_case to> bool convert_until(const ctype_rec &ct, case_run &run,
         decoded_char c = decode_limited(ct.case_walk, src, longest_character);
         if (!is_char(c))
             return false;
+        char *dst = run.dst + run.written;
+        int32_t written = c.length;
+        if (c.step.datum == 0 && end - run.read >= longest_character)
+            memcpy(dst, src, longest_character); // whatever the length, without a branch by it
+        else
+            written = write_case<to>(ct, c, dst, src);
         run.read += static_cast<size_t>(c.length);
-        run.written += static_cast<size_t>(write_case<to>(ct, c, run.dst + run.written, src));
+        run.written += static_cast<size_t>(written);
     }
     return true;
 }

@@ -26,7 +26,7 @@ inline const locale_rec &locale_or_ascii(const locale_rec *lc) { return lc ? *lc
 
 inline const ctype_rec &ctype_of(const locale_rec *lc) { return locale_or_ascii(lc).ctype_cat; }
 
-constexpr int32_t longest_character = 4;
+constexpr int32_t longest_character = 4; // bytes
 
 struct decoded_char {
     multi_step step; // the last step of the walk
