@@ -28,8 +28,8 @@ struct row_analysis {
     bool *ignored = nullptr;          // by row: ignored at every level
     int32_t *class_of = nullptr;      // by row
     int32_t *expansion_row = nullptr; // by expansion: the first row that is nothing but it, or -1
-    int32_t *first_alike = nullptr;   // hash of rows: row + 1, 0 for a free place
-    size_t hash_size = 0;
+    int32_t *first_alike = nullptr;   // by row: the first row with the same weights
+    int32_t *sorted = nullptr;        // rows by their weights, equal ones by their numbers
     int32_t class_count = 0;
     bool any_ignored = false;
     char **ignored_texts = nullptr;
@@ -41,10 +41,14 @@ struct row_analysis {
 
     uint16_t weight(int32_t level, int32_t row) const { return r->level_weights[level][row]; }
 
+    size_t row_count() const { return static_cast<size_t>(r->max_row) + 1; }
+    bool alike(int32_t row, int32_t other) const;
+
     bool make_tables();
+    void sort_by_byte(int32_t level, int shift, const int32_t *from, int32_t *to) const;
+    void find_alike();
     void classify_rows();
     void classify(int32_t row);
-    int32_t earlier_alike(int32_t row);
     bool save_texts();
     bool save_sequence(const gl_wchar *chars, int32_t length, uint16_t row);
     bool save_characters(const multi_node *node, char *text, int32_t depth);
@@ -55,13 +59,17 @@ struct row_analysis {
     void release();
 };
 
+bool row_analysis::alike(int32_t row, int32_t other) const {
+    for (int32_t level = 0; level < r->level_count; ++level)
+        if (weight(level, row) != weight(level, other))
+            return false;
+    return true;
+}
+
 bool row_analysis::make_tables() {
-    size_t rows = static_cast<size_t>(r->max_row) + 1;
-    hash_size = 16;
-    while (hash_size < 2 * rows)
-        hash_size *= 2;
+    size_t rows = row_count();
     if (!make_array(lc, ignored, rows) || !make_array(lc, class_of, rows) ||
-        !make_array(lc, first_alike, hash_size) ||
+        !make_array(lc, first_alike, rows) || !make_array(lc, sorted, rows) ||
         !make_array(lc, expansion_row, static_cast<size_t>(r->expansion_count) + 1))
         return false;
     for (size_t row = 0; row < rows; ++row)
@@ -71,20 +79,32 @@ bool row_analysis::make_tables() {
     return true;
 }
 
-// The first row with the same weights, or `row` itself, which is then remembered.
-int32_t row_analysis::earlier_alike(int32_t row) {
-    uint64_t hash = 0;
-    for (int32_t level = 0; level < r->level_count; ++level)
-        hash = (hash ^ weight(level, row)) * 0x9e3779b97f4a7c15u;
-    for (size_t place = hash >> 32;; ++place) {
-        int32_t &other = first_alike[place & (hash_size - 1)];
-        if (other == 0)
-            other = row + 1;
-        bool alike = true;
-        for (int32_t level = 0; alike && level < r->level_count; ++level)
-            alike = weight(level, other - 1) == weight(level, row);
-        if (alike)
-            return other - 1;
+// Sorts rows by a byte of their weights; rows with the same one keep their order.
+void row_analysis::sort_by_byte(int32_t level, int shift, const int32_t *from, int32_t *to) const {
+    size_t place[gl_bytes + 1] = {};
+    auto byte_of = [&](int32_t row) {
+        return static_cast<size_t>(weight(level, row) >> shift & 0xff);
+    };
+    for (size_t i = 0; i < row_count(); ++i)
+        ++place[byte_of(from[i]) + 1];
+    for (size_t b = 0; b < gl_bytes; ++b)
+        place[b + 1] += place[b];
+    for (size_t i = 0; i < row_count(); ++i)
+        to[place[byte_of(from[i])]++] = from[i];
+}
+
+// Finds the first row alike of each. Sorting takes as long for any file; of a hash, a file could
+// choose rows that all share one place.
+void row_analysis::find_alike() {
+    for (int32_t row = 0; row <= r->max_row; ++row)
+        sorted[row] = row;
+    for (int32_t level = 0; level < r->level_count; ++level) {
+        sort_by_byte(level, 0, sorted, first_alike);
+        sort_by_byte(level, 8, first_alike, sorted);
+    }
+    for (int32_t i = 0; i <= r->max_row; ++i) {
+        bool follows = i > 0 && alike(sorted[i], sorted[i - 1]);
+        first_alike[sorted[i]] = follows ? first_alike[sorted[i - 1]] : sorted[i];
     }
 }
 
@@ -100,11 +120,11 @@ void row_analysis::classify(int32_t row) {
         ignored[row] = true;
         any_ignored = true;
     }
-    int32_t alike = ties ? row : earlier_alike(row);
-    if (alike != row) {
-        if (class_of[alike] == no_class)
-            class_of[alike] = class_count++;
-        class_of[row] = class_of[alike];
+    int32_t first_row = ties ? row : first_alike[row];
+    if (first_row != row) {
+        if (class_of[first_row] == no_class)
+            class_of[first_row] = class_count++;
+        class_of[row] = class_of[first_row];
     }
     if (all_same && first & coll_expands) {
         int32_t &listed = expansion_row[first & coll_value_bits];
@@ -115,6 +135,7 @@ void row_analysis::classify(int32_t row) {
 }
 
 void row_analysis::classify_rows() {
+    find_alike();
     for (int32_t row = 0; row <= r->max_row; ++row)
         classify(row);
 }
@@ -282,6 +303,7 @@ void row_analysis::release() {
     _gl_free_ptr(class_of);
     _gl_free_ptr(expansion_row);
     _gl_free_ptr(first_alike);
+    _gl_free_ptr(sorted);
 }
 
 bool analyse(row_analysis &a) {
