@@ -224,12 +224,12 @@ bool read_collation(locale_rec *lc, FILE *file) {
     if (!table_rows_fit(r))
         return refuse(lc, GLS_ERR_MALFORMED);
     multi_flatten(r.row_table); // without it the lookups are slower, and the same
-    if (r.code_order_form != 1) {
-        if (!analyse_rows(lc))
-            return false;
-        set_engine_error(lc, GLS_OK); // texts that can't be spelled are left out
-    }
-    return derive_byte_expansions(lc, r) && derive_contraction_starts(lc, r);
+    if (r.code_order_form != 1 && !analyse_rows(lc))
+        return false;
+    if (!derive_byte_expansions(lc, r) || !derive_contraction_starts(lc, r))
+        return false;
+    set_engine_error(lc, GLS_OK); // the word says how this went, whatever stood there before
+    return true;
 }
 
 } // namespace
@@ -238,7 +238,7 @@ int32_t read_collate(locale_rec *lc, FILE *file) {
     if (read_collation(lc, file))
         return 0;
     lc->collate_cat.coll_method = COLL_NONE;
-    return 1;
+    return -1;
 }
 
 namespace kestrion {

@@ -72,7 +72,8 @@ int32_t read_file_header(FILE *file, char *cs_name, int32_t *error);
 // category is left empty.
 int32_t read_one_category(locale_rec *lc, int32_t category, FILE *file);
 
-// Section readers; the file stands behind the marker.
+// Section readers; the file stands behind the marker. Rows of collation that are read clear the
+// error word.
 int32_t read_ctype(locale_rec *lc, FILE *file);
 int32_t read_collate(locale_rec *lc, FILE *file);
 int32_t read_numeric(locale_rec *lc, FILE *file);

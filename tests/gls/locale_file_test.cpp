@@ -188,6 +188,10 @@ TEST(Collation, RowsTellIgnoredAndEquivalentCharacters) {
     EXPECT_EQ(r.contraction_start[size_t{'c'}], 1);
     EXPECT_EQ(r.contraction_start[size_t{'h'}], 0);
 
+    lc->err = GLS_ERR_SPECIFIER;
+    ASSERT_TRUE(lc.read(GL_CAT_COLLATE, object_of(latin1()).all()));
+    EXPECT_EQ(lc->err, GLS_OK)
+        << "collation clears the word, also when there is nothing to analyse";
     object.sections[1] = "thai_smo\n";
     ASSERT_TRUE(lc.read(GL_CAT_COLLATE, object.all()));
     EXPECT_EQ(lc->collate_cat.coll_method, COLL_THAI_SMO);
