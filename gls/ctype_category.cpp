@@ -258,7 +258,8 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
         return false;
     ct.ascii_bytes = ascii_are_characters(ct);
     case_check check = {.table = cases, .ct = &ct};
-    if (!check.index_fits(cases->default_datum, cases->min_len) || !check.node_fits(cases->root, 1))
+    // A sequence of a single byte may have the default, whatever min_len says.
+    if (!check.index_fits(cases->default_datum, 1) || !check.node_fits(cases->root, 1))
         return refuse(lc, GLS_ERR_MALFORMED);
     // A factor below what the pairs can cause would let callers make their buffers too small.
     if (lc->case_expansion < check.growth)

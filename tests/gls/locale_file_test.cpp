@@ -222,6 +222,17 @@ TEST(LocaleObject, GrowthLineMayBeEmptyAndNothingElse) {
     }
 }
 
+// The default index may belong to single bytes, whatever the table says of its shortest sequence.
+TEST(LocaleObject, PartnersOfTheDefaultIndexCountForTheGrowth) {
+    object_text object = object_of(four_byte());
+    std::string masks = object.sections[0].substr(0, object.sections[0].find("1\n0 full_width"));
+    object.sections[0] =
+        masks + "0\n0 4 1 0001\n1 0\n0000110004\n0000000\n" + "1\n00000041f09f9880\n1.0\n";
+    record lc;
+    ASSERT_TRUE(lc.read(GL_CAT_CTYPE, object.one(GL_CAT_CTYPE)));
+    EXPECT_EQ(lc->case_expansion, 4.0);
+}
+
 // One change of a good object each, and the error that it is.
 TEST(LocaleObject, EachFaultHasItsError) {
     struct {
