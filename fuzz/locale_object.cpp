@@ -2,6 +2,7 @@
 // operations on characters serve a text that ends at the end of its block.
 
 #include "gls/categories.h"
+#include "gls/category_data.h"
 #include "gls/char_case.h"
 #include "gls/char_class.h"
 #include "gls/char_convert.h"
@@ -15,16 +16,20 @@
 #include <stdlib.h>
 #include <string.h>
 
+using namespace kestrion;
+
 namespace {
 
 void use_characters(locale_rec *lc, const uint8_t *data, size_t size) {
     size_t count = size < 64 ? size : 64;
-    size_t end = static_cast<size_t>(gl_mb_loc_min(lc));
+    // A character of wide units that is cut off takes zero bytes; the terminator stands behind.
+    size_t end = gl_mb_loc_min(lc) == 1 ? 1 : text_tail;
     char *text = static_cast<char *>(malloc(count + end));
     memcpy(text, data + (size - count), count);
     memset(text + count, 0, end);
     int32_t length = static_cast<int32_t>(count);
-    size_t room = static_cast<size_t>(gl_case_conv_outbuflen(lc, length)) + end;
+    int32_t walked = static_cast<int32_t>(count + end);
+    size_t room = static_cast<size_t>(gl_case_conv_outbuflen(lc, walked)) + end;
     char *out = static_cast<char *>(malloc(room + 1));
     gl_wchar wide[80];
 

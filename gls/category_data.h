@@ -15,6 +15,10 @@
 
 namespace kestrion {
 
+// Zero bytes behind a text. Where characters have several bytes, one that begins in front of the
+// end may take three of them, and the terminator behind it four.
+inline constexpr size_t text_tail = 7;
+
 extern char no_text[4];
 extern gl_wchar no_wide_text[1];
 

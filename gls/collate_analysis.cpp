@@ -141,13 +141,12 @@ void row_analysis::classify_rows() {
 }
 
 char *row_analysis::copy_of(const char *text, size_t length) {
-    constexpr size_t tail = 4;
     char *copy;
     if (member_count + ignored_count >= saved_limit) {
         set_engine_error(lc, GLS_ERR_MALFORMED);
         return nullptr;
     }
-    if (make_array(lc, copy, length + tail))
+    if (make_array(lc, copy, length + text_tail))
         memcpy(copy, text, length);
     return copy;
 }

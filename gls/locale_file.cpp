@@ -234,7 +234,6 @@ int32_t read_one_category(locale_rec *lc, int32_t category, FILE *file) {
 }
 
 int32_t str_readallc(locale_rec *lc, FILE *file, char **out) {
-    constexpr size_t tail = 4; // zero bytes behind the text, so that it may hold wide characters
     int64_t length;
     if (!read_number(lc, file, 0, lco_text_limit, length))
         return 1;
@@ -242,7 +241,7 @@ int32_t str_readallc(locale_rec *lc, FILE *file, char **out) {
     char *text = nullptr;
     size_t room = 0;
     size_t wanted = static_cast<size_t>(length);
-    for (size_t i = 0; i < wanted + tail; ++i) {
+    for (size_t i = 0; i < wanted + text_tail; ++i) {
         if (!make_room(lc, text, i, room)) {
             _gl_free_ptr(text);
             return 1;

@@ -88,7 +88,7 @@ int32_t init_monetary_info(locale_rec *lc);
 int32_t init_time_info(locale_rec *lc);
 int32_t init_message_info(locale_rec *lc);
 
-// Reads a text into a new block of its length plus four zero bytes.
+// Reads a text into a new block, with zero bytes behind it that end it in any code set.
 int32_t str_readallc(locale_rec *lc, FILE *file, char **out);
 
 // Reads a list of group sizes.

@@ -233,6 +233,22 @@ TEST(LocaleObject, PartnersOfTheDefaultIndexCountForTheGrowth) {
     EXPECT_EQ(lc->case_expansion, 4.0);
 }
 
+// A text of the file that ends inside a character takes zero bytes to its end; the terminator of
+// the code set still stands behind it.
+TEST(LocaleObject, TextsThatEndInsideACharacterAreTerminated) {
+    object_text object = object_of(latin1());
+    const std::string zeros(3, '\0');
+    object.sections[0] = table_text({{"aaa", 0}, {"a" + zeros.substr(1), 0}, {zeros, 0}}) + "0\n" +
+                         table_text({}) + "0\n\n";
+    object.sections[5] = fields({"aaaa", "", "", ""});
+    record lc;
+    ASSERT_TRUE(lc.read(GL_CAT_CTYPE, object.all()));
+    ASSERT_TRUE(lc.read(GL_CAT_MESSAGES, object.all()));
+    const gl_wchar *wide = lc->messages_cat.wide_yesexpr;
+    EXPECT_EQ(std::vector<gl_wchar>(wide, wide + 3),
+              (std::vector<gl_wchar>{0x616161, 0x610000, 0}));
+}
+
 // One change of a good object each, and the error that it is.
 TEST(LocaleObject, EachFaultHasItsError) {
     struct {
@@ -383,7 +399,9 @@ TEST(LocaleObject, MutatedObjectsAreRefusedOrServe) {
             lc.read(c, text);
         update_locale(lc);
         std::string sample = texts[random() % std::size(texts)];
-        guarded_bytes guarded(sample + std::string(static_cast<size_t>(gl_mb_loc_min(lc)), '\0'));
+        // A character of wide units that is cut off takes zero bytes; the terminator stands behind.
+        sample.append(gl_mb_loc_min(lc) == 1 ? 1 : 7, '\0');
+        guarded_bytes guarded(sample);
         std::vector<char> out(
             static_cast<size_t>(gl_case_conv_outbuflen(lc, static_cast<int32_t>(sample.size()))) +
             4);
