@@ -128,6 +128,20 @@ struct case_check {
     }
 };
 
+// Whether every sequence of the case table is a character.
+bool are_characters(const multi_node *cases, const multi_node *classes) {
+    for (size_t b = 0; b < gl_bytes; ++b) {
+        unsigned char byte = static_cast<unsigned char>(b);
+        unsigned char flag = multi_flag_at(cases, byte);
+        if (flag != MULTI_NONE && flag != multi_flag_at(classes, byte))
+            return false;
+        if (flag == MULTI_CHILD &&
+            !are_characters(multi_child_at(cases, byte), multi_child_at(classes, byte)))
+            return false;
+    }
+    return true;
+}
+
 // Keeps the partners of each pair as bytes. A partner that is no character is left out: the
 // character then stays as it is.
 bool spell_partners(locale_rec *lc, ctype_rec &ct) {
@@ -244,6 +258,9 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
     const multi_arr *classes = ct.class_table;
     const multi_arr *cases = ct.case_index;
     if (cases->max_len != 0 && cases->min_len != classes->min_len)
+        return refuse(lc, GLS_ERR_MALFORMED);
+    // A terminator of several bytes is only met by a walk that takes whole characters.
+    if (classes->min_len != 1 && !are_characters(cases->root, classes->root))
         return refuse(lc, GLS_ERR_MALFORMED);
     if (!flatten(lc, ct.class_table, ct.class_walk) || !flatten(lc, ct.case_index, ct.case_walk))
         return false;

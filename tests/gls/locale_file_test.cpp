@@ -325,26 +325,37 @@ TEST(LocaleObject, EachFaultHasItsError) {
 
 TEST(LocaleObject, LongSequencesAndIndexesBeyondTheirTablesAreRefused) {
     object_text object = object_of(latin1());
+    const std::string zeros(2, '\0');
     struct {
         int32_t category;
         std::string section;
+        int32_t error;
     } const cases[] = {
-        {2, table_text({{"a", 0}}) + "0\n" + table_text({{"a", 2}}) + "1\n0000004100000061\n\n"},
-        {2, table_text({{"a", 0}}) + "0\n" + table_text({{"a", 0}}) + "65536\n"},
+        {2, table_text({{"a", 0}}) + "0\n" + table_text({{"a", 2}}) + "1\n0000004100000061\n\n",
+         11},
+        {2, table_text({{"a", 0}}) + "0\n" + table_text({{"a", 0}}) + "65536\n", 11},
         // A zero byte that begins a longer character would lead a walk behind the text.
-        {2, table_text({{std::string("\0a", 2), 0}, {"a", 0}}) + "0\n" + table_text({}) + "0\n\n"},
-        {3, "as_specified\n" + table_text({{"a", 1}}) + "1\n0\n1\n0\n0\n2\n0001\n0002\n"},
-        {3, "as_specified\n" + table_text({{"a", 0}}) + "1\n0\n1\n0\n1\n2\n0001\n0\n0002\n"},
-        {3, "as_specified\n" + table_text({{"a", 0}}) +
-                "1\n0\n1\n1\n0\n2\n0001\n1000100000061\n0002\n"},
-        {3, "as_specified\n" + table_text({{"a", 0}}) + "1\n65536\n1\n0\n0\n2\n0001\n0002\n"},
+        {2, table_text({{std::string("\0a", 2), 0}, {"a", 0}}) + "0\n" + table_text({}) + "0\n\n",
+         3},
+        // Steps of another length would pass a terminator of two bytes.
+        {2,
+         table_text({{"ab", 0}, {"cd", 0}, {zeros, 0}}) + "0\n" +
+             table_text({{"abc", 0}, {"d" + zeros.substr(1), 0}, {zeros, 0}}) + "0\n\n1\n",
+         11},
+        {3, "as_specified\n" + table_text({{"a", 1}}) + "1\n0\n1\n0\n0\n2\n0001\n0002\n", 11},
+        {3, "as_specified\n" + table_text({{"a", 0}}) + "1\n0\n1\n0\n1\n2\n0001\n0\n0002\n", 11},
+        {3,
+         "as_specified\n" + table_text({{"a", 0}}) +
+             "1\n0\n1\n1\n0\n2\n0001\n1000100000061\n0002\n",
+         11},
+        {3, "as_specified\n" + table_text({{"a", 0}}) + "1\n65536\n1\n0\n0\n2\n0001\n0002\n", 11},
     };
     for (const auto &c : cases) {
         counting_allocator memory;
         record lc;
         object.sections[c.category - gl_first_category] = c.section;
         EXPECT_FALSE(lc.read(c.category, object.one(c.category))) << c.section;
-        EXPECT_NE(lc->err, 0);
+        EXPECT_EQ(lc->err, c.error) << c.section;
     }
 }
 
