@@ -31,8 +31,8 @@ template <auto member> void copy(locale_rec *dest, const locale_rec *source) {
 }
 
 void copy_ctype(locale_rec *dest, const locale_rec *source) {
-    free_byte_tables(dest); // made again from the copy, when it is settled what it is
-    dest->is_single_byte = 0;
+    dest->is_single_byte = 0; // until it is settled what the copy is
+    set_function_pointers(dest);
     dest->ctype_cat = source->ctype_cat;
     dest->case_expansion = source->case_expansion;
 }

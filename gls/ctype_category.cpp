@@ -353,7 +353,7 @@ bool empty_ctype(locale_rec *lc) {
     lc->case_expansion = 1.0;
     // The texts of the next categories are walked before it is settled again what this one is.
     lc->is_single_byte = 0;
-    free_byte_tables(lc);
+    set_function_pointers(lc);
     return make_empty_table(lc, lc->ctype_cat.class_table) &&
            make_empty_table(lc, lc->ctype_cat.case_index);
 }

@@ -122,6 +122,9 @@ TEST_F(Categories, AFailedCategoryIsEmptyAndTheEarlierOnesStay) {
     EXPECT_EQ(gl_mb_loc_max(lc), 1);
     EXPECT_STREQ(lc->time_cat.d_fmt, "");
     EXPECT_STREQ(lc->messages_cat.yesstr, "yes") << "the work ends at the failure";
+    EXPECT_EQ(set(GL_CAT_CTYPE, "wide.lco"), "null");
+    gl_wchar wide[4];
+    EXPECT_EQ(lc->mbstowcs_fn(lc, wide, "a", 4), -1) << "an empty category has no characters";
 }
 
 // A code set may grow from one object to the next; the texts that are read before the record is
