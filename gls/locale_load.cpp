@@ -55,6 +55,7 @@ int32_t gl_create_null_locale_4(locale_rec **out) {
     if (lc)
         free_record(lc);
     *out = &loc_nomem;
+    loc_nomem.err = GLS_ERR_NO_MEMORY; // whatever an earlier user left there
     return -1;
 }
 
