@@ -1,6 +1,8 @@
 #include "compilers/compiler.h"
 
+#include <errno.h>
 #include <getopt.h>
+#include <string.h>
 
 #include <exception>
 
@@ -80,8 +82,12 @@ void parse(int argc, char **argv, const compiler &self, const std::vector<compil
         for (size_t i = 0; i < options.size(); ++i)
             if (c == first_long_value + static_cast<int>(i) || (c != 0 && c == options[i].letter))
                 found = &options[i];
-        if (found == nullptr)
-            throw usage_error(std::string("option '") + argv[optind - 1] + "' is not understood");
+        if (found == nullptr) // a letter may stand behind others in its word
+            throw usage_error("option '" +
+                              (optopt > 0 && optopt < first_long_value
+                                   ? std::string{'-', static_cast<char>(optopt)}
+                                   : std::string(argv[optind - 1])) +
+                              "' is not understood");
         found->set(optarg != nullptr ? optarg : "");
     }
     line.run.sources.assign(argv + optind, argv + argc);
@@ -117,6 +123,9 @@ exit_status run_compiler(int argc, char **argv, const compiler &self, std::FILE 
             std::printf("%s %s\n", self.name, version_text);
         else
             return compile_and_write(self, line, messages);
+        if (std::fflush(stdout) != 0)
+            throw compiler_failure(std::string("cannot write the standard output: ") +
+                                   strerror(errno));
         return exit_status::written;
     } catch (const usage_error &error) {
         std::fprintf(messages, "%s: %s\nusage: %s %s\n       %s --help tells more\n", self.name,
