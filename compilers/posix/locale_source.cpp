@@ -89,8 +89,9 @@ locale_source::locale_source(const source_file &file) : file_(file) {
         next = begin + line.size() + 1;
         std::string_view word = first_word(line);
         bool starts_here = !continued;
-        continued = !line.empty() && line.back() == escape_char_;
-        if (!starts_here || word.empty() || word[0] == comment_char_)
+        bool comment = starts_here && !word.empty() && word[0] == comment_char_;
+        continued = !comment && !line.empty() && line.back() == escape_char_;
+        if (!starts_here || word.empty() || comment)
             continue;
         std::string_view value = first_word(behind_first_word(line));
         uint32_t offset = static_cast<uint32_t>(begin);
@@ -110,11 +111,15 @@ locale_source::locale_source(const source_file &file) : file_(file) {
             categories_.push_back(open);
             open = {};
         } else if (word.starts_with("LC_") && open.name.empty()) {
+            if (find(word) != nullptr)
+                throw source_error(place(offset), std::string(word) + " stands here again",
+                                   "make one category of the two");
             open = {word, static_cast<uint32_t>(std::min(next, text.size())), 0};
         }
     }
     if (!open.name.empty())
-        throw source_error(place(open.begin), std::string(open.name) + " has no end",
+        throw source_error(place(static_cast<uint32_t>(open.name.data() - text.data())),
+                           std::string(open.name) + " has no end",
                            "close it with END " + std::string(open.name));
 }
 
@@ -275,7 +280,8 @@ source_token statement_reader::bytes_token() {
     return {token_kind::bytes, text.substr(begin, at_ - begin), no_code_point, 0, begin};
 }
 
-// Two points count in hexadecimal, three and four in decimal; "..(2).." takes every second one.
+// Two points count code points, or hexadecimal numbers in names; "..(2).." takes every second one;
+// three go from bytes to bytes; four count decimal numbers in names.
 source_token statement_reader::ellipsis_token() {
     std::string_view text = source_.file().text();
     uint32_t begin = at_;

@@ -14,6 +14,12 @@ struct gz_closer {
     void operator()(gzFile file) const { gzclose(file); }
 };
 
+// What zlib says of a file, which most of its texts name already.
+std::string damage_text(const std::string &path, const std::string &reason) {
+    return (reason.starts_with(path) ? reason : path + ": " + reason) +
+           "; the file is damaged, put a whole copy in its place";
+}
+
 // The text of a file; null with errno when it cannot be opened.
 std::unique_ptr<source_file> read_if_there(const std::string &path) {
     std::unique_ptr<gzFile_s, gz_closer> file(gzopen(path.c_str(), "rb"));
@@ -28,8 +34,8 @@ std::unique_ptr<source_file> read_if_there(const std::string &path) {
         const char *reason = gzerror(file.get(), &number);
         // A compressed file that breaks off reads as a short one; only its end tells the truth.
         if (got < 0 || number == Z_BUF_ERROR)
-            throw compiler_failure(path + ": " +
-                                   (number == Z_ERRNO ? std::strerror(errno) : reason));
+            throw compiler_failure(number == Z_ERRNO ? path + ": " + std::strerror(errno)
+                                                     : damage_text(path, reason));
         text.resize(length + static_cast<size_t>(got));
         if (text.size() > largest_text)
             throw compiler_failure(path + ": more than 256 MB of text");

@@ -54,6 +54,7 @@ TEST(LocaleSource, StatementsFallIntoTokens) {
         {"<S0061> <S0061>;<BASE>;IGNORE % A\n", "yS0061 yS0061 ; yBASE ; wIGNORE | "},
         {"d \"one/\ntwo\"\n", "wd sone/\ntwo | "},
         {"e <a/>b>\n", "we ya/>b | "},
+        {"x 1\n% the end follows /\n", "wx n1 | "},
     };
     for (const auto &row : rows)
         EXPECT_EQ(tokens_of(file_of(row.text)), row.tokens) << row.text;
@@ -96,6 +97,7 @@ TEST(LocaleSource, FaultsAreToldWithTheirPlace) {
         }
     }
     for (const char *text : {"LC_TIME\nday \"a\"\n", "LC_TIME\nEND LC_CTYPE\n", "END LC_TIME\n",
+                             "LC_TIME\nEND LC_TIME\nLC_TIME\nEND LC_TIME\n",
                              "escape_char //\nLC_TIME\nEND LC_TIME\n"}) {
         source_file file("test", text);
         EXPECT_THROW(locale_source{file}, source_error) << text;
