@@ -46,7 +46,9 @@ private:
     void statement(const source_statement &statement);
     void class_members(const source_statement &statement, size_t from, uint32_t mask,
                        std::vector<uint32_t> *keys);
-    size_t range_end(const source_statement &statement, size_t token, std::vector<uint32_t> &keys);
+    void range_members(const source_statement &statement, size_t ellipsis,
+                       std::vector<uint32_t> &keys);
+    static code_sequence bytes_of(const source_statement &statement, size_t token);
     void case_map(const source_statement &statement, std::map<uint32_t, uint32_t> &partners);
     named_class &named(std::string_view name, const source_place &place);
     bool key_of(const source_statement &statement, size_t token, uint32_t &key) const;
@@ -78,13 +80,16 @@ private:
     std::set<std::string, std::less<>>
         ignored_; // keywords of maps that the object has no place for
     std::map<uint32_t, uint32_t> upper_, lower_; // partners by key
-    bool in_transliteration_ = false;
+    source_place transliteration_; // where the one that is being passed over began, or no file
     std::vector<const charmap_row *> rows_; // one for each sequence, in the order of the bytes
 };
 
 void ctype_compiler::read() {
     library_.for_each_statement(source_, "LC_CTYPE",
                                 [this](const source_statement &s) { statement(s); });
+    if (transliteration_.file != nullptr)
+        throw source_error(transliteration_, "the transliterations have no end",
+                           "close them with translit_end");
     for (const implied_class &rule : implied_classes)
         for (uint16_t &mask : classes_)
             if (mask & rule.of)
@@ -108,15 +113,20 @@ named_class &ctype_compiler::named(std::string_view name, const source_place &pl
 void ctype_compiler::statement(const source_statement &statement) {
     std::string_view keyword = statement.keyword();
     if (keyword == "translit_start" || keyword == "translit_end") {
-        in_transliteration_ = keyword == "translit_start";
+        transliteration_ = keyword == "translit_start" ? statement.place() : source_place{};
         return;
     }
-    if (in_transliteration_ || keyword == "outdigit" || ignored_.contains(keyword))
+    if (transliteration_.file != nullptr || keyword == "outdigit" || ignored_.contains(keyword))
         return;
-    for (const class_word &known : class_words)
-        if (keyword == known.word)
-            return class_members(statement, 1, known.mask, nullptr);
     const std::vector<source_token> &tokens = statement.tokens;
+    // class "upper" is another way to write upper.
+    const size_t members = keyword != "class"                                             ? 1
+                           : tokens.size() > 2 && tokens[2].kind == token_kind::semicolon ? 3
+                                                                                          : 2;
+    for (const class_word &known : class_words)
+        if (keyword == known.word ||
+            (members > 1 && tokens.size() > 1 && tokens[1].text == known.word))
+            return class_members(statement, members, known.mask, nullptr);
     bool declares =
         keyword == "class" || keyword == "map" || keyword == "charclass" || keyword == "charconv";
     if (declares && tokens.size() < 2)
@@ -125,9 +135,7 @@ void ctype_compiler::statement(const source_statement &statement) {
     if (keyword == "toupper" || keyword == "tolower") {
         case_map(statement, keyword == "toupper" ? upper_ : lower_);
     } else if (keyword == "class") {
-        class_members(statement,
-                      tokens.size() > 2 && tokens[2].kind == token_kind::semicolon ? 3 : 2, 0,
-                      &named(tokens[1].text, statement.place(1)).keys);
+        class_members(statement, members, 0, &named(tokens[1].text, statement.place(1)).keys);
     } else if (keyword == "charclass") {
         for (size_t i = 1; i < tokens.size(); i += 2)
             named(tokens[i].text, statement.place(i));
@@ -154,55 +162,83 @@ bool ctype_compiler::key_of(const source_statement &statement, size_t token, uin
     if (key < code_point_limit)
         return true;
     const charmap_row *row = nullptr;
-    if (at.kind == token_kind::symbol) {
+    if (at.kind == token_kind::symbol)
         row = map_.find_name(at.text);
-    } else if (at.kind == token_kind::bytes) {
-        code_sequence wanted;
-        for (const text_element &element : statement.source->elements(at))
-            if (wanted.length < max_sequence_length)
-                wanted.bytes[wanted.length++] = static_cast<unsigned char>(element.value);
-        for (const charmap_row &candidate : map_.rows)
-            if (candidate.sequence == wanted)
-                row = &candidate;
-    } else {
+    else if (at.kind == token_kind::bytes)
+        row = map_.find_bytes(bytes_of(statement, token));
+    else
         throw source_error(statement.place(token), "a character must stand here",
                            "write it as <Uxxxx>");
-    }
     if (row != nullptr)
         key = key_of(*row);
     return row != nullptr;
 }
 
-// Reads "..<last>" behind a first character, which `keys` holds; the index of the token behind it.
-size_t ctype_compiler::range_end(const source_statement &statement, size_t token,
-                                 std::vector<uint32_t> &keys) {
-    uint32_t last = 0;
-    if (token + 1 >= statement.tokens.size())
-        throw source_error(statement.place(token), "a range without an end",
-                           "name its last character");
-    bool there = key_of(statement, token + 1, last);
-    if (keys.empty() || !there)
-        return token + 2;
-    uint32_t first = keys[0];
-    if (first < code_point_limit && last < code_point_limit) {
-        if (first > last)
-            throw source_error(statement.place(token), "this range ends before it begins",
-                               "give the lower end first");
-        auto step = static_cast<uint32_t>(statement.tokens[token].number);
-        keys.clear();
-        for (uint32_t key = first; key <= last; key += step)
-            keys.push_back(key);
-        return token + 2;
+code_sequence ctype_compiler::bytes_of(const source_statement &statement, size_t token) {
+    code_sequence found;
+    for (const text_element &element : statement.source->elements(statement.tokens[token])) {
+        if (found.length == max_sequence_length)
+            throw source_error(statement.place(token), "a character of more than 4 bytes",
+                               "give one character");
+        found.bytes[found.length++] = static_cast<unsigned char>(element.value);
     }
-    // Characters without code points count in the order of their bytes.
-    const charmap_row *from = row_of(first), *to = row_of(last);
+    return found;
+}
+
+// The characters from the token in front of an ellipsis to the one behind it. Characters count by
+// code point, bytes by the order of the charmap's sequences, other names by the numbers in them.
+void ctype_compiler::range_members(const source_statement &statement, size_t ellipsis,
+                                   std::vector<uint32_t> &keys) {
+    enum class named_by { code_point, bytes, name };
+    auto form = [&](size_t token) {
+        const source_token &at = statement.tokens[token];
+        return at.kind == token_kind::bytes ? named_by::bytes
+               : at.kind == token_kind::symbol && at.code_point == no_code_point
+                   ? named_by::name
+                   : named_by::code_point;
+    };
+    if (ellipsis + 1 >= statement.tokens.size())
+        throw source_error(statement.place(ellipsis), "a range without an end",
+                           "name its last character");
+    const source_token &dots = statement.tokens[ellipsis];
+    const size_t first = ellipsis - 1, last = ellipsis + 1;
+    const named_by by = form(first);
+    if (form(last) != by || (by == named_by::bytes) != (dots.text == "...") ||
+        (by == named_by::code_point && dots.text == "...."))
+        throw source_error(statement.place(ellipsis), "this is no ellipsis for these characters",
+                           "write .. between <Uxxxx>, ... between bytes, and .. or .... between "
+                           "names that end in numbers");
     keys.clear();
-    for (const charmap_row &row : map_.rows)
-        if (from && to && row.sequence.length == from->sequence.length &&
-            row.sequence.packed() >= from->sequence.packed() &&
-            row.sequence.packed() <= to->sequence.packed())
-            keys.push_back(key_of(row));
-    return token + 2;
+    if (by == named_by::code_point) {
+        uint32_t from = 0, to = 0;
+        if (!key_of(statement, first, from) || !key_of(statement, last, to) || from > to ||
+            to >= code_point_limit)
+            throw source_error(statement.place(ellipsis),
+                               "this range ends before it begins, or behind U+10FFFF",
+                               "give the lower end first");
+        for (uint32_t key = from; key <= to; key += static_cast<uint32_t>(dots.number))
+            keys.push_back(key);
+    } else if (by == named_by::bytes) {
+        const code_sequence from = bytes_of(statement, first), to = bytes_of(statement, last);
+        if (from.length != to.length || from.packed() > to.packed())
+            throw source_error(statement.place(ellipsis), "these bytes make no range",
+                               "give two characters of one length, the lower first");
+        for (const charmap_row &row : map_.rows)
+            if (row.sequence.length == from.length && row.sequence.packed() >= from.packed() &&
+                row.sequence.packed() <= to.packed())
+                keys.push_back(key_of(row));
+    } else {
+        const std::vector<std::string> names =
+            counted_names(statement.tokens[first].text, statement.tokens[last].text,
+                          dots.text == "...." ? 10 : 16);
+        if (names.empty())
+            throw source_error(statement.place(ellipsis), "these names make no range",
+                               "both must be the same text with a number behind it, the lower "
+                               "first");
+        for (size_t i = 0; i < names.size(); i += static_cast<size_t>(dots.number))
+            if (const charmap_row *row = map_.find_name(names[i]))
+                keys.push_back(key_of(*row));
+    }
 }
 
 void ctype_compiler::class_members(const source_statement &statement, size_t from, uint32_t mask,
@@ -214,8 +250,10 @@ void ctype_compiler::class_members(const source_statement &statement, size_t fro
         if (key_of(statement, i, key))
             found.push_back(key);
         i++;
-        if (i < statement.tokens.size() && statement.tokens[i].kind == token_kind::ellipsis)
-            i = range_end(statement, i, found);
+        if (i < statement.tokens.size() && statement.tokens[i].kind == token_kind::ellipsis) {
+            range_members(statement, i, found);
+            i += 2;
+        }
         for (uint32_t member : found)
             classes_[member] = static_cast<uint16_t>(classes_[member] | mask);
         if (keys != nullptr)

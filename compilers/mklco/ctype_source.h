@@ -2,7 +2,13 @@
 // their classes and partners in case.
 //
 // A source classes characters by their code points, for all code sets at once; what the charmap
-// lacks is passed over. The rest is what a source leaves to the compiler:
+// lacks is passed over. Ranges:
+//
+//     <U0041>..<U005A>          counts code points; "..(2).." takes every second one
+//     /xa1.../xa3               what the code set has between these bytes
+//     <j0101>....<j0109>        counts names in decimal; ".." in hexadecimal
+//
+// The rest is what a source leaves to the compiler:
 //
 //     upper, lower              are alpha
 //     alpha, digit, punct       are graph, and graph is print

@@ -9,6 +9,7 @@ namespace {
 
 constexpr uint32_t greatest_code_point = 0x7FFFFFFF;
 constexpr uint64_t longest_range = 0x110000;
+constexpr size_t most_rows = 2 * longest_range;
 constexpr std::string_view one_way_mark = "%IRREVERSIBLE%";
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
@@ -67,6 +68,28 @@ uint32_t code_point_of_name(std::string_view name) {
         value = value << 4 | static_cast<uint32_t>(digit);
     }
     return value <= greatest_code_point ? value : no_code_point;
+}
+
+std::vector<std::string> counted_names(std::string_view first, std::string_view last, int base) {
+    uint32_t from = 0, to = 0;
+    size_t first_at = 0, last_at = 0;
+    std::vector<std::string> names;
+    if (!split_number(first, base, first_at, from) || !split_number(last, base, last_at, to) ||
+        first.substr(0, first_at) != last.substr(0, last_at) || from > to ||
+        uint64_t{to} - from >= longest_range)
+        return names;
+    size_t digits = first.size() - first_at;
+    for (uint64_t value = from; value <= to; value++) {
+        char buffer[16];
+        char *end = std::to_chars(buffer, buffer + sizeof buffer, value, base).ptr;
+        std::transform(buffer, end, buffer,
+                       [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
+        std::string number(buffer, end);
+        names.push_back(std::string(first.substr(0, first_at)) +
+                        std::string(digits > number.size() ? digits - number.size() : 0, '0') +
+                        number);
+    }
+    return names;
 }
 
 // Walks the source line by line.
@@ -359,6 +382,9 @@ int charmap_reader::decimal(int greatest) {
 
 void charmap_reader::add_row(uint32_t code_point, std::string_view name,
                              const code_sequence &sequence, bool one_way, uint32_t offset) {
+    if (map_.rows.size() == most_rows)
+        fail(offset, "more than " + std::to_string(most_rows) + " characters",
+             "no code set has so many; look for a range that is too long");
     if (code_point == no_code_point && !one_way)
         map_.named_rows_.try_emplace(std::string(name), static_cast<uint32_t>(map_.rows.size()));
     map_.mb_cur_max = std::max<int>(map_.mb_cur_max, sequence.length);
@@ -367,19 +393,15 @@ void charmap_reader::add_row(uint32_t code_point, std::string_view name,
 
 void charmap_reader::add_range(const name_range &range, code_sequence first, bool one_way) {
     uint32_t from = code_point_of_name(range.first), to = code_point_of_name(range.last);
-    std::string_view stem;
-    size_t digits = 0;
+    std::vector<std::string> names;
     bool by_code_point = from != no_code_point && to != no_code_point;
     if (!by_code_point) {
-        int base = range.hexadecimal ? 16 : 10;
-        size_t first_at = 0, last_at = 0;
-        if (!split_number(range.first, base, first_at, from) ||
-            !split_number(range.last, base, last_at, to) ||
-            range.first.substr(0, first_at) != range.last.substr(0, last_at))
+        names = counted_names(range.first, range.last, range.hexadecimal ? 16 : 10);
+        if (names.empty())
             fail(range.offset, "these names make no range",
-                 "both must be the same text with a number behind it");
-        stem = range.first.substr(0, first_at);
-        digits = range.first.size() - first_at;
+                 "both must be the same text with a number behind it, the lower first");
+        from = 0;
+        to = static_cast<uint32_t>(names.size()) - 1;
     }
     if (from > to || uint64_t{to} - from >= longest_range)
         fail(range.offset, "a range that ends before it begins, or is too long",
@@ -387,19 +409,10 @@ void charmap_reader::add_range(const name_range &range, code_sequence first, boo
     // The installed UTF-8 charmap has ranges that go on behind a last byte BF.
     bool utf8 = map_.code_set_name == "UTF-8";
     for (uint32_t value = from;; value++) {
-        std::string name;
-        if (!by_code_point) {
-            char buffer[16];
-            char *end =
-                std::to_chars(buffer, buffer + sizeof buffer, value, range.hexadecimal ? 16 : 10)
-                    .ptr;
-            std::transform(buffer, end, buffer,
-                           [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
-            std::string number(buffer, end);
-            name = std::string(stem) +
-                   std::string(digits > number.size() ? digits - number.size() : 0, '0') + number;
-        }
-        add_row(by_code_point ? value : no_code_point, name, first, one_way, range.offset);
+        if (by_code_point)
+            add_row(value, {}, first, one_way, range.offset);
+        else
+            add_row(no_code_point, names[value], first, one_way, range.offset);
         if (value == to)
             return;
         if (!step(first, utf8 ? 0x80 : 0x00, utf8 ? 0xBF : 0xFF))
@@ -470,6 +483,14 @@ const charmap_row *charmap::find(uint32_t code_point) const {
         return nullptr;
     uint32_t slot = pages_[page][code_point & 0xFF];
     return slot == 0 ? nullptr : &rows[slot - 1];
+}
+
+const charmap_row *charmap::find_bytes(const code_sequence &wanted) const {
+    const charmap_row *found = nullptr;
+    for (const charmap_row &row : rows)
+        if (row.sequence == wanted && (found == nullptr || (found->one_way && !row.one_way)))
+            found = &row;
+    return found;
 }
 
 const charmap_row *charmap::find_name(std::string_view name) const {

@@ -63,6 +63,8 @@ public:
     const charmap_row *find(uint32_t code_point) const;
     // The same for any symbolic name, without its angle brackets.
     const charmap_row *find_name(std::string_view name) const;
+    // The row, of either way, that bytes are read as; null when they are no character.
+    const charmap_row *find_bytes(const code_sequence &wanted) const;
 
     const source_file &source() const { return source_; }
     source_place place(const charmap_row &row) const { return {&source_, row.offset}; }
@@ -78,5 +80,9 @@ private:
 
 // The code point of "U0041" or "U00010000" (4 or 8 hexadecimal digits), else no_code_point.
 uint32_t code_point_of_name(std::string_view name);
+
+// The names of a range such as j0101 to j0194, whose numbers count up in base 10 or 16; none when
+// the two make no range.
+std::vector<std::string> counted_names(std::string_view first, std::string_view last, int base);
 
 } // namespace kestrion

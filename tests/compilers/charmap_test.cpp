@@ -75,6 +75,9 @@ TEST(Charmap, FaultsAreToldWithTheirPlace) {
         {head_and("<x1>..<y2> /x41\n"), 6, 1, "make no range"},
         {head_and("<U0041>..<U0043> /xfe\n"), 6, 1, "runs over"},
         {head_and("<U0041> /x41\n") + "WIDTH\n<U0041> two\nEND WIDTH\n", 9, 9, "number"},
+        {head_and("<U00000000>..<U0010FFFF> /x00/x00/x00/x00\n"
+                  "<U00000000>..<U0010FFFF> /x00/x00/x00/x00\n<U0041> /x41\n"),
+         8, 1, "more than"},
         {"<colour> red\n", 1, 1, "not known"},
         {"CHARMAP\n<U0041> \\x41\nEND WIDTH\n", 3, 5, "another section"},
     };

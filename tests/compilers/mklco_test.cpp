@@ -28,8 +28,7 @@ constexpr const char *ctype =
     "toupper (a,A);(b,B);(<U00E4>,<U00C4>);(<U00FF>,<U0178>)\n"
     "tolower (A,a);(B,b);(<U00C4>,<U00E4>)\n"
     "class \"vowel\"; A;a;<U00C4>\nclass \"none\"; <U4E00>\n"
-    "translit_start\n<U20AC> <U4E00>;\"EUR\"\n<U0300> \"\"\ntranslit_end\n"
-    "END LC_CTYPE\n";
+    "translit_start\n<U20AC> <U4E00>;\"EUR\"\n<U0300> \"\"\ntranslit_end\n";
 
 struct Mklco : command_test {
     Mklco() {
@@ -55,7 +54,7 @@ struct Mklco : command_test {
                     const std::string &time = "", const std::string &messages = "",
                     std::vector<std::string> more = {}) {
         std::ofstream("locales/tt") << "comment_char %\nescape_char /\n"
-                                    << ctype << "LC_NUMERIC\n"
+                                    << ctype << more_classes << "END LC_CTYPE\nLC_NUMERIC\n"
                                     << numeric << "END LC_NUMERIC\nLC_MONETARY\n"
                                     << monetary << "END LC_MONETARY\nLC_TIME\n"
                                     << time << "END LC_TIME\nLC_MESSAGES\n"
@@ -64,6 +63,7 @@ struct Mklco : command_test {
         words.insert(words.end(), more.begin(), more.end());
         return mklco(words);
     }
+    std::string more_classes; // lines at the end of LC_CTYPE
     std::string section(const char *marker) { return between(content("new.lco"), marker, "### "); }
 };
 
@@ -115,6 +115,40 @@ TEST_F(Mklco, ClassesAndCaseFollowTheCodeSet) {
                         "case 41..42 1+\ncase 61..62 1+\ncase 8241 3\ncase c4 4\ncase e4 4\n"),
               std::string::npos)
         << list;
+}
+
+TEST_F(Mklco, RangesCountAsTheirEllipsisSays) {
+    std::ofstream("charmaps/R") << "<code_set_name> R\n<escape_char> /\nCHARMAP\n"
+                                   "<U0058>..<U005A> /x58\n<U0104> /xa1\n<U02D8> /xa2\n"
+                                   "<U0141> /xa3\n<a9> /xb9\n<a10> /xb1\nEND CHARMAP\n";
+    const struct {
+        const char *range, *members; // null: refused
+    } rows[] = {
+        {"<U0058>..<U005A>", "class 58..5a z\n"},
+        {"<U0058>..(2)..<U005A>", "class 58 z\nclass 59 -\nclass 5a z\n"},
+        {"/xa1.../xa3", "class a1..a3 z\n"},
+        {"<a9>....<a10>", "class b1 z\nclass b2..b8 -\nclass b9 z\n"},
+        {"<U0058>...<U005A>", nullptr},
+        {"<U0058>....<U005A>", nullptr},
+        {"<U005A>..<U0058>", nullptr},
+        {"<U0058>..<U00110000>", nullptr},
+        {"<U0058>../xa3", nullptr},
+        {"/xa1../xa3", nullptr},
+        {"<a10>....<a9>", nullptr},
+    };
+    for (const auto &row : rows) {
+        std::ofstream("locales/rr") << "comment_char %\nescape_char /\nLC_CTYPE\nclass \"z\"; "
+                                    << row.range << "\nEND LC_CTYPE\n";
+        more_classes = "copy \"rr\"\n";
+        const outcome result = compile("", "", "", "", {"-fR"});
+        if (row.members == nullptr) {
+            EXPECT_EQ(result.status, 4) << row.range;
+            EXPECT_NE(result.said.find("locales/rr:4:"), std::string::npos) << result.said;
+            continue;
+        }
+        mklco({"--list", "-olist", "new.lco"});
+        EXPECT_NE(content("list").find(row.members), std::string::npos) << row.range << result.said;
+    }
 }
 
 TEST_F(Mklco, SectionsTakeTheirFieldsFromTheSource) {
