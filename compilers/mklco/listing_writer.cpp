@@ -65,6 +65,23 @@ void for_each_run(const locale_object &object, uint16_t object_character::*datum
     }
 }
 
+// True when a text can stand without quotes.
+bool is_word(const std::string &text) {
+    return !text.empty() && text.find_first_of("\"#\\ ") == std::string::npos &&
+           quoted(text).size() == text.size() + 2;
+}
+
+// True when a word of a class line means this named class and nothing else.
+bool is_plain_class(const locale_object &object, size_t index) {
+    const std::string &name = object.class_names[index].second;
+    bool plain = is_word(name) && name != "-" && !name.starts_with("bit");
+    for (const class_word &word : class_words)
+        plain = plain && name != word.word;
+    for (size_t i = 0; i < index; i++)
+        plain = plain && name != object.class_names[i].second;
+    return plain;
+}
+
 std::string class_list(const locale_object &object, uint32_t mask) {
     std::string list;
     for (const class_word &word : class_words)
@@ -74,9 +91,9 @@ std::string class_list(const locale_object &object, uint32_t mask) {
         if (!(mask & CT_NAMED << bit))
             continue;
         std::string name = "bit" + std::to_string(bit);
-        for (const auto &[number, text] : object.class_names)
-            if (number == bit)
-                name = text;
+        for (size_t i = 0; i < object.class_names.size(); i++)
+            if (object.class_names[i].first == bit && is_plain_class(object, i))
+                name = object.class_names[i].second;
         list.append(" ").append(name);
     }
     return list.empty() ? " -" : list;
@@ -97,7 +114,11 @@ void append_numbered(std::string &out, const char *keyword, const locale_object 
 
 void append_ctype(std::string &out, const locale_object &object) {
     for (const auto &[bit, name] : object.class_names)
-        out.append("class_name ").append(std::to_string(bit)).append(" ").append(name).append("\n");
+        out.append("class_name ")
+            .append(std::to_string(bit))
+            .append(" ")
+            .append(is_word(name) ? name : quoted(name))
+            .append("\n");
     for_each_run(
         object, &object_character::classes, false,
         [&](const std::string &range, uint16_t mask, bool) {

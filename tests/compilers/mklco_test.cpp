@@ -342,6 +342,17 @@ TEST_F(Mklco, ListingsOfAllShippedObjectsCompileToTheirBytes) {
     EXPECT_GE(objects, 27u);
 }
 
+TEST_F(Mklco, ListingsTellOddClassNamesApart) {
+    more_classes = "class \"#x\"; <U0041>\nclass \"full_width\"; <U0042>\nclass \"bit1\"; <U0043>\n"
+                   "class \"upper\"; <U0044>\n";
+    ASSERT_EQ(compile("").status, 1);
+    ASSERT_EQ(mklco({"--list", "-olist", "new.lco"}).status, 0);
+    const std::string list = content("list");
+    EXPECT_NE(list.find("class 44 upper alpha graph print\n"), std::string::npos) << list;
+    ASSERT_EQ(mklco({"-oagain.lco", "list"}).status, 0);
+    EXPECT_EQ(content("again.lco"), content("new.lco"));
+}
+
 TEST_F(Mklco, ListingsHoldCollationsOfEveryShape) {
     compile("");
     mklco({"--list", "-olist", "new.lco"});
