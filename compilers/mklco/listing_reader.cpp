@@ -245,6 +245,8 @@ void listing_reader::field_line() {
         if (words_[0].text != object_section_names[static_cast<int>(field.section)] ||
             keyword != field.keyword)
             continue;
+        if (filled_[i])
+            fail(word(1).offset, "this field has a line already", "remove one of the two");
         bool texts = field.kind != field_kind::group && field.kind != field_kind::integer;
         bool fixed = field.kind != field_kind::group && field.kind != field_kind::counted;
         if (fixed)

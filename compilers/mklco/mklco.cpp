@@ -19,6 +19,7 @@ constexpr const char *widths_charmap = "UTF-8";
 
 struct mklco_options {
     bool list = false;
+    bool of_a_compilation = false; // one of the next was given
     std::string charmap;
     std::string code_set;
     std::string calendar = "gregorian";
@@ -106,6 +107,12 @@ void compilation::describe(locale_object &object, const charmap &map) const {
         head_lines("mklco", last_component(name_) + " " + last_component(options_.charmap), read);
 }
 
+std::string checked(const locale_object &object) {
+    std::string bytes = write_object(object);
+    check_by_loading(bytes);
+    return bytes;
+}
+
 std::vector<output_file> compile(const mklco_options &options, const compiler_run &run,
                                  diagnostics &said) {
     if (run.output.empty())
@@ -114,8 +121,10 @@ std::vector<output_file> compile(const mklco_options &options, const compiler_ru
         source_file listing = source_file::read(run.sources[0]);
         if (!is_listing(listing))
             throw usage_error("no charmap is named; --charmap NAME names it");
+        if (options.of_a_compilation)
+            throw usage_error("a listing goes with no option of a compilation");
         try {
-            return {{run.output, write_object(read_listing(listing))}};
+            return {{run.output, checked(read_listing(listing))}};
         } catch (const source_error &error) {
             said.error(listing, error.where.position(), error.what(), error.remedy);
             return {};
@@ -124,7 +133,7 @@ std::vector<output_file> compile(const mklco_options &options, const compiler_ru
     locale_object object = compilation(options, run.sources[0], said).run();
     if (said.failed())
         return {};
-    return {{run.output, write_object(object)}};
+    return {{run.output, checked(object)}};
 }
 
 // Objects of other makers may hold what no listing says: the bytes between two numbers, the order
@@ -144,7 +153,7 @@ std::vector<output_file> run_mklco(mklco_options &options, const compiler_run &r
         options.directories.emplace_back(system_sources);
         return compile(options, run, said);
     }
-    if (!options.charmap.empty() || !options.code_set.empty() || !options.directories.empty())
+    if (options.of_a_compilation)
         throw usage_error("--list goes with no option of a compilation");
     return list(run, said);
 }
@@ -153,6 +162,12 @@ std::vector<output_file> run_mklco(mklco_options &options, const compiler_run &r
 
 int mklco_main(int argc, char **argv, std::FILE *messages) {
     mklco_options options;
+    const auto given = [&options](auto set) {
+        return [&options, set](const std::string &value) {
+            options.of_a_compilation = true;
+            set(value);
+        };
+    };
     const compiler self = {
         .name = "mklco",
         .synopsis = "-o FILE --charmap NAME [--code-set NAME] LOCALE\n"
@@ -162,15 +177,18 @@ int mklco_main(int argc, char **argv, std::FILE *messages) {
         .options =
             {
                 {"charmap", 'f', "NAME", "the charmap of the code set",
-                 [&](const std::string &value) { options.charmap = value; }},
+                 given([&](const std::string &value) { options.charmap = value; })},
                 {"code-set", 'c', "NAME", "the code set's name in the registry of code sets",
-                 [&](const std::string &value) { options.code_set = value; }},
+                 given([&](const std::string &value) { options.code_set = value; })},
                 {"calendar", 0, "NAME", "gregorian, hebrew, islamic or arabic",
-                 [&](const std::string &value) { options.calendar = calendar_named(value); }},
+                 given(
+                     [&](const std::string &value) { options.calendar = calendar_named(value); })},
                 {"collation", 0, "NAME", "order texts by code, or by thai_smo",
-                 [&](const std::string &value) { options.collation = collation_named(value); }},
+                 given([&](const std::string &value) {
+                     options.collation = collation_named(value);
+                 })},
                 {"directory", 'I', "DIR", "look for locales/ and charmaps/ here first",
-                 [&](const std::string &value) { options.directories.push_back(value); }},
+                 given([&](const std::string &value) { options.directories.push_back(value); })},
                 {"list", 'l', nullptr, "print an object as a text that compiles to it",
                  [&](const std::string &) { options.list = true; }},
             },

@@ -1,9 +1,14 @@
 #include "compilers/mklco/object.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <memory>
+#include <new>
 #include <stdexcept>
 
 #include "compilers/object_table.h"
+#include "gls/categories.h"
 #include "gls/locale_file.h"
 
 namespace kestrion {
@@ -37,15 +42,21 @@ void append_text(std::string &out, std::string_view text) {
     out += '\n';
 }
 
+bool is_graphic(char c) { return c > ' ' && c <= '~'; }
+
 void append_head(std::string &out, const locale_object &object) {
-    if (object.code_set.empty() || object.code_set.size() > size_t{lco_cs_name_limit})
-        throw compiler_failure("\"" + object.code_set + "\" is no name of 1 to 19 characters");
+    const std::string &name = object.code_set;
+    if (name.empty() || name.size() > size_t{lco_cs_name_limit} ||
+        !std::all_of(name.begin(), name.end(), is_graphic))
+        throw compiler_failure("\"" + name +
+                               "\" is no code set's name: it has 1 to 19 characters and no blanks");
     out += lco_file_type;
     out += lco_version;
     out += "HEADER_LINES=" + std::to_string(lco_head_lines + object.head.size()) + "\n";
     for (const std::string &line : object.head) {
-        if (line.size() >= size_t{lco_line_limit})
-            throw compiler_failure("a head line of more than 126 characters: " + line);
+        if (line.size() >= size_t{lco_line_limit} || line.find('\n') != std::string::npos)
+            throw compiler_failure(
+                "a head line of more than 126 characters, or with a line feed: " + line);
         out += line + "\n";
     }
     out += object.code_set + "\n";
@@ -166,6 +177,22 @@ std::string write_object(const locale_object &object) {
         append_field(out, field, object.fields[i]);
     }
     return out;
+}
+
+void check_by_loading(std::string &bytes) {
+    const std::unique_ptr<FILE, int (*)(FILE *)> file(fmemopen(bytes.data(), bytes.size(), "rb"),
+                                                      std::fclose);
+    locale_rec *record = nullptr;
+    if (file == nullptr || gl_create_null_locale_4(&record) != 0)
+        throw std::bad_alloc();
+    const std::unique_ptr<locale_rec, void (*)(locale_rec *)> owner(record, gl_lc_unload);
+    for (int32_t i = 0; i < gl_category_count; i++) {
+        std::rewind(file.get());
+        if (read_one_category(record, gl_first_category + i, file.get()) != 0)
+            throw compiler_failure(std::string("the runtime would refuse the object: error ") +
+                                   std::to_string(record->err) + " in the section " +
+                                   category_params[i]);
+    }
 }
 
 } // namespace kestrion

@@ -29,6 +29,18 @@ constexpr shared_position shared_positions[] = {
     {"int_p_sign_posn", "p_sign_posn"},       {"int_n_sign_posn", "n_sign_posn"},
 };
 
+// The greatest value of a field, by the end of its keyword; the least is -1, for none.
+struct number_range {
+    std::string_view ending;
+    int64_t greatest;
+};
+constexpr number_range number_ranges[] = {
+    {"frac_digits", 126},
+    {"cs_precedes", 1},
+    {"sep_by_space", 2},
+    {"sign_posn", 4},
+};
+
 bool is_format(std::string_view keyword) { return keyword.find("_fmt") != std::string_view::npos; }
 
 class sections_compiler {
@@ -56,6 +68,7 @@ private:
     std::string era(const source_statement &statement, size_t token);
     std::string text(const source_statement &statement, size_t token, bool format);
     static int64_t number(const source_statement &statement, size_t token);
+    static int64_t amount_number(const source_statement &statement);
     static std::vector<int64_t> groups(const source_statement &statement,
                                        const std::vector<size_t> &operands);
 
@@ -100,8 +113,7 @@ void sections_compiler::statement(object_section section, const source_statement
             return set(object_fields[i], statement, object_.fields[i]);
     for (const shared_position &names : shared_positions)
         if (keyword == names.international) {
-            operands_of(statement);
-            international_.push_back({&names, number(statement, 1), statement.place()});
+            international_.push_back({&names, amount_number(statement), statement.place()});
             return;
         }
     if (std::find(std::begin(passed_over), std::end(passed_over), keyword) == std::end(passed_over))
@@ -116,6 +128,20 @@ int64_t sections_compiler::number(const source_statement &statement, size_t toke
         throw source_error(statement.place(token), "a number must stand here",
                            "give a decimal number, or -1 for none");
     return statement.tokens[token].number;
+}
+
+// The one operand of a field of LC_MONETARY.
+int64_t sections_compiler::amount_number(const source_statement &statement) {
+    if (operands_of(statement).size() > 1)
+        throw source_error(statement.place(3), "one number too many", "give one");
+    int64_t found = number(statement, 1);
+    if (found == source_group_end) // the other way to write -1, here as well
+        found = -1;
+    for (const number_range &range : number_ranges)
+        if (statement.keyword().ends_with(range.ending) && (found < -1 || found > range.greatest))
+            throw source_error(statement.place(1), "this number is out of range",
+                               "give -1 for none, or 0 to " + std::to_string(range.greatest));
+    return found;
 }
 
 std::string sections_compiler::text(const source_statement &statement, size_t token, bool format) {
@@ -183,7 +209,7 @@ void sections_compiler::set(const object_field &field, const source_statement &s
     if (keyword == "mon_thousands_sep")
         mon_separator_ = statement.place();
     if (field.kind == field_kind::integer)
-        value.numbers = {number(statement, 1)};
+        value.numbers = {amount_number(statement)};
     else if (field.kind == field_kind::group)
         value.numbers = groups(statement, operands);
     else if (field.kind != field_kind::line)
@@ -209,21 +235,23 @@ void sections_compiler::set_defaults(const object_field &field, object_field_val
     }
 }
 
-// A date of an era as a number that orders; false for "+*", "-*" and what is none.
+// A date of an era as a number that orders; false for "+*", "-*" and what the runtime takes for
+// none.
 bool era_date(std::string_view text, int64_t &date) {
+    const bool negative = text.starts_with('-');
     std::array<int64_t, 3> part{};
-    size_t at = 0;
-    bool negative = text.starts_with('-');
-    for (int64_t &number : part) {
-        at += at == 0 && !negative && !text.starts_with('+') ? 0 : 1;
-        size_t digits = at;
-        while (at < text.size() && text[at] >= '0' && text[at] <= '9' && at - digits < 9)
-            number = number * 10 + (text[at++] - '0');
-        if (at == digits)
+    size_t at = negative ? 1 : 0;
+    for (size_t i = 0; i < part.size(); i++) {
+        if (i > 0 && (at == text.size() || text[at++] != '/'))
+            return false;
+        const size_t first = at, most = i == 0 ? 9 : 2; // digits
+        while (at < text.size() && text[at] >= '0' && text[at] <= '9' && at - first < most)
+            part[i] = part[i] * 10 + (text[at++] - '0');
+        if (at == first)
             return false;
     }
     date = (negative ? -part[0] : part[0]) * 512 + part[1] * 32 + part[2];
-    return at == text.size();
+    return at == text.size() && part[1] >= 1 && part[1] <= 12 && part[2] >= 1 && part[2] <= 31;
 }
 
 std::string sections_compiler::era(const source_statement &statement, size_t token) {
@@ -247,7 +275,7 @@ std::string sections_compiler::era(const source_statement &statement, size_t tok
     int64_t start = 0, end = 0;
     bool open_end = plain[3] == "+*" || plain[3] == "-*";
     bool number =
-        !plain[1].empty() && plain[1].find_first_not_of("0123456789") == std::string::npos;
+        plain[1].size() - 1 < 9 && plain[1].find_first_not_of("0123456789") == std::string::npos;
     if (at != 5 || (plain[0] != "+" && plain[0] != "-") || !number || !era_date(plain[2], start) ||
         (!open_end && !era_date(plain[3], end)))
         throw source_error(
@@ -287,6 +315,9 @@ void compile_sections(source_library &library, const locale_source &source, text
     for (object_section section : {object_section::numeric, object_section::monetary,
                                    object_section::time, object_section::messages})
         compiler.read(section);
+    if (object.field(object_section::numeric, "decimal_point").texts[0].empty())
+        said.warning(source.file(), {}, "LC_NUMERIC has no decimal_point",
+                     "numbers are written without one; name it");
     compiler.tell_losses();
 }
 

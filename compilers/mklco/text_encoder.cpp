@@ -55,14 +55,40 @@ void text_encoder::append(std::string &out, const locale_source &from, const tex
     append_code_points(out, U"?");
 }
 
+// In a single-byte code set every byte is a character.
+bool text_encoder::is_spelt(std::string_view bytes) const {
+    if (map_.mb_cur_max == 1)
+        return true;
+    code_sequence sequence;
+    for (char byte : bytes) {
+        if (sequence.length == max_sequence_length)
+            return false;
+        sequence.bytes[sequence.length++] = static_cast<unsigned char>(byte);
+        if (map_.find_bytes(sequence) != nullptr)
+            sequence = {};
+    }
+    return sequence.length == 0;
+}
+
 std::string text_encoder::encode(const locale_source &from, std::span<const text_element> text,
                                  text_use use) {
     std::string out;
-    for (const text_element &element : text)
-        if (element.is == text_element::kind::byte)
-            out += static_cast<char>(element.value);
-        else
-            append(out, from, element, use);
+    for (size_t i = 0; i < text.size(); i++) {
+        if (text[i].is != text_element::kind::byte) {
+            append(out, from, text[i], use);
+            continue;
+        }
+        std::string bytes;
+        const size_t first = i;
+        for (; i < text.size() && text[i].is == text_element::kind::byte; i++)
+            bytes += static_cast<char>(text[i].value);
+        if (!is_spelt(bytes))
+            throw source_error(from.place(text[first].offset),
+                               "these bytes are no characters of the code set",
+                               "write the characters as <Uxxxx>");
+        out += bytes;
+        i--;
+    }
     return out;
 }
 

@@ -29,6 +29,7 @@ public:
 private:
     void append(std::string &out, const locale_source &from, const text_element &element,
                 text_use use);
+    bool is_spelt(std::string_view bytes) const;
     bool append_code_points(std::string &out, const std::u32string &text) const;
 
     source_library &library_;

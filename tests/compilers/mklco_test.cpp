@@ -233,8 +233,10 @@ TEST_F(Mklco, ErasGetTheSignOfTheirDirection) {
     EXPECT_EQ(between(content("list"), "LC_TIME era ", "\n"),
               "\"+:2:2020/01/01:+*:R:R:%EC%Ey\" \"+:1:2019/05/01:2019/12/31:R:R:%EC\" "
               "\"-:1:-0001/12/31:-*:B:B:%EC\" \"-:1:1911/12/31:1900/01/01:X:X:%EC\"");
-    for (const char *bad : {"+:1:2019//05:+*:R:%EC", "+:1:2019//05//01:+*:R",
-                            "*:1:2019//05//01:+*:R:%EC", "+:x:2019//05//01:+*:R:%EC"})
+    for (const char *bad :
+         {"+:1:2019//05:+*:R:%EC", "+:1:2019//05//01:+*:R", "+:1:2019//13//01:+*:R:%EC",
+          "+:1:2019-05-01:+*:R:%EC", "+:9999999999:2019//05//01:+*:R:%EC",
+          "*:1:2019//05//01:+*:R:%EC", "+:x:2019//05//01:+*:R:%EC"})
         EXPECT_EQ(compile("", "", "era \"" + std::string(bad) + "\"\n").status, 4) << bad;
 }
 
@@ -259,7 +261,10 @@ TEST_F(Mklco, FaultsAreToldWithTheirPlaceAndNothingIsWritten) {
         {"grouping 1;2;3;4;5;6;7;8;9;1;2;3;4;5;6\n", "", "", "tt:21:1: error"},
         {"copy \"nowhere\"\n", "", "", "tt:21:6: error"},
         {"", "frac_digits two\n", "", "tt:23:13: error"},
+        {"", "p_sign_posn 5\n", "", "tt:23:13: error"},
+        {"", "int_n_cs_precedes 0;1\n", "", "tt:23:21: error"},
         {"", "", "abday \"a\";\"b\"\n", "tt:25:1: error"},
+        {"", "", "am_pm \"/x81/x40\";\"/x81\"\n", "tt:25:19: error"},
         {"", "", "d_fmt \"%d<U4E00>\"\n", "tt:25:10: error"},
     };
     for (const auto &row : rows) {
@@ -269,10 +274,12 @@ TEST_F(Mklco, FaultsAreToldWithTheirPlaceAndNothingIsWritten) {
         EXPECT_EQ(content("old.lco"), "old");
     }
     // The runtime would refuse the object.
-    for (const std::string &name : {std::string("two words"), std::string(126, 'x')}) {
-        std::ofstream("locales/tt") << "LC_CTYPE\nclass \"" << name << "\"; A\nEND LC_CTYPE\n";
+    for (const std::string &line :
+         {std::string("class \"two words\"; A"), "class \"" + std::string(126, 'x') + "\"; A",
+          std::string("translit_start")}) {
+        std::ofstream("locales/tt") << "LC_CTYPE\n" << line << "\nEND LC_CTYPE\n";
         outcome result = mklco({"-I.", "-fT", "-ct", "-oold.lco", "tt"});
-        EXPECT_EQ(result.status, 4) << name;
+        EXPECT_EQ(result.status, 4) << line;
         EXPECT_NE(result.said.find("tt:2:"), std::string::npos) << result.said;
     }
 }
@@ -303,7 +310,11 @@ TEST_F(Mklco, CommandLinesThatSayTooLittleOrTooMuchAreRefused) {
         EXPECT_EQ(mklco(words).status, 2);
     EXPECT_EQ(mklco({"-I.", "-ox", "-fNOWHERE", "tt"}).status, 4);
     EXPECT_EQ(mklco({"-I.", "-ox", "-fT", "nowhere"}).status, 4);
-    EXPECT_EQ(mklco({"-I.", "-ox", "-fT", "-ca-name-of-20-letters", "tt"}).status, 4);
+    for (const char *name : {"-ca-name-of-20-letters", "-ctwo words", "-ctwo\nlines"})
+        EXPECT_EQ(mklco({"-I.", "-ox", "-fT", name, "tt"}).status, 4) << name;
+    EXPECT_NE(mklco({"-zf"}).said.find("'-z'"), std::string::npos);
+    mklco({"--list", "-olist", "new.lco"});
+    EXPECT_EQ(mklco({"-ox", "-ct", "list"}).status, 2) << "a listing names its code set itself";
     EXPECT_FALSE(fs::exists("x"));
 }
 
@@ -393,6 +404,7 @@ TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
         {"growth x", ":2:8: error"},
         {"LC_TIME day \"x\"", ":2:13: error"},
         {"LC_TIME hour 1", ":2:9: error"},
+        {"LC_TIME calendar \"x\"", ":64:9: error"},
         {"weights 7 1", ":2:9: error"},
         {"collation x", ":2:11: error"},
     };
@@ -405,6 +417,10 @@ TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
     }
     std::ofstream("bad") << list << "class 41 upper\n";
     EXPECT_EQ(mklco({"-oold.lco", "bad"}).status, 4) << "two lines for one character";
+    std::string mayan = list;
+    mayan.replace(mayan.find("gregorian"), 9, "mayan");
+    std::ofstream("mayan") << mayan;
+    EXPECT_EQ(mklco({"-oold.lco", "mayan"}).status, 4) << "the runtime would not load it";
     EXPECT_EQ(content("old.lco"), "old");
 }
 
