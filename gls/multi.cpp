@@ -68,17 +68,23 @@ bool make_missing_flags(multi_node *node, multi_arr *table) {
     return true;
 }
 
-bool make_missing_children(multi_node *node, multi_arr *table) {
-    if (node->child_slot == nullptr) {
-        node->child_slot = multi_make_byte_array();
-        if (node->child_slot == nullptr)
-            return false;
-        ++table->offset_count;
-    }
-    if (node->children == nullptr)
-        node->children =
-            static_cast<multi_node **>(_gl_ext_calloc(max_children, sizeof(multi_node *)));
-    return node->children != nullptr;
+bool make_missing_slots(multi_node *node, multi_arr *table) {
+    if (node->child_slot != nullptr)
+        return true;
+    node->child_slot = multi_make_byte_array();
+    if (node->child_slot == nullptr)
+        return false;
+    ++table->offset_count;
+    return true;
+}
+
+// Makes places for all children that a node can have: one that was read has them for its own only.
+bool widen_children(multi_node *node) {
+    void *const places = _gl_ext_realloc(node->children, max_children * sizeof(multi_node *));
+    if (places == nullptr)
+        return false;
+    node->children = static_cast<multi_node **>(places);
+    return true;
 }
 
 // Ends a sequence on the byte b of `node`.
@@ -110,14 +116,15 @@ int recursive_insert(multi_node *node, const gl_char_desc *sequence, int32_t dep
     if (depth + 1 == sequence->length)
         return insert_end(node, b, datum, table);
     if (multi_flag_at(node, b) == MULTI_END || !make_missing_flags(node, table) ||
-        !make_missing_children(node, table))
+        !make_missing_slots(node, table))
         return -1;
     if (node->flag_bytes[b] == MULTI_CHILD)
         return recursive_insert(multi_child_at(node, b), sequence, depth + 1, datum, table);
-    if (node->child_count == max_children)
+    if (node->child_count == max_children || !widen_children(node))
         return -1;
     // Counted before the child is made: a child that fails leaves its index spent.
     const int32_t index = node->child_count++;
+    node->children[index] = nullptr;
     multi_node *const child = multi_make_node();
     if (child == nullptr)
         return -1;

@@ -253,6 +253,22 @@ TEST(MultiFile, FailedLoadIsForgottenByTheNext) {
     _gl_free_multi(table);
 }
 
+TEST(MultiFile, TableThatWasReadTakesMoreSequences) {
+    const counting_allocator memory;
+    multi_arr *table = nullptr;
+    ASSERT_EQ(read_text(plain_rows, &table), 0);
+    for (int lead = 0xB0; lead < 0xF0; ++lead) {
+        const gl_char_desc desc = {.length = 2, .bytes = {static_cast<unsigned char>(lead), 'x'}};
+        const uint16_t datum = 7;
+        ASSERT_EQ(_gl_insert_desc_multi(&desc, &datum, table), 0);
+    }
+    EXPECT_EQ(datum_of(table, "\xB0x"), 7);
+    EXPECT_EQ(datum_of(table, "\xEFx"), 7);
+    EXPECT_EQ(datum_of(table, "\xA2\xA1"), 0x1C4);
+    EXPECT_EQ(table->root->child_count, 66);
+    _gl_free_multi(table);
+}
+
 int three_byte_reader(FILE *stream, void *datum, uint32_t size) {
     for (uint32_t i = 0; i < size; ++i) {
         char digits[3] = {};
