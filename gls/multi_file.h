@@ -41,8 +41,8 @@ extern "C" {
 int _gl_fscanf_multi(FILE *stream, multi_arr *table, int32_t greatest_len,
                      multi_datum_reader reader);
 
-// Writes a table, in the form that its flags tell; `single_byte_exists` is applied to it first. The
-// caller asks the stream whether all was written.
+// Writes a table, in the compressed form when its arrays are shared; `single_byte_exists` is
+// applied to it first. The caller asks the stream whether all was written.
 void _gl_fprintf_multi(FILE *stream, multi_arr *table, multi_datum_writer writer);
 
 // A 16-bit datum of four hexadecimal digits, in the byte order of the machine. data_size is 2.

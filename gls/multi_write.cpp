@@ -141,11 +141,15 @@ extern "C" {
 
 void _gl_fprintf_multi(FILE *stream, multi_arr *table, multi_datum_writer writer) {
     single_byte_exists(table);
-    write_numbers(stream, "%d %d %d ", table->max_len, table->min_len, table->flags);
+    // A table made with the bit has nothing to share before `_gl_compress_multi`.
+    const bool compressed = table->shared_flags != nullptr;
+    const int32_t form = compressed ? multi_compressed : 0;
+    write_numbers(stream, "%d %d %d ", table->max_len, table->min_len,
+                  (table->flags & ~multi_compressed) | form);
     writer(stream, table->default_datum);
     write_text(stream, "\n", 1);
     const table_writer out = {.stream = stream, .table = table, .write_datum = writer};
-    if ((table->flags & multi_compressed) != 0 && table->shared_flags != nullptr) {
+    if (compressed) {
         out.write_shared_arrays();
         out.write_compressed_node(table->root);
     } else {

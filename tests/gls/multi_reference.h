@@ -25,11 +25,12 @@ inline bool are_prefixes(const std::string &a, const std::string &b) {
 }
 
 // A table of `count` random sequences in a few rows of bytes, so that rows repeat; no byte is 0.
+// It asks for the compressed form from the start, which means nothing before it is compressed.
 // Sequences that the reference knows to clash are checked to be refused.
 inline multi_arr *random_multi(std::mt19937 &random, uint32_t data_size, int count,
                                multi_reference &reference) {
     const std::string default_datum(data_size, '\x05');
-    multi_arr *const table = _gl_create_multi(data_size, 0, default_datum.data());
+    multi_arr *const table = _gl_create_multi(data_size, multi_compressed, default_datum.data());
     for (int i = 0; i < count; ++i) {
         std::string sequence(1 + random() % 4, '\0');
         for (char &byte : sequence)
