@@ -159,6 +159,19 @@ bool spell_partners(locale_rec *lc, ctype_rec &ct) {
     return true;
 }
 
+// Whether every sequence is a whole number of units.
+bool has_whole_units(const multi_node *node, int32_t depth, int32_t unit) {
+    for (size_t b = 0; b < gl_bytes; ++b) {
+        unsigned char byte = static_cast<unsigned char>(b);
+        unsigned char flag = multi_flag_at(node, byte);
+        if (flag == MULTI_END && depth % unit != 0)
+            return false;
+        if (flag == MULTI_CHILD && !has_whole_units(multi_child_at(node, byte), depth + 1, unit))
+            return false;
+    }
+    return true;
+}
+
 bool is_spelled(const case_text &text, int byte) {
     return text.length == 0 || (text.length == 1 && text.bytes[0] == byte);
 }
@@ -259,8 +272,10 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
     const multi_arr *cases = ct.case_index;
     if (cases->max_len != 0 && cases->min_len != classes->min_len)
         return refuse(lc, GLS_ERR_MALFORMED);
-    // A terminator of several bytes is only met by a walk that takes whole characters.
-    if (classes->min_len != 1 && !are_characters(cases->root, classes->root))
+    // A terminator of several bytes is only met by a walk that takes whole characters, of whole
+    // units.
+    if (classes->min_len != 1 && (!has_whole_units(classes->root, 1, classes->min_len) ||
+                                  !are_characters(cases->root, classes->root)))
         return refuse(lc, GLS_ERR_MALFORMED);
     if (!flatten(lc, ct.class_table, ct.class_walk) || !flatten(lc, ct.case_index, ct.case_walk))
         return false;

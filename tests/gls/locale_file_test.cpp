@@ -343,6 +343,7 @@ TEST(LocaleObject, LongSequencesAndIndexesBeyondTheirTablesAreRefused) {
         {2, table_text({{std::string("\0a", 2), 0}, {"a", 0}}) + "0\n" + table_text({}) + "0\n\n",
          3},
         // Steps of another length would pass a terminator of two bytes.
+        {2, table_text({{"ab", 0}, {"cde", 0}}) + "0\n" + table_text({}) + "0\n\n", 11},
         {2,
          table_text({{"ab", 0}, {"cd", 0}, {zeros, 0}}) + "0\n" +
              table_text({{"abc", 0}, {"d" + zeros.substr(1), 0}, {zeros, 0}}) + "0\n\n1\n",
