@@ -26,12 +26,12 @@ int32_t gl_mbwidth(locale_rec *lc, const char *s);
 int32_t gl_mbwidth_PUA(locale_rec *lc, const char *s);
 
 // Return the columns of the first `count` characters, or up to the terminator; -1 with error 4 for
-// a negative count, 7 for a character that is not printable, 1 for an invalid one.
+// a negative count, 7 for a character that is not printable, be it an invalid one.
 int32_t gl_wcswidth(locale_rec *lc, const gl_wchar *s, int32_t count);
 int32_t gl_mbswidth(locale_rec *lc, const char *s, int32_t count);
 
 // The same up to `end`; error 5 when `end` lies before `s`. The multibyte form clears the error
-// word on entry.
+// word on entry, and keeps the error 1 of an invalid character.
 int32_t gl_wcspwidth(locale_rec *lc, const gl_wchar *s, const gl_wchar *end);
 int32_t gl_mbspwidth(locale_rec *lc, const char *s, const char *end);
 }
