@@ -402,7 +402,7 @@ TEST(LocaleObject, MutatedObjectsAreRefusedOrServe) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
     const std::string whole[] = {object_of(two_byte()).all(), wide_unit_object().all(),
-                                 object_of(four_byte()).all()};
+                                 object_of(four_byte()).all(), analysed_object().all()};
     const std::string texts[] = {"Abc \xa1\xa2\xc3\xa9\xf0\x9f\x98\x80",
                                  std::string("\0A\xd8\1\xdc\1\4\x10", 8), "\xe2"};
     for (int round = 0; round < 1500; ++round) {
