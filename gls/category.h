@@ -16,3 +16,8 @@ enum gl_category : int32_t {
 };
 inline constexpr int32_t gl_first_category = GL_CAT_CTYPE;
 inline constexpr int32_t gl_category_count = 6;
+
+// Whether a number is one of the six.
+inline bool is_single_category(int32_t category) {
+    return category >= gl_first_category && category < gl_first_category + gl_category_count;
+}

@@ -220,10 +220,9 @@ int32_t read_file_header(FILE *file, char *cs_name, int32_t *error) {
 }
 
 int32_t read_one_category(locale_rec *lc, int32_t category, FILE *file) {
-    int32_t slot = category - gl_first_category;
-    if (slot < 0 || slot >= gl_category_count)
+    if (!is_single_category(category))
         return refused(lc, GLS_ERR_ARGUMENT);
-    if (read_and_init(lc, slot, file))
+    if (read_and_init(lc, category - gl_first_category, file))
         return 0;
     // Nothing half read stays: lookups rely on what the readers have checked.
     int32_t word = *_gl_ext_errno(lc);
