@@ -33,12 +33,6 @@ inline int32_t decode_one(locale_rec *lc, gl_wchar *out, const char *text, int32
     return c.wide == 0 ? 0 : c.length;
 }
 
-// Four bytes, the first one highest: one load, where several of a character's bytes are wanted.
-inline gl_wchar packed_four(const unsigned char *s) {
-    return static_cast<gl_wchar>(s[0]) << 24 | static_cast<gl_wchar>(s[1]) << 16 |
-           static_cast<gl_wchar>(s[2]) << 8 | s[3];
-}
-
 // What the common way leaves over: odd arguments, the zero character, single bytes above ASCII, the
 // end of the text, characters of four bytes, invalid ones.
 [[gnu::noinline]] int32_t rare_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit) {
@@ -66,7 +60,7 @@ int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t lim
     if (!lc || limit < 1) [[unlikely]]
         return rare_mbtowc(lc, out, text, limit);
     const ctype_rec &ct = lc->ctype_cat;
-    const multi_step *walk = ct.class_walk;
+    const multi_step *walk = ct.byte_walk;
     if (!text) [[unlikely]]
         return 0;
     const auto *s = reinterpret_cast<const unsigned char *>(text);
@@ -75,18 +69,18 @@ int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t lim
         return 1;
     }
     multi_step step = walk[s[0]];
-    if (step.next < multi_first_state || limit < longest_character) [[unlikely]]
+    if (step.next < multi_first_state || limit < 3) [[unlikely]]
         return rare_mbtowc(lc, out, text, limit);
-    const gl_wchar four = packed_four(s);
+    const gl_wchar two = static_cast<gl_wchar>(s[0] << 8 | s[1]);
     step = next_step(walk, step, s[1]);
     if (step.next >= multi_first_state) [[likely]] {
         step = next_step(walk, step, s[2]);
         if (step.next == multi_end) [[likely]] {
-            *out = four >> 8;
+            *out = two << 8 | s[2];
             return 3;
         }
     } else if (step.next == multi_end) [[likely]] {
-        *out = four >> 16;
+        *out = two;
         return 2;
     }
     return rare_mbtowc(lc, out, text, limit);

@@ -78,7 +78,7 @@ int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state) {
     *state = {.lc = lc,
               .root = ct.class_table ? ct.class_table->root : nullptr,
               .plug_in = l.glu_in_use[GL_CAT_CTYPE - gl_first_category],
-              .walk = ct.mb_loc_min == 1 ? ct.class_walk : no_characters,
+              .walk = ct.byte_walk,
               .ascii_bytes = ct.ascii_bytes};
     return state->plug_in;
 }

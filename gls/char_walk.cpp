@@ -109,6 +109,7 @@ constinit const locale_rec ascii_locale = {
                   .ascii_bytes = 1,
                   .plain_ascii = 1,
                   .class_walk = ascii.class_walk,
+                  .byte_walk = ascii.class_walk,
                   .case_walk = ascii.case_walk,
                   .prefix_count = 1,
                   .class_prefixes = ascii.prefixes,

@@ -22,6 +22,12 @@ extern const locale_rec ascii_locale;
 // The flat table of an empty category: no byte begins a character.
 extern const multi_step no_characters[256];
 
+// What stands in for a category that is empty.
+inline constexpr ctype_rec no_ctype = {.mb_loc_min = 4,
+                                       .class_walk = no_characters,
+                                       .byte_walk = no_characters,
+                                       .case_walk = no_characters};
+
 inline const locale_rec &locale_or_ascii(const locale_rec *lc) { return lc ? *lc : ascii_locale; }
 
 inline const ctype_rec &ctype_of(const locale_rec *lc) { return locale_or_ascii(lc).ctype_cat; }

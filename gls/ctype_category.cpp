@@ -281,6 +281,7 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
         return false;
     ct.mb_loc_max = classes->max_len;
     ct.mb_loc_min = classes->min_len;
+    ct.byte_walk = ct.mb_loc_min == 1 ? ct.class_walk : no_characters;
     uint32_t prefixes = prefixes_for(ct);
     if (!list_prefixes(lc, ct.class_walk, prefixes, ct.class_prefixes) ||
         !list_prefixes(lc, ct.case_walk, prefixes, ct.case_prefixes))
@@ -364,7 +365,7 @@ int32_t set_function_pointers(locale_rec *lc) {
 namespace kestrion {
 
 bool empty_ctype(locale_rec *lc) {
-    lc->ctype_cat = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters};
+    lc->ctype_cat = no_ctype;
     lc->case_expansion = 1.0;
     // The texts of the next categories are walked before it is settled again what this one is.
     lc->is_single_byte = 0;
@@ -385,7 +386,7 @@ void free_ctype(locale_rec *lc) {
     _gl_free_ptr(ct.case_shifts);
     _gl_free_ptr(ct.class_prefixes);
     _gl_free_ptr(ct.case_prefixes);
-    ct = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters};
+    ct = no_ctype;
 }
 
 void free_byte_tables(locale_rec *lc) {

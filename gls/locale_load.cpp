@@ -38,12 +38,8 @@ int32_t load_all(locale_rec **out, const char *setting, const char *dir) {
 
 } // namespace
 
-constinit locale_rec loc_nomem = {
-    .err = GLS_ERR_NO_MEMORY,
-    .ctype_cat = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters}};
-constinit locale_rec loc_filer = {
-    .err = GLS_ERR_FILE,
-    .ctype_cat = {.mb_loc_min = 4, .class_walk = no_characters, .case_walk = no_characters}};
+constinit locale_rec loc_nomem = {.err = GLS_ERR_NO_MEMORY, .ctype_cat = no_ctype};
+constinit locale_rec loc_filer = {.err = GLS_ERR_FILE, .ctype_cat = no_ctype};
 constinit int32_t glu_capable = 0;
 
 int32_t gl_create_null_locale_4(locale_rec **out) {

@@ -79,6 +79,7 @@ struct ctype_rec {
     int32_t ascii_bytes;          // 1: the bytes 01-7F are characters
     int32_t plain_ascii;          // 1: they have the case of ASCII, too
     const multi_step *class_walk; // the flat form of class_table, never null
+    const multi_step *byte_walk;  // the same; no_characters when every character has several bytes
     const multi_step *case_walk;  // the flat form of case_index, never null
     uint32_t prefix_count;    // entries of the next two: wide characters below this << 8 use them
     uint16_t *class_prefixes; // state of class_walk by all bytes of a wide character but the last

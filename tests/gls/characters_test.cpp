@@ -180,8 +180,10 @@ TEST(Decoding, AgreesWithThePlainSetOnRandomText) {
                 SCOPED_TRACE(set.name + ": " + hex(left));
                 EXPECT_EQ(_qvt_gl_fast_mblen(&walk, at), wanted);
                 EXPECT_EQ(gl_full_mblen(lc, at, static_cast<int32_t>(left.size())), wanted);
-                gl_wchar wide = 0;
+                gl_wchar wide = 0, swift = 0;
                 gl_full_mbtowc(lc, &wide, at, static_cast<int32_t>(left.size()) + 1);
+                EXPECT_EQ(_qvt_gl_full_mbtowc(lc, &swift, at, 4), wanted) << "not behind the zero";
+                EXPECT_EQ(swift, wide);
                 std::string first(left.substr(0, static_cast<size_t>(length)));
                 EXPECT_EQ(wide, packed(first));
                 uint16_t mask = length ? set.characters.at(first).mask : 0;
@@ -280,6 +282,9 @@ TEST(WideUnits, CharactersAndTerminatorsKeepTheirWidth) {
     EXPECT_EQ(memcmp(out, "\0A\1", 3), 0);
     EXPECT_EQ(gl_mbsterm(lc, out), 2);
     EXPECT_EQ(gl_full_mblen(lc, "\0\0", 2), 0);
+    gl_wchar wide = 1;
+    EXPECT_EQ(_qvt_gl_full_mbtowc(lc, &wide, "\0\0\0", 4), 0);
+    EXPECT_EQ(wide, 0u);
     EXPECT_EQ(_qvt_gl_full_mblen(lc, "\0\0", 2), 2);
     EXPECT_EQ(gl_mbsbytes(lc, "\0A\5\0\4\x10\0\0"), 8) << "a zero byte inside ends nothing";
     EXPECT_EQ(gl_ismbsterm(lc, "\0A"), 0);
