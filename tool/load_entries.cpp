@@ -135,6 +135,7 @@ extern "C" int pwGetLineCount(pw_ctx *ctx, int32_t *count) {
 extern "C" int pwLoadPW(pw_ctx *ctx, int32_t *count, pw_entry **table) {
     if (ctx == nullptr || count == nullptr || table == nullptr)
         return -1;
+    *count = 0;
     opening run;
     if (open_passwords(ctx, &run) != 0)
         return -1;

@@ -77,7 +77,7 @@ int pwGetLineCount(pw_ctx *ctx, int32_t *count);
  * belongs to the caller, who frees it by the context's free_fn. A file that has grown since the
  * last pwGetLineCount of this context is refused at the first line too many; without one before it
  * nothing bounds the table, which must then be large enough by the caller's own knowledge.
- * On failure *count is not set; records of lines before the bad one are in the table. */
+ * On failure *count is 0; records of lines before the bad one are in the table. */
 int pwLoadPW(pw_ctx *ctx, int32_t *count, pw_entry **table);
 
 /* Frees the context; null is accepted. Always 0. */

@@ -213,10 +213,12 @@ TEST_F(Loader, EveryFailureSaysWhichStepItWas) {
     EXPECT_NE(
         words().find("Line:2: Error: Incorrect password file format\nDATA=a\nparse_file failed\n"),
         std::string::npos);
-    EXPECT_EQ(count, -7);
+    EXPECT_EQ(count, 0);
 
     write_file(file.c_str(), "nonsense", 8);
+    count = -7;
     EXPECT_EQ(words(), "FATAL error! password file is damaged\nextract_keys failed\n");
+    EXPECT_EQ(count, 0);
     unlink(file.c_str());
     EXPECT_EQ(words(), "Cannot open file " + file + "\nread_file failed\n");
 
