@@ -96,4 +96,10 @@ TEST_F(Mkqem, ListingCompilesToTheSameBytes) {
     std::ofstream("x.qem", std::ios::app) << "twelve bytes";
     EXPECT_EQ(mkqem({"--list", "-o", "list.msg", "x.qem"}).status, 1);
     EXPECT_EQ(content("list.msg"), "$quote \"\n1 \"one\"\n$args 2 text\n2 \"two %s\"\n");
+    // The first text without its line feed: the listing must not pass for the same message.
+    std::string bytes = content("x.qem");
+    bytes[bytes.find("one\n") + 3] = '!';
+    std::ofstream("x.qem") << bytes;
+    mkqem({"--list", "-o", "list.msg", "--losses", "lost", "x.qem"});
+    EXPECT_EQ(content("lost"), "x.qem: no source can hold message 1\n");
 }
