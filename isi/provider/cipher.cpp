@@ -83,7 +83,7 @@ int start(void *handle, void *descriptor, const unsigned char *key, const unsign
                                                                            : report_libcrypto();
 }
 
-// The context, if it has been given a key for this direction.
+// The context, if it has been given a key for this direction and there is a place for the length.
 cipher_context *keyed_context(void *handle, direction wanted, const int *outl) {
     cipher_context *context = context_of(handle);
     if (context == nullptr)
@@ -91,6 +91,14 @@ cipher_context *keyed_context(void *handle, direction wanted, const int *outl) {
     if (outl != nullptr && context->keyed == wanted)
         return context;
     report_message(outl != nullptr ? "no key for this direction" : "no place for the length");
+    return nullptr;
+}
+
+// The same for a text. libcrypto takes a length below 0 for a very large one with some ciphers.
+cipher_context *context_for_text(void *handle, direction wanted, const int *outl, int inl) {
+    if (inl >= 0)
+        return keyed_context(handle, wanted, outl);
+    report_message("negative length of a text");
     return nullptr;
 }
 
@@ -205,7 +213,7 @@ int ISI_decrypt_init(void *ctx, void *type, const unsigned char *key, const unsi
 }
 
 int ISI_encrypt_update(void *ctx, unsigned char *out, int *outl, const unsigned char *in, int inl) {
-    cipher_context *context = keyed_context(ctx, ENCRYPT, outl);
+    cipher_context *context = context_for_text(ctx, ENCRYPT, outl, inl);
     if (context == nullptr)
         return provider_failed;
     return EVP_EncryptUpdate(context->evp, out, outl, in, inl) == 1 ? provider_ok
@@ -213,7 +221,7 @@ int ISI_encrypt_update(void *ctx, unsigned char *out, int *outl, const unsigned 
 }
 
 int ISI_decrypt_update(void *ctx, unsigned char *out, int *outl, const unsigned char *in, int inl) {
-    cipher_context *context = keyed_context(ctx, DECRYPT, outl);
+    cipher_context *context = context_for_text(ctx, DECRYPT, outl, inl);
     if (context == nullptr)
         return provider_failed;
     return EVP_DecryptUpdate(context->evp, out, outl, in, inl) == 1 ? provider_ok

@@ -149,6 +149,8 @@ TEST_F(Provider, RefusesMisuseWithAWord) {
         CASE(isi_decrypt_init(fresh, cipher, nullptr, nullptr) +
              isi_decrypt_update(fresh, out, &length, in, 16)),
         CASE(isi_encrypt_update(fresh, out, nullptr, in, 16)),
+        CASE(isi_encrypt_init(fresh, isi_get_cipherbyname("AES-192-CTR"), key.data(), in) +
+             isi_encrypt_update(fresh, out, &length, in, -1)),
         CASE(isi_encrypt_init(fresh, cipher, key.data(), nullptr) + isi_cipher_ctx_cleanup(fresh) +
              isi_encrypt_update(fresh, out, &length, in, 16)),
         CASE(isi_cipher_ctx_free(nullptr)),
