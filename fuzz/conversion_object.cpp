@@ -9,6 +9,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int32_t text_size = 64;
@@ -45,15 +47,26 @@ answer convert(cv_rec *cv, const char *text, int32_t size, int32_t room, bool te
     return a;
 }
 
+// Bytes up to the end of the terminator, which is as long as the source's shortest character.
+int32_t terminated_size(const cv_rec *cv, const char *text) {
+    constexpr char zeros[4] = {};
+    const int32_t unit = std::clamp(cv->source_min_len, 1, 4);
+    int32_t at = 0;
+    while (memcmp(text + at, zeros, static_cast<size_t>(unit)) != 0)
+        at += unit;
+    return at + unit;
+}
+
 void convert_in_every_way(cv_rec *cv, const char *text) {
     for (int way = 0; way < 16; ++way) {
         const bool terminated = (way & 1) != 0;
         const bool measuring = (way & 2) != 0;
         const int32_t room = way < 8 ? room_size : 7 * (way - 7);
-        const answer with = convert(cv, text, text_size, room, terminated, measuring);
+        const int32_t size = terminated ? terminated_size(cv, text) : text_size;
+        const answer with = convert(cv, text, size, room, terminated, measuring);
         void *tables = cv->fast;
         cv->fast = nullptr;
-        const answer without = convert(cv, text, text_size, room, terminated, measuring);
+        const answer without = convert(cv, text, size, room, terminated, measuring);
         cv->fast = tables;
         if (memcmp(&with, &without, sizeof with) != 0)
             abort();

@@ -100,8 +100,8 @@ int32_t gl_cv_unload(cv_rec *cv);
 
 // Converts. All pointers and counts move forward by whole characters, on failure too.
 // state          null: start and end in the normal state.
-// source_length  null: the source is a terminated text, converted with its terminator; else the
-//                bytes left.
+// source_length  null: the source is a terminated text, converted with its terminator, which is as
+//                many zero bytes as the source's shortest character has; else the bytes left.
 // target         null, or pointing at null: nothing is stored, the room shrinks all the same. It
 //                may be the source itself only for a pair that writes no more than it has read.
 // lossy          set to 1 when a mapping was inexact, else 0.

@@ -10,6 +10,8 @@
 #include <limits.h>
 #include <string.h>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int32_t byte_values = 256;
@@ -63,17 +65,19 @@ walk start_walk(cv_rec *cv, const char **source, int32_t *length, char **target,
     return {cv, source, length, measuring ? nullptr : target, room};
 }
 
+bool zero_bytes(const char *bytes, int32_t count) {
+    for (int32_t i = 0; i < count; ++i)
+        if (bytes[i] != '\0')
+            return false;
+    return true;
+}
+
 // A terminated text ends with its terminator. A table that maps the zero character like any other
 // must not carry the walk beyond the text.
 bool ends_text(const walk &w, unsigned char control, const char *character, int32_t used) {
     if (w.length != nullptr)
         return false;
-    if ((control & CV_TERMINATOR) != 0)
-        return true;
-    for (int32_t i = 0; i < used; ++i)
-        if (character[i] != '\0')
-            return false;
-    return true;
+    return (control & CV_TERMINATOR) != 0 || zero_bytes(character, used);
 }
 
 bool unit_of(int32_t min_len, int32_t max_len, int32_t unit) {
@@ -92,7 +96,32 @@ const unsigned char *find_byte(const walk &w, int32_t &used) {
     return table->root->data == nullptr ? table->default_datum
                                         : table->root->data + (byte << table->shift);
 }
+// Tables without single-byte characters can hold ones that go on into a terminator, or bring a walk
+// out of step with it.
+bool may_pass_terminator(const cv_rec *cv) {
+    return cv->table_normal->min_len > 1 ||
+           (cv->table_shifted != nullptr && cv->table_shifted->min_len > 1);
+}
+
+// The next character of a terminated text: it ends in front of the terminator, or is it. Both are
+// whole units of the source's shortest character.
+const unsigned char *find_before_terminator(const multi_arr *table, const walk &w, int32_t &used) {
+    const int32_t unit = std::clamp(w.cv->source_min_len, 1, cv_sequence_size);
+    int32_t limit = 0;
+    while (limit < cv_sequence_size && !zero_bytes(*w.source + limit, unit))
+        limit += unit;
+    limit = std::max(limit, unit);
+    const void *datum = _gl_retrieve_text_multi_limit(*w.source, table, limit, &used, w.cv);
+    if (datum != nullptr && used % unit != 0) {
+        kestrion::set_engine_error(w.cv, GLS_ERR_BAD_CHARACTER);
+        return nullptr;
+    }
+    return static_cast<const unsigned char *>(datum);
+}
+
 const unsigned char *find_in(const multi_arr *table, const walk &w, int32_t &used) {
+    if (w.length == nullptr && may_pass_terminator(w.cv))
+        return find_before_terminator(table, w, used);
     return static_cast<const unsigned char *>(
         _gl_retrieve_text_multi_limit(*w.source, table, w.limit(), &used, w.cv));
 }

@@ -184,6 +184,36 @@ TEST(Conversion, ZeroEndsATerminatedTextWithoutItsMark) {
     }
 }
 
+// Where no character is a single byte, one may go on into the terminator, or bring the walk out of
+// step with it.
+TEST(Conversion, NothingIsReadBehindATerminator) {
+    const conversion_entries pairs{{"\0\0"s, "\x19\0"s}, {"AB", "\x11p"}, {"C\0"s, "\x11q"}};
+    const conversion_entries longer{{"\0\0"s, "\x19\0"s}, {"ABC", "\x11r"}, {"CD\0\0"s, "\x11s"}};
+    const struct {
+        const char *lengths;
+        const conversion_entries &entries;
+        std::string text;
+        int32_t result, error;
+        int64_t used;
+    } rows[] = {
+        {"1 2 0 0 1 2", pairs, "\0"s, -1, 7, 0},
+        {"1 2 0 0 1 2", pairs, "ABC\0"s, -1, 7, 2},
+        {"1 2 0 0 2 3", pairs, "ABC\0\0\0"s, 0, 0, 6},
+        {"1 2 0 0 2 4", longer, "CD\0\0"s, -1, 7, 0},
+        {"1 2 0 0 2 4", longer, "ABCD\0\0"s, -1, 1, 0},
+    };
+    for (const auto &row : rows) {
+        loaded_object loaded(object_lines{.lengths = row.lengths, .normal = row.entries}.text());
+        guarded_bytes text(row.text);
+        const char *source = text.data();
+        int32_t room = 100, lossy;
+        EXPECT_EQ(gl_miconv(loaded.cv, &source, nullptr, nullptr, &room, &lossy), row.result);
+        EXPECT_EQ(std::make_pair(loaded.cv->cv_err, source - text.data()),
+                  std::make_pair(row.error, row.used))
+            << row.lengths;
+    }
+}
+
 const object_lines stateful_target{.states = "1 1",
                                    .shifts = "10e10f00",
                                    .lengths = "1 2 0 0 1 2",
