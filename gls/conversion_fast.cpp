@@ -5,6 +5,8 @@
 #include <limits.h>
 #include <string.h>
 
+#include <algorithm>
+
 namespace kestrion {
 
 namespace {
@@ -158,6 +160,13 @@ bool overlap(const piece &text) {
     return text.target != nullptr && source < target + text.room && target < source + text.length;
 }
 
+// Length of a terminated text, as far as the room can take it: a text converted in small pieces
+// must not be looked through whole for each.
+int64_t length_ahead(const char *source, int32_t room) {
+    const int64_t most = std::min<int64_t>(int64_t{room} * widest_character, INT32_MAX);
+    return static_cast<int64_t>(strnlen(source, static_cast<size_t>(most)));
+}
+
 } // namespace
 
 void convert_fast(const cv_rec *cv, const char **source, int32_t *source_length, char **target,
@@ -165,9 +174,7 @@ void convert_fast(const cv_rec *cv, const char **source, int32_t *source_length,
     const auto *fast = static_cast<const fast_tables *>(cv->fast);
     if (fast == nullptr || *room < 2 * block || (source_length == nullptr && !fast->only_zero_ends))
         return;
-    const int64_t length = source_length != nullptr
-                               ? *source_length
-                               : static_cast<int64_t>(strnlen(*source, INT32_MAX));
+    const int64_t length = source_length != nullptr ? *source_length : length_ahead(*source, *room);
     if (length < 2 * block)
         return;
     piece text = {.source = reinterpret_cast<const unsigned char *>(*source),
