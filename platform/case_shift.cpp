@@ -107,7 +107,7 @@ int shift_text(Shift shift, const char *source, char *destination, ptrdiff_t len
         kestrion::set_engine_error(lc, GLS_OK);
     ptrdiff_t read = 0;
     ptrdiff_t written = 0;
-    while (read < length) {
+    while (read < length && written < length) {
         const int32_t left = static_cast<int32_t>(std::min<ptrdiff_t>(length - read, INT32_MAX));
         char out[gl_char_bytes];
         const step taken = shift(lc, {source + read, left}, out);

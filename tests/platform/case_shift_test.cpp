@@ -96,6 +96,7 @@ TEST(CaseShift, CharactersOfSeveralBytesKeepInsideTheLength) {
     // The longer form has no room at the end, and just enough where others follow to be dropped.
     EXPECT_EQ(shifted(to_upper, "aß"), std::string("A\0\0", 3));
     EXPECT_EQ(shifted(to_upper, "ßab"), std::string("ẞA", 4));
+    EXPECT_EQ(shifted(to_upper, "ßa\xFF"), "ẞA") << "what has no room is not looked at";
     EXPECT_EQ(shifted(to_upper, std::string_view("a\0b", 3)), std::string("A\0B", 3));
     EXPECT_EQ(shifted(sqlinitcap, "éA ßB!"), "Éa ẞb");
     EXPECT_EQ(shifted(sqlinitcap, "\u3000ÉÉ"), "\u3000Éé");
