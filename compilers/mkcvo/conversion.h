@@ -39,6 +39,9 @@ struct conversion_object {
 // The object's file. Throws compiler_failure for entries that no table can hold.
 std::string object_text(const conversion_object &object);
 
+// Lets the runtime read an object's file. Throws compiler_failure when it refuses it.
+void check_by_loading(std::string &text);
+
 // Reads a file that the runtime accepts; `path` names it in messages. Throws compiler_failure.
 conversion_object read_object(const std::string &path);
 

@@ -130,6 +130,12 @@ code_set_side unicode_source(const code_set_side &target, int bytes, diagnostics
     return unicode_side(target, bytes);
 }
 
+std::string checked(const conversion_object &object) {
+    std::string text = object_text(object);
+    check_by_loading(text);
+    return text;
+}
+
 std::string compile_charmaps(const mkcvo_options &options, const compiler_run &run,
                              held_sources &held, diagnostics &said) {
     if (run.sources.size() != 2)
@@ -163,7 +169,7 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
     object.head =
         head_lines("mkcvo", last_component(run.sources[0]) + " " + last_component(run.sources[1]),
                    texts_read(source, target, held));
-    return object_text(object);
+    return checked(object);
 }
 
 std::vector<output_file> compile(const mkcvo_options &options, const compiler_run &run,
@@ -175,7 +181,7 @@ std::vector<output_file> compile(const mkcvo_options &options, const compiler_ru
             held.hold(std::make_unique<source_file>(source_file::read(run.sources[0])));
         if (!is_listing(listing.text()))
             throw usage_error("two code sets are needed, the source and the target");
-        return {{run.output, object_text(read_listing(listing))}};
+        return {{run.output, checked(read_listing(listing))}};
     }
     return {{run.output, compile_charmaps(options, run, held, said)}};
 }

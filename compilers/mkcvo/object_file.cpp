@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cstdio>
 #include <cstring>
+#include <new>
 
 #include "compilers/object_table.h"
 #include "gls/conversion_file.h"
@@ -49,6 +50,10 @@ void append_numbers(std::string &out, const conversion_object &object) {
 std::string entries_text(const std::vector<conversion_entry> &entries, int target_max) {
     const multi_table table = make_table(static_cast<uint32_t>(target_max) + 1);
     for (const conversion_entry &entry : entries) {
+        if (entry.target.length > target_max)
+            throw compiler_failure("a mapping to " + std::to_string(entry.target.length) +
+                                   " bytes, where target characters have at most " +
+                                   std::to_string(target_max));
         unsigned char datum[1 + max_sequence_length] = {entry.control};
         std::memcpy(datum + 1, entry.target.bytes, sizeof entry.target.bytes);
         add_to_table(table.get(), entry.source, entry.control != 0 ? datum : nullptr);
@@ -56,10 +61,34 @@ std::string entries_text(const std::vector<conversion_entry> &entries, int targe
     return table_text(table.get(), conv_writer);
 }
 
-// A record of the runtime, read and released by the runtime.
-struct loaded_record {
-    cv_rec *cv = nullptr;
-    ~loaded_record() { gl_cv_unload(cv); }
+// A record that the runtime makes of an object's file, which is closed here; null for none.
+class loaded_record {
+public:
+    loaded_record(FILE *file, const std::string &refusal)
+        : cv_(static_cast<cv_rec *>(_gl_ext_calloc(1, sizeof(cv_rec)))) {
+        if (cv_ != nullptr && read_cv_file(cv_, file) == 0)
+            return;
+        if (file != nullptr)
+            _gl_ext_fclose(file);
+        if (cv_ == nullptr)
+            throw std::bad_alloc();
+        const std::string error = std::to_string(cv_->cv_err);
+        release();
+        throw compiler_failure(refusal + " (error " + error + ")");
+    }
+    ~loaded_record() { release(); }
+    loaded_record(const loaded_record &) = delete;
+    loaded_record &operator=(const loaded_record &) = delete;
+
+    const cv_rec &operator*() const { return *cv_; }
+
+private:
+    void release() {
+        _gl_ext_free(cv_->sb_table); // the runtime leaves it to those who hold it
+        gl_cv_unload(cv_);
+    }
+
+    cv_rec *cv_;
 };
 
 code_sequence sequence_of(const unsigned char *bytes, int length) {
@@ -116,23 +145,21 @@ std::string object_text(const conversion_object &object) {
     return out;
 }
 
+void check_by_loading(std::string &text) {
+    FILE *file = fmemopen(text.data(), text.size(), "r");
+    if (file == nullptr)
+        throw std::bad_alloc();
+    const loaded_record loaded(file, "the runtime would refuse the object");
+}
+
 conversion_object read_object(const std::string &path) {
     const source_file source = source_file::read(path);
     std::string absolute = path;
     if (path.empty() || path[0] != '/')
         absolute.insert(0, "./");
-    loaded_record loaded;
-    loaded.cv = static_cast<cv_rec *>(_gl_ext_calloc(1, sizeof(cv_rec)));
-    if (loaded.cv == nullptr)
-        throw std::bad_alloc();
-    FILE *file = _gl_ext_fopen(absolute.c_str(), "r");
-    if (read_cv_file(loaded.cv, file) != 0) {
-        if (file != nullptr)
-            _gl_ext_fclose(file);
-        throw compiler_failure(path + ": this is no conversion object (error " +
-                               std::to_string(loaded.cv->cv_err) + ")");
-    }
-    const cv_rec &cv = *loaded.cv;
+    const loaded_record loaded(_gl_ext_fopen(absolute.c_str(), "r"),
+                               path + ": this is no conversion object");
+    const cv_rec &cv = *loaded;
     conversion_object object;
     object.head = head_of(source);
     object.source_stateful = cv.source_stateful != 0;

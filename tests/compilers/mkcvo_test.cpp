@@ -43,6 +43,9 @@ struct Mkcvo : command_test {
         std::ofstream("loc") << "comment_char %\nescape_char /\nLC_CTYPE\ntranslit_start\n"
                                 "<U00E4> \"<U0041><U0045>\"\n<U20AC> \"<U20A0>\";\"<U0045>\"\n"
                                 "translit_end\nEND LC_CTYPE\n";
+        std::ofstream("too_long")
+            << "conversion_listing 1\nlengths 1 1 1 1\nnormal ff 14 01020304\n";
+        std::ofstream("endless") << "conversion_listing 1\nlengths 1 1 1 1\nexpansion 1e300\n";
         std::ofstream("old.cvo") << "old";
     }
     // The object of a command line, loaded.
@@ -121,6 +124,8 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "./pairs", "./to"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "old.cvo", "./to", "./pairs"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "old.cvo", "./prefix", "./to"}, 4, "is the beginning of another"},
+        {{"-o", "old.cvo", "too_long"}, 4, "where target characters have at most 1"},
+        {{"-o", "old.cvo", "endless"}, 4, "the runtime would refuse the object"},
         {{"-o", "old.cvo", "-t", "./nolocale", "./from", "./to"}, 4, "./nolocale"},
         {{"-o", "old.cvo", "--list", "./to"}, 4, "this is no conversion object"},
         {{"-o", "old.cvo", "./to"}, 2, "two code sets are needed"},
