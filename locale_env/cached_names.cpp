@@ -24,13 +24,18 @@ const char *const english_months[] = {"january",   "february", "march",    "apri
                                       "may",       "june",     "july",     "august",
                                       "september", "october",  "november", "december"};
 
+// A lower-case form that the code set can't spell is none. An object file may list such a one, and
+// half of a text written back would end nowhere.
 void lower_wide(locale_rec *lc, gl_wchar *wide) {
     const bool by_table = lc != nullptr && lc->sb_lower != nullptr;
     for (; *wide != 0; ++wide) {
-        if (by_table && *wide > 0xff)
+        if (by_table && *wide > 0xff) {
             *_gl_ext_errno(lc) = GLS_ERR_BAD_CHARACTER;
-        else if (_gl_im_iswctype(lc, *wide, CT_UPPER) != 0)
-            *wide = _gl_im_towlower(lc, *wide);
+        } else if (_gl_im_iswctype(lc, *wide, CT_UPPER) != 0) {
+            const gl_wchar lower = _gl_im_towlower(lc, *wide);
+            if (by_table ? lower <= 0xff : gl_wclen(lc, lower) > 0)
+                *wide = lower;
+        }
     }
 }
 

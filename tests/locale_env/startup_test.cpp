@@ -215,6 +215,15 @@ TEST(Startup, LowerCaseMayBeLongerThanItsText) {
         EXPECT_EQ(slot, wanted);
         free(slot);
     }
+    // A partner that is no character is none: half of a text written back would have no end.
+    locale_rec *lc = CheckGlsEnv()->cur_lc;
+    for (int32_t i = 1; i <= lc->ctype_cat.case_pair_count; ++i)
+        if (lc->ctype_cat.case_pairs[i].upper == 0xe1baa0)
+            lc->ctype_cat.case_pairs[i].lower = 0xfefefefe;
+    char *slot = strdup("\u023a\u023a\u023a\u023a\u1ea0");
+    EXPECT_EQ(downcase_gls_string(&slot), 15);
+    EXPECT_STREQ(slot, "\u2c65\u2c65\u2c65\u2c65\u1ea0");
+    free(slot);
     char broken[8] = "A\xff";
     EXPECT_EQ(tolower_string(broken), -1);
     char empty[1] = "";
