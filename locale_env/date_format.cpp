@@ -166,18 +166,18 @@ struct destination {
     }
 };
 
-// The locales of this territory write month, day, four-digit year, whatever their object says.
-bool time_category_is_en_us(locale_rec *lc) {
-    char *file = gl_setlocale_4(lc, GL_CAT_TIME, nullptr);
-    const bool is = file != nullptr && strncmp(file, "en_us", 5) == 0;
-    gl_destroystring(file);
-    return is;
-}
-
+// The locales of one territory write month, day, four-digit year, whatever their object says.
+// Without memory for the object's name nothing is settled: the format would be another one
+// unnoticed.
 int take_locale_format(destination &to, locale_rec *lc) {
-    const char *format = nullptr;
-    if (lc != nullptr && !time_category_is_en_us(lc))
-        format = gl_nl_langinfo(lc, GL_ITEM_DATE_FORMAT);
+    if (lc == nullptr)
+        return to.take_default();
+    char *file = gl_setlocale_4(lc, GL_CAT_TIME, nullptr);
+    if (file == nullptr)
+        return err_date_no_memory;
+    const bool is_en_us = strncmp(file, "en_us", 5) == 0;
+    gl_destroystring(file);
+    const char *format = is_en_us ? nullptr : gl_nl_langinfo(lc, GL_ITEM_DATE_FORMAT);
     return format != nullptr ? to.take(format, 0) : to.take_default();
 }
 

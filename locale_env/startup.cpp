@@ -73,6 +73,15 @@ struct start {
     int32_t is_gls[GLS_SLOTS] = {};
 };
 
+// Without a registry file the built-in table serves. Without memory for the file it must not: the
+// names that only the file has would be unknown, and the conversions that they ask for left out.
+int cache_code_sets() {
+    int32_t &word = *_gl_ext_errno(nullptr);
+    word = GLS_OK;
+    gl_cache_registry(nullptr, nullptr);
+    return word == GLS_ERR_NO_MEMORY ? -1 : 0;
+}
+
 // Puts the normal form of `text` into `spec` and makes it the setting, unless that is the same
 // already.
 int normalise_setting(start &s, gls_setting which, const char *text, char *spec) {
@@ -283,7 +292,8 @@ int initgls(int16_t mode) {
 int init_fe(void) {
     GlsEnv *env = CheckGlsEnv();
     start s{env, *env->state};
-    gl_cache_registry(nullptr, nullptr);
+    if (cache_code_sets() != 0)
+        return err_env_no_memory;
     s.dbnls = DBNLSset();
     if (const int result = load_client_locale(s); result != 0)
         return result;

@@ -430,7 +430,8 @@ TEST(Startup, CurrencySymbolsComeFromDbmoneyElseFromTheLocale) {
     }
 }
 
-// Each allocation of a start refused in turn: a stated error, and the next try succeeds.
+// Each allocation of a start refused in turn: a stated error, and the next try succeeds. A start
+// that does without the memory still means the same.
 TEST(Startup, SurvivesEveryRefusedAllocation) {
     setenv("KESTRIONDIR", INSTALLATION, 1);
     setenv("DB_LOCALE", "en_US.8859-15", 1); // small conversions: each allocation is tried
@@ -456,6 +457,9 @@ TEST(Startup, SurvivesEveryRefusedAllocation) {
             EXPECT_TRUE(result == err_locale_no_memory || result == err_locale_load ||
                         result == err_locale_conversion || result == err_date_no_memory)
                 << "allocation " << k << ": " << result;
+        } else {
+            EXPECT_STREQ(new_gls_env.date_fmt, "%m/%d/%iY") << "allocation " << k;
+            EXPECT_NE(new_gls_env.cv_clienttodb, nullptr) << "allocation " << k;
         }
         ASSERT_EQ(chkglsinit(), 0) << "second try behind allocation " << k;
     }
