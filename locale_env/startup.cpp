@@ -83,13 +83,16 @@ int cache_code_sets() {
 }
 
 // Puts the normal form of `text` into `spec` and makes it the setting, unless that is the same
-// already.
+// already. A text that is not the setting's own was given: no earlier start derived it.
 int normalise_setting(start &s, gls_setting which, const char *text, char *spec) {
     togensp(text, spec);
     const char *now = s.state.settings[which];
-    if (now != nullptr && stcmpr(now, spec) == 0)
-        return 0;
-    return gls_set_setting(&s.state, which, spec);
+    const bool given = text != now;
+    if ((now == nullptr || stcmpr(now, spec) != 0) && gls_set_setting(&s.state, which, spec) != 0)
+        return err_env_no_memory;
+    if (given)
+        s.state.defaulted &= ~(1 << which);
+    return 0;
 }
 
 // All six slots take `spec`, which is cut to a slot's room.

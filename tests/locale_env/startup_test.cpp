@@ -285,6 +285,10 @@ TEST(Startup, AStartBehindAReleaseForgetsWhatWasDerived) {
     setenv("CLIENT_LOCALE", "fr_FR.8859-15", 1);
     ASSERT_EQ(chkglsinit(), 0);
     EXPECT_EQ(new_gls_env.defaulted, 1 << GLS_DB_LOCALE);
+    freegls(); // keeps the settings
+    setenv("DB_LOCALE", "fr_FR.8859-1", 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    EXPECT_EQ(new_gls_env.defaulted, 0);
 }
 
 // The first load of the registry fills in what DBNLS needs; a DBNLS that comes later must bring it.
