@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fcntl.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -147,6 +148,18 @@ int load_lines(int descriptor, char **buffer, size_t size, const env_name_list *
     return status == ENV_UNKNOWN_VARIABLE ? ENV_TOO_LONG : 0;
 }
 
+// A pipe would hold the program up and a device might never end; and the home directory is that of
+// the login name, which is not root's where root was reached from another account. O_NONBLOCK is
+// for the opening of a pipe; files do not care.
+int open_regular_file(const char *path) {
+    const int descriptor = qvt_fd_open(path, O_RDONLY | O_NONBLOCK, 0, 0);
+    struct stat status;
+    if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)))
+        return descriptor;
+    qvt_fd_close(descriptor);
+    return -1;
+}
+
 } // namespace
 
 namespace kestrion {
@@ -166,7 +179,7 @@ int _ggetcfline(int descriptor, char **buffer, size_t *size, uint32_t *line) {
 
 int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint32_t *flags) {
     *line = 0;
-    const int descriptor = qvt_fd_open(path, O_RDONLY, 0, 0);
+    const int descriptor = open_regular_file(path);
     if (descriptor < 0)
         return 0;
     int status = ENV_NO_MEMORY;

@@ -40,8 +40,8 @@ extern "C" {
 // ignore  names to pass over.
 // line    receives the number of the last line read, counted from 1.
 // flags   bits of language_flag are added.
-// Returns 0, also for a file that cannot be opened; -2; -4 for a value over its limit, which ends
-//         the reading at that line, and for an unknown name on the last line.
+// Returns 0, also for what cannot be opened or is no regular file; -2; -4 for a value over its
+//         limit, which ends the reading at that line, and for an unknown name on the last line.
 int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint32_t *flags);
 
 // Reads a descriptor up to the end of the next line that is neither empty nor a comment, and not a

@@ -137,8 +137,9 @@ TEST_F(ConfigFile, CountsTheLinesItReads) {
 TEST_F(ConfigFile, WhatCannotBeReadIsNoError) {
     EXPECT_EQ(ldcffile((root + "/missing").c_str(), ignore, &line, &flags), 0);
     EXPECT_EQ(line, 0U);
-    EXPECT_EQ(ldcffile(root.c_str(), ignore, &line, &flags),
-              0); // a directory opens but does not read
+    EXPECT_EQ(ldcffile(root.c_str(), ignore, &line, &flags), 0);
+    ASSERT_EQ(mkfifo((root + "/pipe").c_str(), 0600), 0); // nobody writes, and nobody waits
+    EXPECT_EQ(ldcffile((root + "/pipe").c_str(), ignore, &line, &flags), 0);
 }
 
 // Every length up to several steps of growth, read whole, with the descriptor left behind the line.
