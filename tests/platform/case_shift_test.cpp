@@ -153,7 +153,8 @@ TEST(CaseShift, BlanksAtTheEndAreTheLocalesOwn) {
         const ptrdiff_t length = static_cast<ptrdiff_t>(row.block.size());
         EXPECT_EQ(byleng(block.data(), length), row.wanted) << row.block;
     }
-    EXPECT_EQ(byleng("x", -1), 0);
+    for (ptrdiff_t below_zero : {ptrdiff_t{-1}, 1 - (ptrdiff_t{1} << 32)})
+        EXPECT_EQ(byleng("x", below_zero), 0);
 }
 
 } // namespace
