@@ -9,7 +9,7 @@
 #include "gls/char_length.h"
 #include "gls/code_set_registry.h"
 #include "gls/ctype_masks.h"
-#include "gls/temp_dir.h"
+#include "support/temp_dir.h"
 
 #include <benchmark/benchmark.h>
 #include <unicode/ucasemap.h>

@@ -14,32 +14,6 @@
 
 namespace {
 
-// A locale loaded from an object made for a code set.
-class loaded {
-public:
-    loaded(const code_set &set, const object_text &object) {
-        temp_dir directory;
-        directory.write("test.lco", object.all());
-        EXPECT_EQ(gl_create_null_locale_4(&lc), 0);
-        char *names = set_categories(lc, GL_CAT_ALL, "test.lco", directory.path().c_str());
-        EXPECT_NE(names, nullptr) << set.name << ": error " << lc->err;
-        gl_destroystring(names);
-        lc->err = 0;
-    }
-    explicit loaded(const code_set &set) : loaded(set, object_of(set)) {}
-    ~loaded() { gl_lc_unload(lc); }
-    loaded(const loaded &) = delete;
-    loaded &operator=(const loaded &) = delete;
-    operator locale_rec *() const { return lc; }
-    int32_t error() const {
-        int32_t error = lc->err;
-        lc->err = 0;
-        return error;
-    }
-
-    locale_rec *lc;
-};
-
 std::string hex(std::string_view bytes) {
     std::string text;
     for (char byte : bytes)

@@ -1,7 +1,7 @@
 #include "gls/code_set_registry.h"
 
 #include "tests/gls/engine_test.h"
-#include "tests/gls/temp_dir.h"
+#include "tests/support/temp_dir.h"
 
 #include <set>
 

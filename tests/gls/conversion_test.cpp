@@ -9,6 +9,7 @@
 #include <stdlib.h>
 
 #include "support/guarded_bytes.h"
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -326,8 +327,8 @@ TEST(Conversion, OutputLengthIsTheRoundedExpansionTimesTheLength) {
 }
 
 TEST(Conversion, OpensAnswerWithARecordAStandInOrNothing) {
-    char name[] = "/tmp/kestrion-conversion-XXXXXX";
-    const std::string dir = mkdtemp(name);
+    const temp_dir site;
+    const std::string dir = site.path();
     const std::string object = multibyte_object.text();
     for (const char *file : {"/0333e01c.cvo", "/8859-1_utf8.cvo"})
         std::ofstream(dir + file) << object;

@@ -3,14 +3,15 @@
 
 #pragma once
 
+#include "gls/categories.h"
 #include "gls/char_class.h"
 #include "gls/ctype_masks.h"
 #include "gls/locale_file.h"
 #include "gls/multi_file.h"
 
 #include "gls/engine_test.h"
-#include "gls/temp_dir.h"
 #include "support/guarded_bytes.h"
+#include "support/temp_dir.h"
 
 #include <algorithm>
 #include <map>
@@ -289,3 +290,29 @@ inline object_text wide_unit_object() {
         return spelled;
     });
 }
+
+// A locale loaded from an object made for a code set.
+class loaded {
+public:
+    loaded(const code_set &set, const object_text &object) {
+        temp_dir directory;
+        directory.write("test.lco", object.all());
+        EXPECT_EQ(gl_create_null_locale_4(&lc), 0);
+        char *names = set_categories(lc, GL_CAT_ALL, "test.lco", directory.path().c_str());
+        EXPECT_NE(names, nullptr) << set.name << ": error " << lc->err;
+        gl_destroystring(names);
+        lc->err = 0;
+    }
+    explicit loaded(const code_set &set) : loaded(set, object_of(set)) {}
+    ~loaded() { gl_lc_unload(lc); }
+    loaded(const loaded &) = delete;
+    loaded &operator=(const loaded &) = delete;
+    operator locale_rec *() const { return lc; }
+    int32_t error() const {
+        int32_t error = lc->err;
+        lc->err = 0;
+        return error;
+    }
+
+    locale_rec *lc;
+};

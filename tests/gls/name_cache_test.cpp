@@ -2,7 +2,7 @@
 
 #include "gls/categories.h"
 #include "tests/gls/engine_test.h"
-#include "tests/gls/temp_dir.h"
+#include "tests/support/temp_dir.h"
 
 #include <vector>
 

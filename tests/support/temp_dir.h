@@ -5,8 +5,15 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
+
+// The whole of a file; nothing of one that is not there.
+inline std::string file_text(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
 
 class temp_dir {
 public:
@@ -22,6 +29,9 @@ public:
     std::string at(std::string_view name) const { return path_ + "/" + std::string(name); }
     const std::string &path() const { return path_; }
 
+    bool holds(std::string_view name) const { return std::filesystem::exists(at(name)); }
+    std::string read(std::string_view name) const { return file_text(at(name)); }
+
     // Writes a file, with the directories that lead to it, and returns its path.
     std::string write(std::string_view name, std::string_view text) const {
         const std::string file = at(name);
@@ -33,9 +43,3 @@ public:
 private:
     std::string path_;
 };
-
-// The whole of a file.
-inline std::string file_text(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
