@@ -5,14 +5,40 @@
 
 #include <string>
 
+#include "gls/locale_texts.h"
+#include "locale_env/gls_env.h"
 #include "platform/byte_blocks.h"
 #include "platform/character_tables.h"
 #include "platform/locale_start.h"
-#include "platform/test_locales.h"
 #include "support/failing_malloc.h"
 #include "support/guarded_bytes.h"
 
 namespace {
+
+// A piece of UTF-8: ASCII, an accented pair, a pair whose upper case is a byte longer than its
+// lower case, and a wide blank.
+code_set piece_of_utf8() {
+    code_set set;
+    set.name = "utf8";
+    set.growth = "1.5";
+    add_ascii(set);
+    for (const char *letter : {"é", "É", "ß", "ẞ"})
+        set.add(letter, CT_ALPHA);
+    set.add_pair("É", "é");
+    set.add_pair("ẞ", "ß");
+    set.add("\u3000", CT_BLANK);
+    return set;
+}
+
+// A locale that is the current one, as a start that has succeeded leaves it.
+class current_locale : public loaded {
+public:
+    explicit current_locale(const code_set &set) : loaded(set) {
+        CheckGlsEnv()->cur_lc = lc;
+        CheckGlsEnv()->state->init_flags = 1;
+    }
+    ~current_locale() { CheckGlsEnv()->cur_lc = nullptr; }
+};
 
 using shift_fn = int (*)(const char *, char *, ptrdiff_t);
 
@@ -66,13 +92,12 @@ TEST(CaseShift, WordsGetAnInitialCapital) {
 }
 
 TEST(CaseShift, ByteLocaleServesFromItsTablesAndClearsTheErrorWord) {
-    byte_locale latin;
-    latin.record.err = 7;
-    const current_locale current(&latin.record);
+    const current_locale latin(latin1());
+    latin.lc->err = 7;
     EXPECT_EQ(shifted(to_upper, "\xE9z"), "\xC9Z");
-    EXPECT_EQ(latin.record.err, 0);
+    EXPECT_EQ(latin.lc->err, 0);
     EXPECT_EQ(shifted(to_lower, "\xC9Z"), "\xE9z");
-    EXPECT_EQ(shifted(sqlinitcap, "\xE9T\xC9 \xE8t"), "\xC9t\xE9 \xE8T");
+    EXPECT_EQ(shifted(sqlinitcap, "\xE9T\xC9 \xD7t"), "\xC9t\xE9 \xD7T");
     EXPECT_EQ(byleng("ab\t ", 4), 3) << "blanks of a byte locale are the byte 20 alone";
 }
 
@@ -87,11 +112,10 @@ TEST(CaseShift, TextsAreShiftedInPlace) {
 }
 
 TEST(CaseShift, CharactersOfSeveralBytesKeepInsideTheLength) {
-    const multibyte_locale utf8;
-    utf8.record->err = 7;
-    const current_locale current(utf8.record);
+    const current_locale utf8(piece_of_utf8());
+    utf8.lc->err = 7;
     EXPECT_EQ(shifted(to_upper, "aéz"), "AÉZ");
-    EXPECT_EQ(utf8.record->err, 0);
+    EXPECT_EQ(utf8.lc->err, 0);
     EXPECT_EQ(shifted(to_lower, "ẞA"), std::string("ßa\0", 4));
     // The longer form has no room at the end, and just enough where others follow to be dropped.
     EXPECT_EQ(shifted(to_upper, "aß"), std::string("A\0\0", 3));
@@ -103,16 +127,14 @@ TEST(CaseShift, CharactersOfSeveralBytesKeepInsideTheLength) {
 }
 
 TEST(CaseShift, InvalidAndCutOffCharactersAreRefused) {
-    const multibyte_locale utf8;
-    const current_locale current(utf8.record);
+    const current_locale utf8(piece_of_utf8());
     for (const char *source : {"ab\xFF", "\xFFz", "a\xC3", "a \xE3\x80", "\xC3z", " \xE1\xBA"})
         for (shift_fn shift : {to_upper, to_lower, static_cast<shift_fn>(sqlinitcap)})
             shifted(shift, source, -941);
 }
 
 TEST(CaseShift, GrowingLocaleGoesThroughABlockOrNotAtAll) {
-    const multibyte_locale utf8;
-    const current_locale current(utf8.record);
+    const current_locale utf8(piece_of_utf8());
     char text[] = "aé", cut[] = "aß", bad[] = "a\xFF";
     {
         failing_malloc::scope refused(1);
@@ -139,8 +161,7 @@ TEST(CaseShift, NothingIsShiftedWhereTheLocaleDidNotStart) {
 }
 
 TEST(CaseShift, BlanksAtTheEndAreTheLocalesOwn) {
-    const multibyte_locale utf8;
-    const current_locale current(utf8.record);
+    const current_locale utf8(piece_of_utf8());
     const struct {
         std::string_view block;
         ptrdiff_t wanted;

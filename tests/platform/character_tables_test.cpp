@@ -52,24 +52,19 @@ TEST(CharacterTables, RefusalsTellTheLocaleFromTheTables) {
 // Sets the tables up as a program does whose registry is loaded.
 int set_up(const char *dbnls, const char *lc_all) {
     setenv("LC_ALL", lc_all, 1);
-    if (dbnls != nullptr)
-        setenv("DBNLS", dbnls, 1);
-    else
-        unsetenv("DBNLS");
+    setenv("DBNLS", dbnls, 1);
     ggetenv("KESTRIONDIR");
     memset(_ixctype, 0, sizeof _ixctype);
     return rldctype();
 }
 
-TEST(CharacterTables, SetUpFollowsTheLocaleUnderDbnlsOne) {
-    EXPECT_EQ(set_up("1", "C"), 0);
+class SetUpUnderDbnls : public testing::TestWithParam<const char *> {};
+INSTANTIATE_TEST_SUITE_P(CharacterTables, SetUpUnderDbnls, testing::Values("1", "2"));
+
+TEST_P(SetUpUnderDbnls, FollowsTheLocale) {
+    EXPECT_EQ(set_up(GetParam(), "C"), 0);
     EXPECT_EQ(class_of('a'), 2 + 64 + 128);
     EXPECT_EQ(class_of(0x80), 0);
-}
-
-TEST(CharacterTables, SetUpFollowsTheLocaleUnderDbnlsTwo) {
-    EXPECT_EQ(set_up("2", "C"), 0);
-    EXPECT_EQ(class_of('a'), 2 + 64 + 128);
 }
 
 TEST(CharacterTables, SetUpOtherwiseTouchesTheHighBytesAlone) {

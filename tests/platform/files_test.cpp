@@ -8,10 +8,9 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
+
+#include "support/temp_dir.h"
 
 namespace {
 
@@ -19,34 +18,24 @@ constexpr int no_file = -1;
 
 class Files : public testing::Test {
 protected:
-    void SetUp() override {
-        std::string name = testing::TempDir() + "files-XXXXXX";
-        ASSERT_NE(mkdtemp(name.data()), nullptr);
-        directory_ = name;
-        umask(0);
-    }
-    void TearDown() override { std::filesystem::remove_all(directory_); }
+    void SetUp() override { umask(0); }
 
-    std::string path(const char *name) const { return directory_ + "/" + name; }
+    std::string path(const char *name) const { return directory_.at(name); }
+    std::string content(const char *name) const { return directory_.read(name); }
 
     std::string make(const char *name, const char *content, mode_t mode) const {
-        std::ofstream(path(name)) << content;
-        EXPECT_EQ(chmod(path(name).c_str(), mode), 0);
-        return path(name);
+        const std::string file = directory_.write(name, content);
+        EXPECT_EQ(chmod(file.c_str(), mode), 0);
+        return file;
     }
 
-    static std::string content(const std::string &name) {
-        std::ifstream file(name);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
-    static int mode_of(const std::string &name) {
+    int mode_of(const char *name) const {
         struct stat status;
-        return stat(name.c_str(), &status) == 0 ? status.st_mode & 07777 : no_file;
+        return stat(path(name).c_str(), &status) == 0 ? status.st_mode & 07777 : no_file;
     }
 
 private:
-    std::string directory_;
+    temp_dir directory_;
 };
 
 bool is_open(int fd) { return fcntl(fd, F_GETFD) >= 0; }
@@ -87,9 +76,9 @@ TEST_F(Files, CheckedOpenIsReadOnlyWhateverTheFlags) {
     EXPECT_EQ(fcntl(fd, F_GETFL) & O_ACCMODE, O_RDONLY);
     EXPECT_FALSE(closes_on_exec(fd));
     EXPECT_EQ(qvt_fd_write(fd, "x", 1), -1);
-    EXPECT_EQ(content(file), "old");
+    EXPECT_EQ(content("file"), "old");
     EXPECT_EQ(qvt_fd_open(path("none").c_str(), O_RDWR | O_CREAT, 0666, QVT_CHECK_WORLD_WRITE), -1);
-    EXPECT_EQ(mode_of(path("none")), no_file);
+    EXPECT_EQ(mode_of("none"), no_file);
 }
 
 TEST_F(Files, CheckedOpenDoesNotExamineDescriptorZero) {
@@ -116,8 +105,8 @@ TEST_F(Files, TruncationIsForWriteOnlyWithoutAppendUnderItsBit) {
         const std::string file = make("file", "old", 0602);
         const int fd = qvt_fd_open(file.c_str(), row.flags, 0600, row.security);
         ASSERT_GE(fd, 0) << row.flags;
-        EXPECT_EQ(content(file), row.wanted) << row.flags << " " << row.security;
-        EXPECT_EQ(mode_of(file), 0602) << "an existing file keeps its mode";
+        EXPECT_EQ(content("file"), row.wanted) << row.flags << " " << row.security;
+        EXPECT_EQ(mode_of("file"), 0602) << "an existing file keeps its mode";
         EXPECT_EQ(qvt_fd_close(fd), 0);
     }
 }
@@ -141,7 +130,7 @@ TEST_F(Files, CreationNeedsARequestAndDropsWorldWriting) {
         umask(row.mask);
         const int fd = qvt_fd_open(file.c_str(), row.flags, 0666, row.security);
         EXPECT_EQ(fd >= 0, row.wanted != no_file) << row.flags;
-        EXPECT_EQ(mode_of(file), row.wanted) << row.flags;
+        EXPECT_EQ(mode_of("file"), row.wanted) << row.flags;
         if (fd >= 0)
             close(fd);
         unlink(file.c_str());
@@ -153,12 +142,12 @@ TEST_F(Files, CreationFollowsNoDanglingLink) {
     ASSERT_EQ(symlink(target.c_str(), link.c_str()), 0);
     EXPECT_EQ(qvt_fd_open(link.c_str(), O_WRONLY | O_CREAT, 0600, QVT_TRUNC_OR_CREATE), -1);
     EXPECT_EQ(errno, EEXIST);
-    EXPECT_EQ(mode_of(target), no_file);
+    EXPECT_EQ(mode_of("target"), no_file);
     // A link to a file that is there is followed.
     make("target", "old", 0600);
     const int fd = qvt_fd_open(link.c_str(), O_WRONLY, 0600, QVT_TRUNC_OR_CREATE);
     EXPECT_GE(fd, 0);
-    EXPECT_EQ(content(target), "");
+    EXPECT_EQ(content("target"), "");
 }
 
 TEST_F(Files, DescriptorsCloseOnExecUnlessKept) {
@@ -181,7 +170,7 @@ TEST_F(Files, StreamsTakeTheirModeFromTheLowByte) {
     EXPECT_TRUE(closes_on_exec(fileno(stream)));
     EXPECT_EQ(qvt_fp_write(stream, "er", 1, 2), 2u);
     EXPECT_EQ(qvt_fp_close(stream), 0);
-    EXPECT_EQ(content(file), "older");
+    EXPECT_EQ(content("file"), "older");
     stream = qvt_fp_open(file.c_str(), O_RDWR, 0600, QVT_STREAM_RB_PLUS);
     ASSERT_NE(stream, nullptr);
     char text[8] = "";
@@ -191,7 +180,7 @@ TEST_F(Files, StreamsTakeTheirModeFromTheLowByte) {
     // A missing file is made, even one that is only to be read.
     stream = qvt_fp_open(path("new").c_str(), O_RDONLY, 0666, QVT_STREAM_R);
     ASSERT_NE(stream, nullptr);
-    EXPECT_EQ(mode_of(path("new")), 0664);
+    EXPECT_EQ(mode_of("new"), 0664);
     EXPECT_EQ(qvt_fp_close(stream), 0);
 }
 
@@ -200,7 +189,7 @@ TEST_F(Files, StreamsThatCannotBeLeaveNothingBehind) {
         errno = 0;
         EXPECT_EQ(qvt_fp_open(path("none").c_str(), O_WRONLY, 0600, low), nullptr) << low;
         EXPECT_EQ(errno, EINVAL);
-        EXPECT_EQ(mode_of(path("none")), no_file);
+        EXPECT_EQ(mode_of("none"), no_file);
     }
     const std::string file = make("file", "x", 0600);
     const int next = open(file.c_str(), O_RDONLY);
@@ -213,7 +202,7 @@ TEST_F(Files, StreamsThatCannotBeLeaveNothingBehind) {
 TEST_F(Files, DirectoriesAreMadeUnderTheirOwnMask) {
     umask(077);
     EXPECT_EQ(qvt_mkdir(path("d").c_str(), 0777), 0);
-    EXPECT_EQ(mode_of(path("d")), 0775);
+    EXPECT_EQ(mode_of("d"), 0775);
     EXPECT_EQ(qvt_mkdir(path("d").c_str(), 0777), -1);
     EXPECT_EQ(errno, EEXIST);
     EXPECT_EQ(umask(0), 077u) << "the mask is put back, after a failure too";

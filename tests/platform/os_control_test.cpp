@@ -64,25 +64,18 @@ TEST(OsControl, FailedLocaleAnswersNullOnceAndTheBlockStays) {
 }
 
 TEST(OsControl, NoMemoryAnswersNothingAndTheNextCallTriesAgain) {
-    {
+    bool (*const answers_nothing[])() = {
+        [] { return CheckOsInit() == nullptr; },
+        [] { return getoserr() == 0; },
+        [] { return qvt_osgetconn() == 0; },
+        [] { return qvt_ossetconn(4) == nullptr; },
+    };
+    for (const auto &call : answers_nothing) {
         failing_malloc::scope refused(1);
-        EXPECT_EQ(CheckOsInit(), nullptr);
+        EXPECT_TRUE(call());
         EXPECT_EQ(refused.calls(), 1u);
+        EXPECT_EQ(ostcb, nullptr);
     }
-    EXPECT_EQ(ostcb, nullptr);
-    {
-        failing_malloc::scope refused(1);
-        EXPECT_EQ(getoserr(), 0);
-    }
-    {
-        failing_malloc::scope refused(1);
-        EXPECT_EQ(qvt_osgetconn(), 0);
-    }
-    {
-        failing_malloc::scope refused(1);
-        EXPECT_EQ(qvt_ossetconn(4), nullptr);
-    }
-    EXPECT_NE(CheckOsInit(), nullptr);
     EXPECT_EQ(qvt_osgetconn(), -1);
 }
 
