@@ -5,7 +5,6 @@
 #include "env/registry.h"
 
 #include <fcntl.h>
-#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,8 +24,7 @@ protected:
         Environment::TearDown();
     }
     int load(std::string_view bytes) {
-        write_bytes(root + "/file", bytes);
-        return ldcffile((root + "/file").c_str(), ignore, &line, &flags);
+        return ldcffile(root.write("file", bytes).c_str(), ignore, &line, &flags);
     }
     env_name_list *ignore = nullptr;
     uint32_t line = 99;
@@ -135,19 +133,19 @@ TEST_F(ConfigFile, CountsTheLinesItReads) {
 }
 
 TEST_F(ConfigFile, WhatCannotBeReadIsNoError) {
-    EXPECT_EQ(ldcffile((root + "/missing").c_str(), ignore, &line, &flags), 0);
+    EXPECT_EQ(ldcffile(root.at("missing").c_str(), ignore, &line, &flags), 0);
     EXPECT_EQ(line, 0U);
-    EXPECT_EQ(ldcffile(root.c_str(), ignore, &line, &flags), 0);
-    ASSERT_EQ(mkfifo((root + "/pipe").c_str(), 0600), 0); // nobody writes, and nobody waits
-    EXPECT_EQ(ldcffile((root + "/pipe").c_str(), ignore, &line, &flags), 0);
+    EXPECT_EQ(ldcffile(root.path().c_str(), ignore, &line, &flags), 0);
+    ASSERT_EQ(mkfifo(root.at("pipe").c_str(), 0600), 0); // nobody writes, and nobody waits
+    EXPECT_EQ(ldcffile(root.at("pipe").c_str(), ignore, &line, &flags), 0);
 }
 
 // Every length up to several steps of growth, read whole, with the descriptor left behind the line.
 TEST_F(ConfigFile, LineBufferGrowsInStepsOf128) {
     for (size_t length = 1; length < 600; ++length) {
         const std::string text(length, 'x');
-        write_bytes(root + "/file", "# c\n\n" + text + "\nnext\n");
-        const int descriptor = open((root + "/file").c_str(), O_RDONLY);
+        const std::string file = root.write("file", "# c\n\n" + text + "\nnext\n");
+        const int descriptor = open(file.c_str(), O_RDONLY);
         size_t size = 128;
         auto *buffer = static_cast<char *>(malloc(size));
         line = 0;
@@ -168,8 +166,7 @@ TEST_F(ConfigFile, LineBufferGrowsInStepsOf128) {
 }
 
 TEST_F(ConfigFile, LineReaderTakesABufferWithoutRoom) {
-    write_bytes(root + "/file", "ab\n");
-    const int descriptor = open((root + "/file").c_str(), O_RDONLY);
+    const int descriptor = open(root.write("file", "ab\n").c_str(), O_RDONLY);
     char *buffer = nullptr;
     size_t size = 0;
     EXPECT_EQ(_ggetcfline(descriptor, &buffer, &size, &line), 0);
@@ -179,8 +176,7 @@ TEST_F(ConfigFile, LineReaderTakesABufferWithoutRoom) {
 }
 
 TEST_F(ConfigFile, ExampleOfTheFormatPageReadsAsThePageSays) {
-    std::ifstream page(KESTRION_SOURCE_DIR "/docs/formats/kestrion_rc.md");
-    const std::string text{std::istreambuf_iterator<char>(page), {}};
+    const std::string text = file_text(KESTRION_SOURCE_DIR "/docs/formats/kestrion_rc.md");
     const size_t begin = text.find("```\n") + 4;
     ASSERT_EQ(load(text.substr(begin, text.find("```", begin) - begin)), 0);
     EXPECT_STREQ(stored("TERM"), "vt220");

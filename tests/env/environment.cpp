@@ -6,8 +6,6 @@
 
 #include <clocale>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -35,21 +33,11 @@ passwd *getpwnam(const char *name) {
 passwd *getpwuid(uid_t) { return record_of(test_account.owner_home); }
 }
 
-void write_bytes(const std::string &path, std::string_view bytes) {
-    std::ofstream(path, std::ios::binary)
-        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-}
-
 void Environment::SetUp() {
-    std::string pattern = testing::TempDir() + "env_XXXXXX";
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    root = pattern;
-    home = root + "/h"; // short: 64 characters are kept
-    std::filesystem::create_directories(root + "/etc");
-    std::filesystem::create_directories(home);
+    std::filesystem::create_directory(home);
     test_account = {.owner_home = home};
     clearenv();
-    setenv("KESTRIONDIR", root.c_str(), 1);
+    setenv("KESTRIONDIR", root.path().c_str(), 1);
     CheckOsInit();
     gsetudenv(nullptr);
     gFreeEVars();
@@ -62,13 +50,4 @@ void Environment::SetUp() {
 void Environment::TearDown() {
     gFreeEVars();
     setlocale(LC_ALL, "C");
-    std::filesystem::remove_all(root);
-}
-
-void Environment::write_system_file(std::string_view bytes) const {
-    write_bytes(root + "/etc/kestrion.rc", bytes);
-}
-
-void Environment::write_user_file(std::string_view bytes) const {
-    write_bytes(home + "/.kestrion", bytes);
 }

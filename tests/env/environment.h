@@ -3,10 +3,9 @@
 
 #pragma once
 
-#include <gtest/gtest.h>
+#include "support/temp_dir.h"
 
-#include <string>
-#include <string_view>
+#include <gtest/gtest.h>
 
 // What the C library's account look-ups answer in this program.
 struct account {
@@ -24,11 +23,9 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    void write_system_file(std::string_view bytes) const;
-    void write_user_file(std::string_view bytes) const;
+    void write_system_file(std::string_view bytes) const { root.write("etc/kestrion.rc", bytes); }
+    void write_user_file(std::string_view bytes) const { root.write("h/.kestrion", bytes); }
 
-    std::string root; // KESTRIONDIR
-    std::string home;
+    const temp_dir root;                   // KESTRIONDIR
+    const std::string home = root.at("h"); // its name is short: 64 characters are kept
 };
-
-void write_bytes(const std::string &path, std::string_view bytes);

@@ -72,20 +72,12 @@ TEST_F(FirstLoad, UsersFileGoesOverTheSystemsOverTheDefaults) {
     EXPECT_STREQ(stored("DBDELIMITER"), "|");
 }
 
-TEST_F(FirstLoad, HappensOnce) {
-    ASSERT_EQ(greadenv(), 0);
-    write_user_file("W1 late\n");
-    EXPECT_EQ(greadenv(), 0);
-    EXPECT_EQ(stored("W1"), nullptr);
-}
-
 TEST_F(FirstLoad, SystemFileIsFoundBelowADirectoryNameOfAnyLength) {
-    std::string deep = root;
+    std::string deep = "deep";
     for (int i = 0; i < 10; ++i)
         deep += "/" + std::string(100, 'd');
-    std::filesystem::create_directories(deep + "/etc");
-    write_bytes(deep + "/etc/kestrion.rc", "W1 deep\n");
-    setenv("KESTRIONDIR", deep.c_str(), 1);
+    root.write(deep + "/etc/kestrion.rc", "W1 deep\n");
+    setenv("KESTRIONDIR", root.at(deep).c_str(), 1);
     EXPECT_STREQ(ggetenv("W1"), "deep");
 }
 
@@ -104,12 +96,10 @@ TEST_F(FirstLoad, IgnoresTheNamesOfEnvignoreInBothFiles) {
 }
 
 TEST_F(FirstLoad, HomeIsThatOfTheLoginBeforeThatOfTheOwner) {
-    const std::string login_home = root + "/l";
-    std::filesystem::create_directories(login_home);
-    write_bytes(login_home + "/.kestrion", "W1 login\n");
+    root.write("l/.kestrion", "W1 login\n");
     write_user_file("W1 owner\n");
     test_account.login = "somebody";
-    test_account.login_home = login_home;
+    test_account.login_home = root.at("l");
     EXPECT_STREQ(ggetenv("W1"), "login");
     gFreeEVars();
     test_account.login = nullptr;

@@ -1,9 +1,9 @@
 #include "environment.h"
-#include "failing_memory.h"
 
 #include "env/config_files.h"
 #include "env/first_load.h"
 #include "env/registry.h"
+#include "support/failing_malloc.h"
 
 #include <cstdlib>
 #include <fcntl.h>
@@ -11,27 +11,34 @@
 
 namespace {
 
-class Memory : public Environment {
-protected:
-    void TearDown() override {
-        fail_allocation(0);
-        Environment::TearDown();
-    }
-};
+class Memory : public Environment {};
 
 // The list of ignored names and its array come first, then the entries: an array, 344 names and the
 // 12 defaults.
-constexpr int first_of_the_seeding = 3;
-constexpr int last_of_the_seeding = 2 + 1 + 344 + 12;
+constexpr size_t first_of_the_seeding = 3;
+constexpr size_t last_of_the_seeding = 2 + 1 + 344 + 12;
 
 } // namespace
 
+// Fails as an allocation does. The text is the environment's from here on, and no block of the
+// library's any more.
+extern "C" int __wrap_putenv(char *text) {
+    void *own = malloc(1);
+    if (own == nullptr)
+        return -1;
+    free(own);
+    const std::string setting = text;
+    const size_t equals = setting.find('=');
+    free(text);
+    return setenv(setting.substr(0, equals).c_str(), setting.c_str() + equals + 1, 1);
+}
+
 TEST_F(Memory, NoneForTheBuiltInDefaultsEndsTheProcessWithoutAWord) {
-    for (const int nth :
-         {first_of_the_seeding, first_of_the_seeding + 1, 200, last_of_the_seeding}) {
+    for (const size_t nth :
+         {first_of_the_seeding, first_of_the_seeding + 1, size_t{200}, last_of_the_seeding}) {
         EXPECT_EXIT(
             {
-                fail_allocation(nth);
+                const failing_malloc::scope refused(nth);
                 greadenv();
             },
             testing::ExitedWithCode(1), "^$")
@@ -49,31 +56,27 @@ TEST_F(Memory, NoneAtAnyLaterPointFailsTheLoadAndKeepsWhatThereIs) {
         names.append(1, name).append(1, ':');
     setenv("ENVIGNORE", names.c_str(), 1);
 
-    const long held_before = blocks_held();
-    int failures = 0;
-    for (int nth = last_of_the_seeding + 1;; ++nth) {
+    size_t nth = last_of_the_seeding + 1;
+    for (;; ++nth) {
         setenv("LC_CTYPE", "", 1); // present and empty: replaced by putenv
-        fail_allocation(nth);
+        const failing_malloc::scope refused(nth);
         const int status = greadenv();
-        if (!allocation_failed()) {
+        if (!refused.happened()) {
             EXPECT_EQ(status, 0);
             break;
         }
-        ++failures;
-        fail_allocation(0);
         EXPECT_EQ(status, ENV_NO_MEMORY) << nth;
         EXPECT_STREQ(ggetenv("DBTEMP"), "/tmp") << nth;
         gFreeEVars();
-        unsetenv("LC_CTYPE");
-        ASSERT_EQ(blocks_held(), held_before) << nth;
+        ASSERT_EQ(refused.live(), 0) << nth;
     }
     // The program's rows 4, the ignored names 22, the paths and files, the locale variables.
-    EXPECT_GT(failures, 40);
+    EXPECT_GT(nth - last_of_the_seeding, 41u);
 }
 
 TEST_F(Memory, NoneForTheListOfIgnoredNamesLeavesTheRegistryUnloaded) {
-    for (const int nth : {1, 2}) {
-        fail_allocation(nth);
+    for (const size_t nth : {1u, 2u}) {
+        const failing_malloc::scope refused(nth);
         EXPECT_EQ(ggetenv("DBTEMP"), nullptr);
         EXPECT_EQ(gerrno, ENV_NO_MEMORY);
         EXPECT_EQ(Kes_EVars, nullptr);
@@ -83,35 +86,35 @@ TEST_F(Memory, NoneForTheListOfIgnoredNamesLeavesTheRegistryUnloaded) {
 
 TEST_F(Memory, NoneForANewValueKeepsTheOld) {
     ASSERT_EQ(greadenv(), 0);
-    ginsenv("W1", "old", nullptr);
-    fail_allocation(1);
-    EXPECT_EQ(ginsenv("W1", "new", nullptr), ENV_NO_MEMORY);
-    EXPECT_STREQ(ggetenv("W1"), "old");
-    ginsenv("W1", "", nullptr);
-    fail_allocation(1);
-    EXPECT_EQ(ginsenv("W1", "new", nullptr), ENV_NO_MEMORY);
-    EXPECT_EQ(ggetenv("W1"), nullptr); // set and empty counts as no old value
+    // Set and empty counts as no old value.
+    for (const char *old : {"old", ""}) {
+        ginsenv("W1", old, nullptr);
+        const failing_malloc::scope refused(1);
+        EXPECT_EQ(ginsenv("W1", "new", nullptr), ENV_NO_MEMORY);
+        EXPECT_STREQ(ggetenv("W1"), *old != '\0' ? old : nullptr);
+    }
 }
 
 TEST_F(Memory, NoneForTheEnvironmentFreesTheText) {
-    const long held_before = blocks_held();
-    for (const int nth : {1, 2}) {
-        fail_allocation(nth);
+    for (const size_t nth : {1u, 2u}) {
+        const failing_malloc::scope refused(nth);
         EXPECT_EQ(gfeputenv("W1", "value"), ENV_NO_MEMORY);
-        EXPECT_TRUE(allocation_failed());
+        EXPECT_TRUE(refused.happened());
         EXPECT_EQ(getenv("W1"), nullptr);
-        EXPECT_EQ(blocks_held(), held_before);
+        EXPECT_EQ(refused.live(), 0);
     }
 }
 
 TEST_F(Memory, NoneForALongLineLeavesABufferToFree) {
-    write_bytes(root + "/file", std::string(300, 'x') + "\n");
-    const int descriptor = open((root + "/file").c_str(), O_RDONLY);
+    const std::string file = root.write("file", std::string(300, 'x') + "\n");
+    const int descriptor = open(file.c_str(), O_RDONLY);
     size_t size = 128;
     auto *buffer = static_cast<char *>(malloc(size));
     uint32_t line = 0;
-    fail_allocation(2);
-    EXPECT_EQ(_ggetcfline(descriptor, &buffer, &size, &line), ENV_NO_MEMORY);
+    {
+        const failing_malloc::scope refused(2);
+        EXPECT_EQ(_ggetcfline(descriptor, &buffer, &size, &line), ENV_NO_MEMORY);
+    }
     EXPECT_EQ(size, 0U);
     free(buffer);
     close(descriptor);

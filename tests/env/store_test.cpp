@@ -76,16 +76,6 @@ TEST_F(Store, PutsIntoTheProcessEnvironment) {
     EXPECT_STREQ(ggetenv("TREE"), "");
 }
 
-TEST_F(Store, FreedRegistryLoadsAgain) {
-    ginsenv("W1", "one", nullptr);
-    gFreeEVars();
-    EXPECT_EQ(Kes_EVars, nullptr);
-    EXPECT_EQ(Num_EVars, 0);
-    gFreeEVars();
-    EXPECT_EQ(ggetenv("W1"), nullptr);
-    EXPECT_EQ(Num_EVars, 344);
-}
-
 TEST_F(Store, ProgramsOwnVariablesStandBehindTheBuiltInOnes) {
     char name[] = "MY_OWN";
     const env_variable own[] = {{name, "its default", 20},

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -23,21 +22,10 @@ uint32_t checksum(const char *const *names, size_t count) {
 
 } // namespace
 
-// Marks from all over the table tell where a row was lost, doubled or moved; that all names are
-// right is told by a checksum that another program worked out over the list that the table was made
-// from.
-TEST(VariableTable, RowsStandAtTheirIndexes) {
-    const std::map<int, std::string> marks = {
-        {0, "ACCEPTKEY"},   {7, "ANSIOWNER"}, {28, "CDRSITES_92x"}, {67, "CLIENT_LOCALE"},
-        {79, "DBXCLI"},     {92, "DBDATE"},   {103, "DBNLS"},       {117, "DB_LOCALE"},
-        {134, "ENVIGNORE"}, {151, "HOME"},    {212, "KESTRIONDIR"}, {238, "LANG"},
-        {245, "LC_TIME"},   {322, "TERM"},    {332, "TZ"},          {343, "XTRACE"},
-    };
-    for (const auto &[index, name] : marks)
-        EXPECT_EQ(Kes_DVals[index].name, name) << index;
+// The checksums were worked out by another program over the lists that the tables were made from.
+TEST(VariableTable, NamesStandAtTheirIndexes) {
     ASSERT_EQ(Num_DVals, 344);
     EXPECT_EQ(Kes_DVals[344].name, nullptr);
-
     std::vector<const char *> names;
     for (int i = 0; i < Num_DVals; ++i)
         names.push_back(Kes_DVals[i].name);
@@ -45,33 +33,26 @@ TEST(VariableTable, RowsStandAtTheirIndexes) {
 }
 
 TEST(VariableTable, ThirteenRowsHaveADefaultOrALimit) {
-    struct row {
-        const char *default_value;
-        int limit;
-    };
-    std::map<std::string, row> expected = {
-        {"DBDELIMITER", {"|", 0}},
-        {"DBPATH", {".", 0}},
-        {"DBPRINT", {"lp -s", 0}},
-        {"DBTEMP", {"/tmp", 0}},
-        {"KESTRIONDIR", {"/usr/kestrion", 256}},
-        {"KESTRIONSERVER", {nullptr, 128}},
-        {"KESTRIONTERM", {"termcap", 0}},
-        {"NODEFDAC", {"no", 0}},
-        {"NON_M6_ATTRS_OK", {"1", 0}},
-        {"SUBQCACHESZ", {"10", 0}},
-        {"TBCONFIG", {"onconfig", 0}},
-        {"TERM", {"dumb", 0}},
-        {"TERMCAP", {"/etc/termcap", 0}},
-    };
+    std::string rows;
     for (int i = 0; i < Num_DVals; ++i) {
-        const auto found = expected.find(Kes_DVals[i].name);
-        const row wanted = found == expected.end() ? row{nullptr, 0} : found->second;
-        EXPECT_STREQ(Kes_DVals[i].default_value, wanted.default_value) << Kes_DVals[i].name;
-        EXPECT_EQ(Kes_DVals[i].max_length, wanted.limit) << Kes_DVals[i].name;
-        expected.erase(Kes_DVals[i].name);
+        const auto &[name, text, limit] = Kes_DVals[i];
+        if (text != nullptr || limit != 0)
+            rows += std::string(name) + "=" + (text != nullptr ? text : "(null)") + " " +
+                    std::to_string(limit) + "\n";
     }
-    EXPECT_TRUE(expected.empty());
+    EXPECT_EQ(rows, "DBDELIMITER=| 0\n"
+                    "DBPATH=. 0\n"
+                    "DBPRINT=lp -s 0\n"
+                    "DBTEMP=/tmp 0\n"
+                    "KESTRIONDIR=/usr/kestrion 256\n"
+                    "KESTRIONSERVER=(null) 128\n"
+                    "KESTRIONTERM=termcap 0\n"
+                    "NODEFDAC=no 0\n"
+                    "NON_M6_ATTRS_OK=1 0\n"
+                    "SUBQCACHESZ=10 0\n"
+                    "TBCONFIG=onconfig 0\n"
+                    "TERM=dumb 0\n"
+                    "TERMCAP=/etc/termcap 0\n");
 }
 
 TEST(VariableTable, ListsOfAConnectionHoldTheirNamesInOrder) {
