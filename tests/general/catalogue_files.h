@@ -4,8 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
@@ -45,9 +43,4 @@ inline std::string catalogue_bytes(bool is_long, const std::map<int32_t, std::st
     }
     return index_bytes(is_long, static_cast<int>(texts.size()), records) + stored +
            std::string(padding, '\0');
-}
-
-inline void write_file(const std::filesystem::path &path, const std::string &bytes) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << bytes;
 }

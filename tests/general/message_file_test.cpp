@@ -3,8 +3,6 @@
 
 #include "general/message_file.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 
 #include <gtest/gtest.h>
@@ -12,24 +10,18 @@
 #include "general/catalogue_files.h"
 #include "general/error_numbers.h"
 #include "support/failing_malloc.h"
+#include "support/temp_dir.h"
 
-namespace fs = std::filesystem;
 using namespace kestrion;
 
 namespace {
 
 struct MessageFile : testing::TestWithParam<bool> {
-    void SetUp() override {
-        path = fs::temp_directory_path() / ("message-file-" + std::to_string(getpid()));
-    }
-    void TearDown() override {
-        catalogue_close(&catalogue);
-        fs::remove(path);
-    }
+    void TearDown() override { catalogue_close(&catalogue); }
 
     int32_t open(const std::string &bytes) {
         catalogue_close(&catalogue);
-        write_file(path, bytes);
+        const std::string path = dir.write("x.qem", bytes);
         const bool by_windows = GetParam();
         const failing_malloc::scope refused(by_windows ? 1 : 0);
         status = catalogue_open(&catalogue, path.c_str());
@@ -54,7 +46,7 @@ struct MessageFile : testing::TestWithParam<bool> {
     }
 
     gen_catalogue catalogue = {.fd = -1};
-    fs::path path;
+    temp_dir dir;
     int32_t status = 0;
 };
 

@@ -8,26 +8,23 @@
 
 #include <gtest/gtest.h>
 
-#include "general/catalogue_files.h"
 #include "general/messages.h"
 #include "gls/code_set_registry.h"
 #include "locale_env/gls_env.h"
-
-namespace fs = std::filesystem;
+#include "support/temp_dir.h"
 
 namespace {
 
 struct MessagePaths : testing::Test {
     void SetUp() override {
-        char name[] = "/tmp/kestrion-paths-XXXXXX";
-        dir = mkdtemp(name);
         for (const char *variable : {"DBLANG", "DBNLS", "LANG", "CLIENT_LOCALE"})
             unsetenv(variable);
-        setenv("KESTRIONDIR", dir.c_str(), 1);
+        setenv("KESTRIONDIR", dir.path().c_str(), 1);
         new_gls_env.init_flags = 1;          // the search needs no locale,
         gl_cache_registry(nullptr, nullptr); // but the names of code sets
     }
-    void TearDown() override { fs::remove_all(dir); }
+
+    void install(const std::string &place) { dir.write(place + "/x.qem", "x"); }
 
     // The directory in which the leaf is found, below the installation directory.
     std::string found(const char *locale = nullptr) {
@@ -35,11 +32,11 @@ struct MessagePaths : testing::Test {
         if (path == nullptr)
             return "null";
         const std::string name = path;
-        return name.empty() ? ""
-                            : fs::path(name).parent_path().string().substr(dir.string().size() + 1);
+        const size_t base = dir.path().size() + 1;
+        return name.empty() ? "" : name.substr(base, name.rfind('/') - base);
     }
 
-    fs::path dir;
+    temp_dir dir;
 };
 
 } // namespace
@@ -53,12 +50,12 @@ TEST_F(MessagePaths, EachPlaceWinsInItsTurn) {
         "msg/english",
     };
     for (const char *place : places)
-        write_file(dir / place / "x.qem", "x");
+        install(place);
     for (const char *place : places) {
         errno = ENOENT;
         EXPECT_EQ(found(), place);
         EXPECT_EQ(errno, 0) << place;
-        fs::remove(dir / place / "x.qem");
+        std::filesystem::remove(dir.at(std::string(place) + "/x.qem"));
     }
     EXPECT_EQ(found(), "") << "no file anywhere is an empty path, not a null one";
 }
@@ -66,7 +63,7 @@ TEST_F(MessagePaths, EachPlaceWinsInItsTurn) {
 TEST_F(MessagePaths, LocaleArgumentEndsTheUsersDirectory) {
     setenv("DBLANG", "mine", 1);
     for (const char *place : {"msg/mine", "msg/de_de/0333", "msg/en_us/0333"})
-        write_file(dir / place / "x.qem", "x");
+        install(place);
     EXPECT_EQ(found(), "msg/mine");
     EXPECT_EQ(found("de_DE.8859-1"), "msg/de_de/0333");
     EXPECT_EQ(found(), "msg/en_us/0333") << "for later searches too";
@@ -76,7 +73,7 @@ TEST_F(MessagePaths, LocaleArgumentEndsTheUsersDirectory) {
 
 TEST_F(MessagePaths, LangStandsInForDblangUnderDbnls) {
     setenv("LANG", "mine", 1);
-    write_file(dir / "msg/mine/x.qem", "x");
+    install("msg/mine");
     EXPECT_EQ(found(), "");
     setenv("DBNLS", "1", 1);
     EXPECT_EQ(found(), "") << "settled at the first search";
@@ -85,7 +82,7 @@ TEST_F(MessagePaths, LangStandsInForDblangUnderDbnls) {
 }
 
 TEST_F(MessagePaths, NamesTooLongAreLeftOut) {
-    write_file(dir / "msg/english/x.qem", "x");
+    install("msg/english");
     setenv("DBLANG", std::string(259, 'a').c_str(), 1);
     EXPECT_EQ(found(), "msg/english") << "no path fits, and none is cut";
     EXPECT_EQ(strlen(msg_langdir), 259U);
@@ -104,10 +101,10 @@ TEST_F(MessagePaths, LongInstallationDirectoryGivesNoPath) {
 }
 
 TEST_F(MessagePaths, OnlyRegularReadableFilesCount) {
-    fs::create_directories(dir / "msg/en_us/0333/x.qem");
-    write_file(dir / "msg/english/x.qem", "x");
+    std::filesystem::create_directories(dir.at("msg/en_us/0333/x.qem"));
+    install("msg/english");
     EXPECT_EQ(found(), "msg/english");
-    EXPECT_EQ(_ofreadable((dir / "missing").c_str()), 0);
+    EXPECT_EQ(_ofreadable(dir.at("missing").c_str()), 0);
 }
 
 TEST_F(MessagePaths, RangesLeadToLeaves) {

@@ -16,9 +16,8 @@
 #include "general/gentcb.h"
 #include "locale_env/gls_env.h"
 #include "support/failing_malloc.h"
+#include "support/temp_dir.h"
 #include "values/heap.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -38,11 +37,9 @@ constexpr message_range test_ranges[] = {
 
 struct Messages : testing::Test {
     void SetUp() override {
-        char name[] = "/tmp/kestrion-messages-XXXXXX";
-        dir = mkdtemp(name);
         for (const char *variable : {"DBLANG", "DBNLS", "LANG", "CLIENT_LOCALE", "QVT_FREE_FD"})
             unsetenv(variable);
-        setenv("KESTRIONDIR", dir.c_str(), 1);
+        setenv("KESTRIONDIR", dir.path().c_str(), 1);
         new_gls_env.init_flags = 1;
         _mfqvt = test_ranges;
         install("en_us/0333", "os.qem",
@@ -53,10 +50,9 @@ struct Messages : testing::Test {
                  {32766, "No number %d of %s\n"}});
         install("en_us/0333", "own.qem", {{-50001, "English one\n"}, {-50000, "English two\n"}});
     }
-    void TearDown() override { fs::remove_all(dir); }
 
     void install(const char *place, const char *leaf, const std::map<int32_t, std::string> &texts) {
-        write_file(dir / "msg" / place / leaf, catalogue_bytes(true, texts));
+        dir.write(std::string("msg/") + place + "/" + leaf, catalogue_bytes(true, texts));
     }
 
     int32_t get(int32_t number, int32_t size = sizeof buffer, const char *locale = nullptr) {
@@ -65,7 +61,7 @@ struct Messages : testing::Test {
         return rgetlmsg_gls(number, buffer, size, &length, locale);
     }
 
-    fs::path dir;
+    temp_dir dir;
     char buffer[200];
     int32_t length = -1;
 };
@@ -113,7 +109,7 @@ TEST_F(Messages, UnknownMessagesGetAStandInText) {
     EXPECT_EQ(get(-50002, 0), err_no_such_message);
     EXPECT_EQ(buffer[0], '#');
 
-    write_file(dir / "msg/en_us/0333/own.qem", "no catalogue");
+    dir.write("msg/en_us/0333/own.qem", "no catalogue");
     rmsg_init();
     EXPECT_EQ(get(-50001), err_catalogue_magic);
     EXPECT_STREQ(buffer, "No number -50001 of %s\n");
@@ -125,7 +121,7 @@ TEST_F(Messages, StandInTextsThatAreMissingAreFixed) {
     EXPECT_STREQ(buffer, "Unknown error message number '-50002'\n");
     EXPECT_EQ(get(32766), -1);
     EXPECT_EQ(get(32765), err_no_such_message);
-    fs::remove(dir / "msg/en_us/0333/os.qem");
+    unlink(dir.at("msg/en_us/0333/os.qem").c_str());
     rmsg_init();
     EXPECT_EQ(get(60000), err_catalogue_not_opened);
     EXPECT_STREQ(buffer, "Cannot open file 'missing.qem'\n");
@@ -206,7 +202,7 @@ TEST_F(Messages, DescriptorsStayOpenOnlyForLargeFiles) {
     get(-50001);
     get(-50002);
     EXPECT_EQ(open_descriptors(), before);
-    write_file(dir / "msg/en_us/0333/missing.qem", catalogue_bytes(true, {{60000, "x\n"}}, 300000));
+    dir.write("msg/en_us/0333/missing.qem", catalogue_bytes(true, {{60000, "x\n"}}, 300000));
     EXPECT_EQ(get(60000), 0);
     EXPECT_EQ(get(60000), 0);
     EXPECT_EQ(open_descriptors(), before + 1);
@@ -220,8 +216,9 @@ TEST_F(Messages, DescriptorsStayOpenOnlyForLargeFiles) {
 }
 
 TEST_F(Messages, ExplicitFileServesAllNumbers) {
-    const fs::path deep = dir / std::string(150, 'a') / std::string(150, 'b') / "x.qem";
-    write_file(deep, catalogue_bytes(false, {{7, "explicit\n"}}));
+    const std::string deep =
+        dir.write(std::string(150, 'a') + "/" + std::string(150, 'b') + "/x.qem",
+                  catalogue_bytes(false, {{7, "explicit\n"}}));
     EXPECT_EQ(get(-50001), 0);
     ASSERT_EQ(_setmsgfile(deep.c_str()), 0);
     EXPECT_EQ(get(-50001), err_no_such_message);
@@ -273,7 +270,7 @@ TEST_F(Messages, SlotsAreFilledInOrderAndLoseTheLineEnd) {
     EXPECT_STREQ(s_presscr, "press");
     EXPECT_STREQ(s_msgfile, "file");
     EXPECT_STREQ(s_termtyp, "terminal");
-    fs::remove(dir / "msg/en_us/0333/os.qem");
+    unlink(dir.at("msg/en_us/0333/os.qem").c_str());
     rmsg_init();
     EXPECT_EQ(rldinit(), 32766);
 }
