@@ -113,7 +113,7 @@ TEST(LogErr, PushesCausePlaceAndMessage) {
 TEST(Trace, ACallbackMayKeepALineFromTheFile) {
     installation here;
     isi_set_trace_level(1);
-    isi_set_trace_file(here.file("trace").c_str());
+    isi_set_trace_file(here.at("trace").c_str());
     isi_set_trace_callback(keep_line);
     callback_answer = 1;
     isi_trace(1, "held %s", "back");
@@ -121,7 +121,7 @@ TEST(Trace, ACallbackMayKeepALineFromTheFile) {
     isi_trace(1, "let %s", "through");
     isi_trace(2, "too detailed");
     EXPECT_EQ(lines, logged("held back") + logged("let through"));
-    EXPECT_EQ(here.content("trace"), logged("let through"));
+    EXPECT_EQ(here.read("trace"), logged("let through"));
 
     isi_set_trace_file("/nowhere/trace"); // lost without a word
     isi_trace(1, "lost");
@@ -133,9 +133,9 @@ TEST(Trace, ACallbackMayKeepALineFromTheFile) {
 
 TEST(Trace, LinesAreCutAndEnded) {
     installation here;
-    isi_set_err_file(here.file("log").c_str());
+    isi_set_err_file(here.at("log").c_str());
     isi_err("%s", std::string(2000, 'x').c_str());
-    std::string line = here.content("log");
+    std::string line = here.read("log");
     EXPECT_EQ(line.size(), 512u); // 511 bytes and the line end
     EXPECT_EQ(line.substr(509), "xx\n");
 }
@@ -143,13 +143,13 @@ TEST(Trace, LinesAreCutAndEnded) {
 // A finished line is printed as a format with itself as the argument; what has none stands.
 TEST(Trace, DirectivesInALineDoNoHarm) {
     installation here;
-    isi_set_err_file(here.file("log").c_str());
+    isi_set_err_file(here.at("log").c_str());
     isi_err("%s", "100%% %n %d");
-    EXPECT_EQ(here.content("log"), logged("100% %n %d"));
+    EXPECT_EQ(here.read("log"), logged("100% %n %d"));
     isi_err("%s", "<%s>");
     std::string whole = logged("<%s>");
     whole.pop_back();
-    EXPECT_EQ(here.content("log"), logged("100% %n %d") + logged("<" + whole + ">"));
+    EXPECT_EQ(here.read("log"), logged("100% %n %d") + logged("<" + whole + ">"));
 }
 
 TEST(Trace, StandardStreamsHaveNames) {

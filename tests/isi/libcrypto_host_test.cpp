@@ -63,12 +63,12 @@ TEST(LibcryptoHost, KeysAreWipedBeforeTheirMemoryIsReleased) {
 // Not reading libcrypto's configuration saves time, but is not this library's to decide here.
 TEST(LibcryptoHost, TheProgramKeepsItsConfiguration) {
     installation here(PROVIDER);
-    std::ofstream(here.file("libcrypto.cnf")) << "openssl_conf = main\n"
-                                                 "[main]\n"
-                                                 "oid_section = oids\n"
-                                                 "[oids]\n"
-                                                 "isiTestName = 1.2.3.4.5.6\n";
-    setenv("OPENSSL_CONF", here.file("libcrypto.cnf").c_str(), 1);
+    std::ofstream(here.at("libcrypto.cnf")) << "openssl_conf = main\n"
+                                               "[main]\n"
+                                               "oid_section = oids\n"
+                                               "[oids]\n"
+                                               "isiTestName = 1.2.3.4.5.6\n";
+    setenv("OPENSSL_CONF", here.at("libcrypto.cnf").c_str(), 1);
     ASSERT_EQ(isi_init(), 0) << error_text();
     OPENSSL_init_crypto(OPENSSL_INIT_LOAD_CONFIG, nullptr);
     EXPECT_NE(OBJ_txt2nid("isiTestName"), NID_undef);

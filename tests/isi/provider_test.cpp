@@ -49,8 +49,7 @@ protected:
 
 private:
     template <class Update, class Final>
-    static bool run_with(void *ctx, const bytes &in, int piece, bytes &out, Update update,
-                         Final final) {
+    bool run(const bytes &in, int piece, bytes &out, Update update, Final final) {
         out.resize(in.size() + 32);
         int used = 0;
         int length = 0;
@@ -64,10 +63,6 @@ private:
             return false;
         out.resize(static_cast<size_t>(used + length));
         return true;
-    }
-    template <class Update, class Final>
-    bool run(const bytes &in, int piece, bytes &out, Update update, Final final) {
-        return run_with(ctx, in, piece, out, update, final);
     }
 };
 
@@ -115,12 +110,12 @@ TEST_F(Provider, PaddingOutlivesEveryStart) {
 
 TEST_F(Provider, TellsWhyAnOpeningFailed) {
     bytes out;
-    isi_set_err_file(here.file("log").c_str());
+    isi_set_err_file(here.at("log").c_str());
     ASSERT_EQ(isi_decrypt_init(ctx, cipher, key.data(), nullptr), 0);
     EXPECT_FALSE(decrypt(cipher_block, 16, out));
     std::string text = error_text();
     EXPECT_NE(text.find("bad decrypt (OpenSSL:"), std::string::npos) << text;
-    EXPECT_EQ(here.content("log"), logged(text)); // logged when it was pushed
+    EXPECT_EQ(here.read("log"), logged(text)); // logged when it was pushed
     EXPECT_EQ(error_text(), "");
 }
 
@@ -244,7 +239,7 @@ TEST_F(Provider, ReportsToTheThreadThatCalled) {
 
 TEST_F(Provider, StaysMappedWhenUnbound) {
     isi_cleanup();
-    void *handle = dlopen(here.path().c_str(), RTLD_NOW | RTLD_NOLOAD);
+    void *handle = dlopen(here.library().c_str(), RTLD_NOW | RTLD_NOLOAD);
     EXPECT_NE(handle, nullptr);
     ASSERT_EQ(isi_init(), 0);
     EXPECT_EQ(isi_get_cipherbyname("AES-192-ECB"), cipher);

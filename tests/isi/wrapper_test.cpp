@@ -6,7 +6,10 @@
 
 namespace {
 
-const std::string fakes = FAKES "/";
+struct BoundWrapper : testing::Test {
+    installation here{FAKES "/version_1_2.so"};
+    void SetUp() override { ASSERT_EQ(isi_init(), 0); }
+};
 
 void push(const char *text) { isi_err_stack_push(&isi_shared_thread_globals, 0, 0, text); }
 
@@ -46,9 +49,7 @@ TEST(Wrapper, AnswersItsDefaultWithoutAProvider) {
     EXPECT_EQ(error_text(), "kept"); // an unbound call neither records nor resets
 }
 
-TEST(Wrapper, EachCallBeginsWithACleanStackOfItsOwnThread) {
-    installation here(fakes + "version_1_2.so");
-    ASSERT_EQ(isi_init(), 0);
+TEST_F(BoundWrapper, EachCallBeginsWithACleanStackOfItsOwnThread) {
     push("old");
     EXPECT_EQ(isi_cipher_ctx_init(nullptr), 0);
     EXPECT_EQ(error_text(), "");
@@ -63,9 +64,7 @@ TEST(Wrapper, EachCallBeginsWithACleanStackOfItsOwnThread) {
     EXPECT_EQ(error_text(), "mine");
 }
 
-TEST(Wrapper, ResultsAndArgumentsPassUnchanged) {
-    installation here(fakes + "version_1_2.so");
-    ASSERT_EQ(isi_init(), 0);
+TEST_F(BoundWrapper, ResultsAndArgumentsPassUnchanged) {
     int length = 0;
     EXPECT_EQ(isi_encrypt_update(nullptr, nullptr, &length, nullptr, -7), 0);
     EXPECT_EQ(length, -7);
@@ -73,9 +72,7 @@ TEST(Wrapper, ResultsAndArgumentsPassUnchanged) {
     EXPECT_EQ(isi_name2cipher("x"), 4);
 }
 
-TEST(Wrapper, ANullBufferNeverReachesTheRandomCalls) {
-    installation here(fakes + "version_1_2.so");
-    ASSERT_EQ(isi_init(), 0);
+TEST_F(BoundWrapper, ANullBufferNeverReachesTheRandomCalls) {
     EXPECT_EQ(isi_rand_bytes(nullptr, 5), 1);
     EXPECT_EQ(isi_rand_seed(nullptr, 5), 1);
     EXPECT_EQ(provider_variable<int>("fake_random_calls"), 0);
@@ -83,9 +80,7 @@ TEST(Wrapper, ANullBufferNeverReachesTheRandomCalls) {
     EXPECT_EQ(provider_variable<int>("fake_random_calls"), 1);
 }
 
-TEST(Wrapper, AFunctionThatABoundProviderLacksIsAnError) {
-    installation here(fakes + "version_1_2.so");
-    ASSERT_EQ(isi_init(), 0);
+TEST_F(BoundWrapper, AFunctionThatABoundProviderLacksIsAnError) {
     unsigned char byte = 0;
     isi_functab[IDX_ISI_RAND_BYTES].isi_fp.address = nullptr;
     EXPECT_EQ(isi_rand_bytes(&byte, 1), 1);
@@ -93,10 +88,8 @@ TEST(Wrapper, AFunctionThatABoundProviderLacksIsAnError) {
                             "function address not available");
 }
 
-TEST(Wrapper, TraceShowsCallsFromLevelThreeOn) {
-    installation here(fakes + "version_1_2.so");
-    ASSERT_EQ(isi_init(), 0);
-    isi_set_trace_file(here.file("trace").c_str());
+TEST_F(BoundWrapper, TraceShowsCallsFromLevelThreeOn) {
+    isi_set_trace_file(here.at("trace").c_str());
     auto ctx = reinterpret_cast<void *>(0x10);
     auto bytes = reinterpret_cast<unsigned char *>(0x20);
     int length = 0;
@@ -104,7 +97,7 @@ TEST(Wrapper, TraceShowsCallsFromLevelThreeOn) {
 
     isi_set_trace_level(2);
     isi_cipher_ctx_init(ctx);
-    EXPECT_EQ(here.content("trace"), "");
+    EXPECT_EQ(here.read("trace"), "");
 
     isi_set_trace_level(3);
     isi_cipher_ctx_set_padding(ctx, 10);
@@ -124,7 +117,7 @@ TEST(Wrapper, TraceShowsCallsFromLevelThreeOn) {
     snprintf(found, sizeof found, "%p", static_cast<void *>(&answer));
     std::string update =
         logged(std::string("ctx=0x10, out=0x20, outl=") + outl + ", in=0x20, inl=8");
-    EXPECT_EQ(here.content("trace"),
+    EXPECT_EQ(here.read("trace"),
               logged("enter: isi_cipher_ctx_set_padding ") + logged("ctx=0x10, padding=10") +
                   logged("ret=10") + logged("exit: isi_cipher_ctx_set_padding ") +
                   logged("enter: isi_generate_random_seed ") + logged("seedLength=56, seed=0x20") +
