@@ -7,6 +7,29 @@
 #include <algorithm>
 #include <ostream>
 
+namespace {
+
+// The texts as exec takes them.
+std::vector<char *> pointers_to(std::vector<std::string> &texts) {
+    std::vector<char *> pointers;
+    for (std::string &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+// All that comes until the child has closed its stream.
+std::string drained(int fd) {
+    std::string text;
+    char buffer[4096];
+    for (ssize_t n; (n = read(fd, buffer, sizeof buffer)) > 0;)
+        text.append(buffer, static_cast<size_t>(n));
+    close(fd);
+    return text;
+}
+
+} // namespace
+
 std::ostream &operator<<(std::ostream &stream, const outcome &o) {
     return stream << "status " << o.status << ", signal " << o.signal << ", words: " << o.err;
 }
@@ -33,15 +56,8 @@ pid_t command::start(const std::vector<std::string> &arguments) {
     std::vector<std::string> settings;
     for (const auto &[name, value] : environment_)
         settings.push_back(name + "=" + value);
-    const auto pointers = [](std::vector<std::string> &texts) {
-        std::vector<char *> result;
-        for (std::string &text : texts)
-            result.push_back(text.data());
-        result.push_back(nullptr);
-        return result;
-    };
-    const auto argv = pointers(words);
-    const auto envp = pointers(settings);
+    const auto argv = pointers_to(words);
+    const auto envp = pointers_to(settings);
     int out[2];
     int err[2];
     if (pipe2(out, O_CLOEXEC) != 0 || pipe2(err, O_CLOEXEC) != 0)
@@ -63,22 +79,10 @@ pid_t command::start(const std::vector<std::string> &arguments) {
     return child_;
 }
 
-void command::read_output(outcome *o) {
-    const auto drain = [](int fd) {
-        std::string text;
-        char buffer[4096];
-        for (ssize_t n; (n = read(fd, buffer, sizeof buffer)) > 0;)
-            text.append(buffer, static_cast<size_t>(n));
-        close(fd);
-        return text;
-    };
-    o->err = drain(err_); // first: nothing that matters goes to standard output
-    o->out = drain(out_);
-}
-
 outcome command::finish() {
     outcome o;
-    read_output(&o);
+    o.err = drained(err_); // first: nothing that matters goes to standard output
+    o.out = drained(out_);
     int state = 0;
     waitpid(child_, &state, 0);
     o.status = WIFEXITED(state) ? WEXITSTATUS(state) : -1;

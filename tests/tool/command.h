@@ -35,7 +35,6 @@ public:
     // For tests that look at the running process: start, look, finish.
     pid_t start(const std::vector<std::string> &arguments);
     outcome finish();
-    void read_output(outcome *o); // until the child has closed its streams
 
 private:
     std::vector<std::pair<std::string, std::string>> environment_;

@@ -41,11 +41,8 @@ __attribute__((destructor)) static void end(void) {
     close(fd);
 }
 
-/* Looking up a user, the C library (2.36) crashes of itself when it gets no memory. */
-static int looking_up_user;
-
 static int refuse(void) {
-    if (looking_up_user || ++allocations != refused)
+    if (++allocations != refused)
         return 0;
     errno = ENOMEM;
     return 1;
@@ -54,14 +51,13 @@ static int refuse(void) {
 void *malloc(size_t size) { return refuse() ? NULL : __libc_malloc(size); }
 void *calloc(size_t count, size_t size) { return refuse() ? NULL : __libc_calloc(count, size); }
 
-/* Always moves, as it may, and leaves what was there. */
+/* Always moves, and keeps the old block: what was not wiped there stays to be seen. */
 void *realloc(void *block, size_t size) {
     void *moved = refuse() ? NULL : __libc_malloc(size);
     if (moved == NULL || block == NULL)
         return moved;
     const size_t old = malloc_usable_size(block);
     memcpy(moved, block, old < size ? old : size);
-    free(block);
     return moved;
 }
 
@@ -81,26 +77,16 @@ static long fault_of(int fd, const char *variable) {
     return strcmp(path, file) == 0 ? atol(number) : -1;
 }
 
-static void *next_symbol(const char *name, const char *version) {
-    return dlvsym(RTLD_NEXT, name, version);
-}
-
+/* Looking up a user, the C library (2.36) crashes of itself when it gets no memory. */
+static struct passwd user = {.pw_dir = "/nowhere"};
 struct passwd *getpwnam(const char *name) {
-    struct passwd *(*next)(const char *);
-    *(void **)&next = next_symbol("getpwnam", "GLIBC_2.2.5");
-    looking_up_user = 1;
-    struct passwd *user = next(name);
-    looking_up_user = 0;
-    return user;
+    (void)name;
+    return &user;
 }
 
 struct passwd *getpwuid(uid_t uid) {
-    struct passwd *(*next)(uid_t);
-    *(void **)&next = next_symbol("getpwuid", "GLIBC_2.2.5");
-    looking_up_user = 1;
-    struct passwd *user = next(uid);
-    looking_up_user = 0;
-    return user;
+    (void)uid;
+    return &user;
 }
 
 static int fail(void) { return 1; }
@@ -110,7 +96,7 @@ static void *find_nothing(void) { return NULL; }
 void *dlsym(void *handle, const char *name) {
     static void *(*next)(void *, const char *);
     if (next == NULL)
-        *(void **)&next = next_symbol("dlsym", "GLIBC_2.34");
+        *(void **)&next = dlvsym(RTLD_NEXT, "dlsym", "GLIBC_2.34");
     const char *faulty = getenv("FAULT_ISI");
     if (faulty == NULL || strcmp(name, faulty) != 0)
         return next(handle, name);

@@ -1,21 +1,12 @@
 #include "tool/passwdapi.h"
 
-#include "isi/isi_api.h"
-#include "tool/keys.h"
-#include "tool/memory.h"
-#include "tool/sealed_file.h"
+#include "tool/sealing.h"
 #include "tool/staged_tree.h"
 #include "tool/toy_provider.h"
-#include "tool/watchful_memory.h"
-#include "tool/whole_files.h"
-
-#include <gtest/gtest.h>
 
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <functional>
-#include <string>
 #include <utility>
 
 namespace {
@@ -25,26 +16,6 @@ using watchful_memory::request;
 size_t longest_read = SIZE_MAX; // a shorter one than asked for makes read_file grow
 
 constexpr char two_lines[] = "stores dbadmin rosebud primary\nsales ops xanadu live\nno line";
-
-// Seals `text` into the directory's passwd_file, by the context's own allocator.
-void seal(pw_ctx *ctx, const std::string &text) {
-    cipher_ctx cipher = {};
-    cipher_init(&cipher);
-    char internal[32];
-    generate_internal_key(ctx, "", internal);
-    char *sealed = nullptr;
-    int32_t length = 0;
-    ASSERT_EQ(pw_encrypt(ctx, &cipher, text.data(), static_cast<int32_t>(text.size()), internal,
-                         "opensesame", &sealed, &length),
-              0);
-    ASSERT_EQ(
-        write_file((std::string(ctx->install_dir) + "/etc/passwd_file").c_str(), sealed, length),
-        0);
-    isi_cipher_ctx_cleanup(cipher.cipher_handle);
-    isi_cipher_ctx_free(cipher.cipher_handle);
-    watchful_memory::free(sealed);
-    watchful_memory::reset();
-}
 
 class Loader : public testing::Test {
 protected:
@@ -57,7 +28,15 @@ protected:
         setenv("KESTRIONDIR", home.path().c_str(), 1);
         ASSERT_EQ(init(), 0);
         toy_provider::install();
-        seal(ctx, two_lines);
+        seal(two_lines);
+    }
+    void seal(const std::string &text) {
+        {
+            sealing s;
+            ASSERT_EQ(s.seal(text, "opensesame"), 0);
+            home.write("etc/passwd_file", s.bytes);
+        }
+        watchful_memory::reset();
     }
     int init() {
         return pw_init(&ctx, watchful_memory::alloc, watchful_memory::realloc,
@@ -72,12 +51,6 @@ protected:
     }
 };
 
-std::string words_of(const std::function<void()> &action) {
-    testing::internal::CaptureStderr();
-    action();
-    return testing::internal::GetCapturedStderr();
-}
-
 TEST_F(Loader, CountsAndLoadsTheLinesAnyNumberOfTimes) {
     for (int round = 0; round < 2; ++round) {
         int32_t count = -7;
@@ -89,7 +62,7 @@ TEST_F(Loader, CountsAndLoadsTheLinesAnyNumberOfTimes) {
         EXPECT_EQ(pwGetLineCount(ctx, &count), 0);
         EXPECT_EQ(count, 2);
     }
-    seal(ctx, "no line feed at all");
+    seal("no line feed at all");
     int32_t count = -7;
     EXPECT_EQ(pwGetLineCount(ctx, &count), 0);
     EXPECT_EQ(count, 0);
@@ -125,7 +98,7 @@ TEST_F(Loader, AFileThatComesInShortReadsIsReadAgainIntoALargerBuffer) {
     std::string text;
     while (text.size() < 60000)
         text += "stores dbadmin rosebud primary\n";
-    seal(ctx, text);
+    seal(text);
     watchful_memory::look_for("rosebud");
     watchful_memory::look_for("\x48\x49\x4a\x4b\x4c"); // the wrap key opens all the rest
     longest_read = 40000;
@@ -191,14 +164,14 @@ TEST_F(Loader, NothingSecretComesBackOrStays) {
 TEST_F(Loader, AFileThatGrewBehindTheCountIsRefused) {
     int32_t count = 0;
     ASSERT_EQ(pwGetLineCount(ctx, &count), 0);
-    seal(ctx, "a b c d\ne f g h\ni j k l\n");
+    seal("a b c d\ne f g h\ni j k l\n");
     const std::string words = words_of([&] { EXPECT_EQ(pwLoadPW(ctx, &count, table), -1); });
     EXPECT_EQ(words, "Line:3: Error: Incorrect password file format\nDATA=a\nparse_file failed\n");
     EXPECT_EQ(table[2], nullptr);
 }
 
 TEST_F(Loader, EveryFailureSaysWhichStepItWas) {
-    const std::string file = home.path() + "/etc/passwd_file";
+    const std::string file = home.sealed_path();
     int32_t count = -7;
     const auto words = [&] {
         return words_of([&] { EXPECT_EQ(pwLoadPW(ctx, &count, table), -1); });
@@ -208,14 +181,14 @@ TEST_F(Loader, EveryFailureSaysWhichStepItWas) {
     toy_provider::refuse_call(12);
     EXPECT_EQ(words(), "pw_decrypt failed\n");
 
-    seal(ctx, "a b c d\na b c\n");
+    seal("a b c d\na b c\n");
     count = -7;
     EXPECT_NE(
         words().find("Line:2: Error: Incorrect password file format\nDATA=a\nparse_file failed\n"),
         std::string::npos);
     EXPECT_EQ(count, 0);
 
-    write_file(file.c_str(), "nonsense", 8);
+    home.write("etc/passwd_file", "nonsense");
     count = -7;
     EXPECT_EQ(words(), "FATAL error! password file is damaged\nextract_keys failed\n");
     EXPECT_EQ(count, 0);

@@ -140,17 +140,6 @@ TEST(PasswordText, ALineBeyondTheTableIsRefusedBeforeItsRecordIsMade) {
     EXPECT_EQ(watchful_memory::requests().size(), 1u + places); // the scratch block and 101 records
 }
 
-TEST(PasswordText, EveryRefusedAllocationIsAFailure) {
-    const std::string no_memory = "Memory allocation failure\n";
-    watchful_memory::refuse_request(1);
-    EXPECT_EQ(parse("a b c d\n").words, no_memory);
-    watchful_memory::refuse_request(3);
-    const parsed p = parse("a b c d\ne f g h\n");
-    EXPECT_EQ(p.result, -1);
-    EXPECT_EQ(p.words, no_memory + "Line:2: Error: Incorrect password file format\nDATA=a\n");
-    EXPECT_EQ(p.entries, "[a][b][c][d]null");
-}
-
 // The record of a bad line is lost by design; what it held is not.
 TEST(PasswordText, TheLostRecordOfABadLineIsWiped) {
     watchful_memory::reset();

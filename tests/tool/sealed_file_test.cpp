@@ -1,17 +1,8 @@
 #include "tool/sealed_file.h"
 
-#include "isi/isi_api.h"
 #include "support/guarded_bytes.h"
-#include "tool/keys.h"
-#include "tool/memory.h"
+#include "tool/sealing.h"
 #include "tool/toy_provider.h"
-#include "tool/watchful_memory.h"
-
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <functional>
-#include <string>
 
 namespace {
 
@@ -20,38 +11,6 @@ using watchful_memory::context;
 constexpr char plain_text[] = "stores dbadmin rosebud primary\n";
 constexpr char access_key[] = "opensesame";
 const std::string damaged = "FATAL error! password file is damaged\n";
-
-std::string words_of(const std::function<void()> &action) {
-    testing::internal::CaptureStderr();
-    action();
-    return testing::internal::GetCapturedStderr();
-}
-
-// One sealed text and the cipher that made it.
-struct sealing {
-    cipher_ctx cipher = {};
-    char internal_key[32] = {};
-    char *block = nullptr;
-    int32_t length = 0;
-    std::string bytes;
-
-    sealing() { cipher_init(&cipher); }
-    ~sealing() {
-        if (block != nullptr)
-            kestrion::release_wiped(context(), block, static_cast<size_t>(length));
-        isi_cipher_ctx_free(cipher.cipher_handle);
-    }
-
-    int seal(const std::string &text, const char *key) {
-        if (generate_internal_key(context(), key, internal_key) != 0)
-            return -1;
-        if (pw_encrypt(context(), &cipher, text.data(), static_cast<int32_t>(text.size()),
-                       internal_key, key, &block, &length) != 0)
-            return -1;
-        bytes.assign(block, static_cast<size_t>(length));
-        return 0;
-    }
-};
 
 struct opened {
     int result = -1;
@@ -76,6 +35,18 @@ opened open_file(cipher_ctx *cipher, const std::string &file) {
         o.text.assign(text, static_cast<size_t>(text_length) + 1); // with its zero byte
     kestrion::release_wiped(context(), text, static_cast<size_t>(text_length));
     return o;
+}
+
+// A key as it is stored under a wrap key.
+std::string stored_key(const cipher_ctx *cipher, std::string_view key, const char (&wrap)[25]) {
+    char *stored = nullptr;
+    int32_t length = 0;
+    EXPECT_EQ(encrypt_key(context(), cipher, key.data(), static_cast<uint8_t>(key.size()), wrap,
+                          &stored, &length),
+              0);
+    const std::string bytes(stored, static_cast<size_t>(length));
+    watchful_memory::free(stored);
+    return bytes;
 }
 
 class SealedFile : public testing::Test {
@@ -119,17 +90,6 @@ TEST_F(SealedFile, HasTheFieldsOfTheLayoutAndOpensAgain) {
     }
 }
 
-TEST_F(SealedFile, TwelveCharactersOfTheAccessKeyCountForThePayload) {
-    char key[32] = {};
-    char same[32] = {};
-    combine_keys(key, "abcdefghijklm");
-    combine_keys(same, "abcdefghijklXYZ");
-    EXPECT_EQ(std::string(key, 32), std::string(same, 32));
-    EXPECT_EQ(std::string(key, 24), std::string("a\0b\0c\0d\0e\0f\0g\0h\0i\0j\0k\0l\0", 24));
-    EXPECT_EQ(compare_keys("abcdefghijklm", "abcdefghijklXYZ"), 1);
-    EXPECT_EQ(compare_keys("abc", "abc"), 0);
-}
-
 // The last bytes of a file, behind a payload and an internal key that would do.
 TEST_F(SealedFile, ATailThatTellsMoreThanIsThereIsRefusedBeforeAnythingIsOpened) {
     const std::string wrap(24, 'w');
@@ -169,35 +129,21 @@ TEST_F(SealedFile, ATailThatTellsMoreThanIsThereIsRefusedBeforeAnythingIsOpened)
 
 TEST_F(SealedFile, AnOpenedKeyThatOverrunsItsBufferIsRefused) {
     sealing s;
-    char *stored = nullptr;
-    int32_t length = 0;
-    const std::string wrap(24, 'w');
-    const std::string key(32, 'k');
-    ASSERT_EQ(encrypt_key(context(), &s.cipher, key.data(), 32, wrap.data(), &stored, &length), 0);
-    const std::string access = std::string(stored, static_cast<size_t>(length)) + "482";
-    watchful_memory::free(stored);
-    const std::string words = words_of([&] {
-        open_file(&s.cipher,
-                  std::string(48, 'p') + std::string(32, 's') + "322" + access + wrap + "242");
-    });
-    EXPECT_EQ(words, damaged);
+    constexpr char wrap[] = "wwwwwwwwwwwwwwwwwwwwwwww";
+    const std::string file = std::string(48, 'p') + std::string(32, 's') + "322" +
+                             stored_key(&s.cipher, std::string(32, 'k'), wrap) + "482" + wrap +
+                             "242";
+    EXPECT_EQ(words_of([&] { open_file(&s.cipher, file); }), damaged);
 }
 
 // Another writer's wrap key of another length: filled up with zero bytes.
 TEST_F(SealedFile, AShorterWrapKeyIsFollowed) {
     sealing s;
     ASSERT_EQ(s.seal(plain_text, access_key), 0);
-    const size_t wrap_at = s.bytes.size() - 27;
-    char *stored[2] = {};
-    int32_t length[2] = {};
-    const char wrap[25] = "short";
-    encrypt_key(context(), &s.cipher, s.internal_key, 24, wrap, &stored[0], &length[0]);
-    encrypt_key(context(), &s.cipher, access_key, 10, wrap, &stored[1], &length[1]);
-    std::string file = s.bytes.substr(0, wrap_at - 32 - 3 - 16 - 3);
-    file +=
-        std::string(stored[0], 32) + "322" + std::string(stored[1], 16) + "162" + "short" + "51";
-    for (char *block : stored)
-        watchful_memory::free(block);
+    constexpr char wrap[25] = "short";
+    const std::string file = s.bytes.substr(0, 32) + // the payload
+                             stored_key(&s.cipher, {s.internal_key, 24}, wrap) + "322" +
+                             stored_key(&s.cipher, access_key, wrap) + "162" + wrap + "51";
     EXPECT_EQ(open_file(&s.cipher, file).text, std::string(plain_text) + '\0');
 }
 
