@@ -96,6 +96,7 @@ const unsigned char *find_byte(const walk &w, int32_t &used) {
     return table->root->data == nullptr ? table->default_datum
                                         : table->root->data + (byte << table->shift);
 }
+
 // Tables without single-byte characters can hold ones that go on into a terminator, or bring a walk
 // out of step with it.
 bool may_pass_terminator(const cv_rec *cv) {
