@@ -138,6 +138,15 @@ struct case_run {
 // The destination holds at least as many bytes as are left of the source, so that more can be
 // stored than is converted; what follows is written again.
 
+// The same as write_case, by a store of four bytes whatever the lengths, without a branch by them.
+template <letter_case to>
+int32_t store_case(const ctype_rec &ct, const decoded_char &c, char *dst, const char *src) {
+    const case_text &partner = pair_text<to>(ct, c.step.datum); // entry 0 is empty
+    bool changes = partner.length > 0;
+    memcpy(dst, changes ? reinterpret_cast<const char *>(partner.bytes) : src, longest_character);
+    return changes ? partner.length : c.length;
+}
+
 // Converts the ASCII bytes at the start of the next word.
 template <letter_case to> void convert_ascii_word(case_run &run) {
     uint64_t word;
@@ -163,9 +172,9 @@ template <letter_case to> bool convert_until(const ctype_rec &ct, case_run &run,
         if (!is_char(c))
             return false;
         char *dst = run.dst + run.written;
-        int32_t written = c.length;
-        if (c.step.datum == 0 && end - run.read >= longest_character)
-            memcpy(dst, src, longest_character); // whatever the length, without a branch by it
+        int32_t written;
+        if (end - run.read >= longest_character)
+            written = store_case<to>(ct, c, dst, src);
         else
             written = write_case<to>(ct, c, dst, src);
         run.read += static_cast<size_t>(c.length);
