@@ -55,9 +55,8 @@ bool name_of_environment(const char *keyword, char *out) {
 // A name must stay below the directory where it is looked for. Its separators are slashes, and the
 // mark that becomes one when the file is opened.
 bool climbs(const char *name) {
-    constexpr char separators[] = {'/', '\\', gl_directory_mark, 0};
     while (*name != 0) {
-        size_t length = strcspn(name, separators);
+        size_t length = strcspn(name, gl_name_separators);
         if (length == 2 && name[0] == '.' && name[1] == '.')
             return true;
         name += length;

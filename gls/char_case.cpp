@@ -75,24 +75,27 @@ template <letter_case to> gl_wchar wide_character(locale_rec *lc, gl_wchar wc) {
     return wide_character_by_table<to>(lc, wc);
 }
 
-// Writes the other case of a valid character, or the character. Returns the bytes written.
+struct spelling {
+    const char *bytes;
+    int32_t length;
+};
+
+// The other case of a valid character, or the character.
+template <letter_case to>
+spelling other_case(const ctype_rec &ct, const decoded_char &c, const char *src) {
+    const case_text &partner = pair_text<to>(ct, c.step.datum); // entry 0 is empty
+    if (partner.length > 0)
+        return {reinterpret_cast<const char *>(partner.bytes), partner.length};
+    return {src, c.length};
+}
+
+// Writes it. Returns the bytes written.
 template <letter_case to>
 int32_t write_case(const ctype_rec &ct, const decoded_char &c, char *dst, const char *src) {
-    if (c.step.datum != 0) {
-        const case_text &partner = pair_text<to>(ct, c.step.datum);
-        if (partner.length > 0) {
-            memcpy(dst, partner.bytes, static_cast<size_t>(partner.length));
-            return partner.length;
-        }
-    }
-    dst[0] = src[0];
-    if (c.length > 1)
-        dst[1] = src[1];
-    if (c.length > 2)
-        dst[2] = src[2];
-    if (c.length > 3)
-        dst[3] = src[3];
-    return c.length;
+    spelling other = other_case<to>(ct, c, src);
+    for (int32_t i = 0; i < other.length; ++i)
+        dst[i] = other.bytes[i];
+    return other.length;
 }
 
 int32_t read_and_written(int32_t bytes_read, int32_t written) { return bytes_read << 8 | written; }
@@ -138,13 +141,12 @@ struct case_run {
 // The destination holds at least as many bytes as are left of the source, so that more can be
 // stored than is converted; what follows is written again.
 
-// The same as write_case, by a store of four bytes whatever the lengths, without a branch by them.
+// Writes the other case by a store of four bytes whatever its length, without a branch by it.
 template <letter_case to>
 int32_t store_case(const ctype_rec &ct, const decoded_char &c, char *dst, const char *src) {
-    const case_text &partner = pair_text<to>(ct, c.step.datum); // entry 0 is empty
-    bool changes = partner.length > 0;
-    memcpy(dst, changes ? reinterpret_cast<const char *>(partner.bytes) : src, longest_character);
-    return changes ? partner.length : c.length;
+    spelling other = other_case<to>(ct, c, src);
+    memcpy(dst, other.bytes, longest_character);
+    return other.length;
 }
 
 // Converts the ASCII bytes at the start of the next word.

@@ -21,6 +21,9 @@
 // Stands for a slash in names that bypass the search.
 inline constexpr char gl_directory_mark = static_cast<char>(255);
 
+// What separates the parts of a name, as a text for strcspn: either slash, and that mark.
+inline constexpr char gl_name_separators[] = {'/', '\\', gl_directory_mark, '\0'};
+
 extern "C" {
 
 // Opens `name` for reading as it stands, each byte 255 taken as a slash.

@@ -7,8 +7,6 @@ using namespace kestrion;
 
 namespace {
 
-constexpr char separators[] = {'/', '\\', gl_directory_mark, '\0'};
-
 // Adds the specifier of one file name, its code set by the name in the head of the file.
 int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
     char path[gl_file_name_size];
@@ -18,7 +16,7 @@ int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
     name_pieces pieces;
     char simple[gl_simple_spec_size];
     // The rest of the name is to be a modifier, not a way to some other file.
-    if (name.find_first_of(separators) != name.find_last_of(separators) ||
+    if (name.find_first_of(gl_name_separators) != name.find_last_of(gl_name_separators) ||
         gl_lc_fname2lc_pieces(ctx, path, pieces.lang, pieces.cs, pieces.modifier) != 0 ||
         gl_lc_pieces2lc_spec(ctx, pieces.lang, pieces.cs, pieces.modifier, simple) != 0)
         return refuse(ctx);

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "compilers/object_table.h"
+#include "gls/ascii_class.h"
 #include "gls/categories.h"
 #include "gls/locale_file.h"
 
@@ -42,12 +43,10 @@ void append_text(std::string &out, std::string_view text) {
     out += '\n';
 }
 
-bool is_graphic(char c) { return c > ' ' && c <= '~'; }
-
 void append_head(std::string &out, const locale_object &object) {
     const std::string &name = object.code_set;
     if (name.empty() || name.size() > size_t{lco_cs_name_limit} ||
-        !std::all_of(name.begin(), name.end(), is_graphic))
+        !std::all_of(name.begin(), name.end(), is_ascii_graphic))
         throw compiler_failure("\"" + name +
                                "\" is no code set's name: it has 1 to 19 characters and no blanks");
     out += lco_file_type;
