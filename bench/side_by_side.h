@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstddef>
 #include <functional>
+#include <stddef.h>
 #include <vector>
 
 // One contestant: a call that does the whole work once.

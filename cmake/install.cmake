@@ -12,11 +12,4 @@ install(FILES ${PROJECT_SOURCE_DIR}/cmake/kestrion-config.cmake
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kestrion.pc.in ${PROJECT_BINARY_DIR}/kestrion.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kestrion.pc DESTINATION lib/pkgconfig)
 
-# Every header of the runtime keeps its folder, as the sources name it; the two that C programs
-# include stand at the top as well.
-foreach(folder IN ITEMS platform values env gls locale_env general isi tool)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}/ DESTINATION include/kestrion/${folder}
-          FILES_MATCHING PATTERN "*.h" PATTERN "provider" EXCLUDE)
-endforeach()
-install(FILES ${PROJECT_SOURCE_DIR}/tool/passwdapi.h ${PROJECT_SOURCE_DIR}/isi/isi_api.h
-        DESTINATION include/kestrion OPTIONAL)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kestrion DESTINATION include)

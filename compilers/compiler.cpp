@@ -1,10 +1,9 @@
 #include "compilers/compiler.h"
 
 #include <errno.h>
+#include <exception>
 #include <getopt.h>
 #include <string.h>
-
-#include <exception>
 
 namespace kestrion {
 
@@ -41,20 +40,18 @@ std::vector<compiler_option> all_options(const compiler &self, parsed_line &line
     return options;
 }
 
-void print_usage(const compiler &self, const std::vector<compiler_option> &options,
-                 std::FILE *stream) {
-    std::fprintf(stream, "usage: %s %s\n%s\n\n", self.name, self.synopsis, self.summary);
+void print_usage(const compiler &self, const std::vector<compiler_option> &options, FILE *stream) {
+    fprintf(stream, "usage: %s %s\n%s\n\n", self.name, self.synopsis, self.summary);
     for (const compiler_option &option : options) {
         std::string left =
             option.letter != 0 ? std::string("  -") + option.letter + ", --" : "      --";
         left += option.name;
         if (option.value_name != nullptr)
             left += std::string("=") + option.value_name;
-        std::fprintf(stream, "%-30s %s\n", left.c_str(), option.help);
+        fprintf(stream, "%-30s %s\n", left.c_str(), option.help);
     }
-    std::fprintf(stream,
-                 "\nExit status: 0 written, 1 written with warnings or losses, 2 command line "
-                 "not understood,\n4 nothing written.\n");
+    fprintf(stream, "\nExit status: 0 written, 1 written with warnings or losses, 2 command line "
+                    "not understood,\n4 nothing written.\n");
 }
 
 // getopt_long's answer for a long option without a letter; above every character.
@@ -99,7 +96,7 @@ void parse(int argc, char **argv, const compiler &self, const std::vector<compil
         throw usage_error("'" + line.run.sources[self.most_sources] + "' is one source too many");
 }
 
-exit_status compile_and_write(const compiler &self, const parsed_line &line, std::FILE *messages) {
+exit_status compile_and_write(const compiler &self, const parsed_line &line, FILE *messages) {
     diagnostics said(messages);
     if (line.losses_are_errors)
         said.make_losses_errors();
@@ -112,7 +109,7 @@ exit_status compile_and_write(const compiler &self, const parsed_line &line, std
     return said.status();
 }
 
-exit_status run_compiler(int argc, char **argv, const compiler &self, std::FILE *messages) {
+exit_status run_compiler(int argc, char **argv, const compiler &self, FILE *messages) {
     parsed_line line;
     const std::vector<compiler_option> options = all_options(self, line);
     try {
@@ -120,26 +117,26 @@ exit_status run_compiler(int argc, char **argv, const compiler &self, std::FILE 
         if (line.help)
             print_usage(self, options, stdout);
         else if (line.version)
-            std::printf("%s %s\n", self.name, version_text);
+            printf("%s %s\n", self.name, version_text);
         else
             return compile_and_write(self, line, messages);
-        if (std::fflush(stdout) != 0)
+        if (fflush(stdout) != 0)
             throw compiler_failure(std::string("cannot write the standard output: ") +
                                    strerror(errno));
         return exit_status::written;
     } catch (const usage_error &error) {
-        std::fprintf(messages, "%s: %s\nusage: %s %s\n       %s --help tells more\n", self.name,
-                     error.what(), self.name, self.synopsis, self.name);
+        fprintf(messages, "%s: %s\nusage: %s %s\n       %s --help tells more\n", self.name,
+                error.what(), self.name, self.synopsis, self.name);
         return exit_status::usage;
     } catch (const std::exception &error) {
-        std::fprintf(messages, "%s: %s\n", self.name, error.what());
+        fprintf(messages, "%s: %s\n", self.name, error.what());
         return exit_status::nothing_written;
     }
 }
 
 } // namespace
 
-int compiler_main(int argc, char **argv, const compiler &self, std::FILE *messages) {
+int compiler_main(int argc, char **argv, const compiler &self, FILE *messages) {
     return static_cast<int>(run_compiler(argc, argv, self, messages));
 }
 

@@ -14,12 +14,12 @@
 
 #pragma once
 
+#include "compilers/diagnostics.h"
+#include "compilers/output_file.h"
+
 #include <functional>
 #include <string>
 #include <vector>
-
-#include "compilers/diagnostics.h"
-#include "compilers/output_file.h"
 
 namespace kestrion {
 
@@ -58,6 +58,6 @@ struct compiler {
 };
 
 // Runs a compiler and returns the number of its exit_status. Diagnostics go to `messages`.
-int compiler_main(int argc, char **argv, const compiler &self, std::FILE *messages = stderr);
+int compiler_main(int argc, char **argv, const compiler &self, FILE *messages = stderr);
 
 } // namespace kestrion

@@ -1,10 +1,9 @@
 #include "compilers/diagnostics.h"
 
-#include <errno.h>
-#include <string.h>
-
 #include <algorithm>
+#include <errno.h>
 #include <memory>
+#include <string.h>
 #include <utility>
 
 namespace kestrion {
@@ -54,15 +53,14 @@ source_file::source_file(std::string name, std::string text)
 }
 
 source_file source_file::read(const std::string &path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE *)> file(std::fopen(path.c_str(), "rb"),
-                                                                std::fclose);
+    const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path.c_str(), "rb"), fclose);
     std::string text;
     if (file != nullptr) {
         char block[16384];
-        for (size_t n; (n = std::fread(block, 1, sizeof block, file.get())) != 0;)
+        for (size_t n; (n = fread(block, 1, sizeof block, file.get())) != 0;)
             text.append(block, n);
     }
-    if (file == nullptr || std::ferror(file.get()) != 0)
+    if (file == nullptr || ferror(file.get()) != 0)
         throw compiler_failure("cannot read " + path + ": " + strerror(errno));
     return {path, std::move(text)};
 }
@@ -130,7 +128,7 @@ void diagnostics::add_loss(place at, std::string_view what, std::string_view rem
     if (losses_ <= losses_shown)
         print(losses_are_errors_ ? "error: loss" : "loss", at, what, remedy);
     else if (losses_ == losses_shown + 1 && stream_ != nullptr)
-        std::fprintf(stream_, "further losses are not shown; --losses FILE lists them all\n");
+        fprintf(stream_, "further losses are not shown; --losses FILE lists them all\n");
 }
 
 void diagnostics::print(const char *kind, place at, std::string_view what,
@@ -138,16 +136,15 @@ void diagnostics::print(const char *kind, place at, std::string_view what,
     if (stream_ == nullptr)
         return;
     const std::string prefix = place_text(at.source, at.where) + kind + ": ";
-    std::fprintf(stream_, "%s%.*s\n", prefix.c_str(), static_cast<int>(what.size()), what.data());
+    fprintf(stream_, "%s%.*s\n", prefix.c_str(), static_cast<int>(what.size()), what.data());
     const std::string line = at.source == nullptr ? "" : shown(at.source->line(at.where.line));
     if (!line.empty()) {
-        std::fprintf(stream_, "%5zu | %s\n", at.where.line, line.c_str());
+        fprintf(stream_, "%5zu | %s\n", at.where.line, line.c_str());
         if (at.where.column != 0 && at.where.column <= line.size() + 1)
-            std::fprintf(stream_, "      | %s^\n",
-                         in_front_of_caret(line, at.where.column).c_str());
+            fprintf(stream_, "      | %s^\n", in_front_of_caret(line, at.where.column).c_str());
     }
     if (!remedy.empty())
-        std::fprintf(stream_, "      = %.*s\n", static_cast<int>(remedy.size()), remedy.data());
+        fprintf(stream_, "      = %.*s\n", static_cast<int>(remedy.size()), remedy.data());
 }
 
 } // namespace kestrion

@@ -13,10 +13,10 @@
 
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
+#include <stddef.h>
 #include <stdexcept>
+#include <stdint.h>
+#include <stdio.h>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -67,7 +67,7 @@ private:
 class diagnostics {
 public:
     // A null stream: things are counted and listed, not printed.
-    explicit diagnostics(std::FILE *stream = stderr) : stream_(stream) {}
+    explicit diagnostics(FILE *stream = stderr) : stream_(stream) {}
 
     // Each takes what happened and what to do about it; both are one line without a full stop.
     void error(const source_file &source, source_position where, std::string_view what,
@@ -103,7 +103,7 @@ private:
     void print(const char *kind, place at, std::string_view what, std::string_view remedy);
     void add_loss(place at, std::string_view what, std::string_view remedy);
 
-    std::FILE *stream_;
+    FILE *stream_;
     size_t errors_ = 0;
     size_t warnings_ = 0;
     size_t losses_ = 0;

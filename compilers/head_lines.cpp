@@ -1,8 +1,8 @@
 #include "compilers/head_lines.h"
 
-#include <zlib.h>
-
 #include "compilers/object_table.h"
+
+#include <zlib.h>
 
 namespace kestrion {
 

@@ -1,12 +1,12 @@
 #include "compilers/object_table.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <new>
-#include <vector>
-
 #include "compilers/diagnostics.h"
+
+#include <new>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <vector>
 
 namespace kestrion {
 
@@ -19,9 +19,9 @@ std::string written_text(multi_arr *table, multi_datum_writer writer) {
     if (stream == nullptr)
         throw std::bad_alloc();
     _gl_fprintf_multi(stream, table, writer);
-    const bool written = std::fclose(stream) == 0;
+    const bool written = fclose(stream) == 0;
     std::string result = written ? std::string(text, length) : std::string();
-    std::free(text);
+    free(text);
     if (!written)
         throw std::bad_alloc();
     return result;
@@ -39,7 +39,7 @@ multi_table make_table(uint32_t data_size) {
 
 void add_to_table(multi_arr *table, const code_sequence &sequence, const void *datum) {
     gl_char_desc desc{sequence.length, {}};
-    std::memcpy(desc.bytes, sequence.bytes, sizeof desc.bytes);
+    memcpy(desc.bytes, sequence.bytes, sizeof desc.bytes);
     if (_gl_insert_desc_multi(&desc, datum, table) == 0)
         return;
     std::string bytes;

@@ -2,12 +2,12 @@
 // writer.
 #pragma once
 
+#include "compilers/posix/charmap.h"
+#include <kestrion/multi.h>
+#include <kestrion/multi_file.h>
+
 #include <memory>
 #include <string>
-
-#include "compilers/posix/charmap.h"
-#include "gls/multi.h"
-#include "gls/multi_file.h"
 
 namespace kestrion {
 

@@ -1,17 +1,16 @@
 #include "compilers/output_file.h"
 
+#include "compilers/diagnostics.h"
+
 #include <errno.h>
 #include <fcntl.h>
+#include <filesystem>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
-#include <unistd.h>
-
-#include <filesystem>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
-
-#include "compilers/diagnostics.h"
 
 namespace kestrion {
 

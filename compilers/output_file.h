@@ -8,10 +8,9 @@
 
 #pragma once
 
-#include <sys/types.h>
-
-#include <cstddef>
+#include <stddef.h>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace kestrion {

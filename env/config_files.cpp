@@ -1,12 +1,13 @@
-#include "env/config_files.h"
+#include <kestrion/config_files.h>
 
-#include "env/registry.h"
-#include "platform/character_tables.h"
-#include "platform/files.h"
-#include "platform/strings.h"
+#include "env/language_setting.h"
+#include <kestrion/character_tables.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/files.h>
+#include <kestrion/strings.h>
 
-#include <cstdlib>
 #include <fcntl.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 
 namespace {
@@ -170,8 +171,6 @@ bool turns_language_on(const char *dbnls) {
 
 } // namespace kestrion
 
-extern "C" {
-
 int _ggetcfline(int descriptor, char **buffer, size_t *size, uint32_t *line) {
     byte_source source{.descriptor = descriptor, .step = 1}; // the rest stays in the descriptor
     return next_line(source, buffer, size, line);
@@ -189,5 +188,4 @@ int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint
     free(buffer);
     qvt_fd_close(descriptor);
     return status;
-}
 }

@@ -1,9 +1,8 @@
-#include "env/env_log.h"
+#include <kestrion/env_log.h>
 
-#include "env/variable_index.h"
 #include "env/variable_table.h"
 
-#include <cstdarg>
+#include <stdarg.h>
 
 namespace {
 
@@ -14,8 +13,6 @@ int32_t limit_of(const char *name, int32_t index) {
 }
 
 } // namespace
-
-extern "C" {
 
 void qvt_log_error(FILE *stream, const char *format, ...) {
     if (format == nullptr || *format == '\0')
@@ -44,5 +41,4 @@ void qvt_log_envvar_error_fp(FILE *stream, const char *name, int32_t index, int3
 void qvt_log_envvar_error_mt_log(const char *name, int32_t index, int32_t limit, const char *file,
                                  int32_t line, int32_t status) {
     qvt_log_envvar_error_fp(nullptr, name, index, limit, file, line, status);
-}
 }

@@ -1,13 +1,15 @@
-#include "env/first_load.h"
+#include <kestrion/first_load.h>
 
-#include "env/config_files.h"
-#include "env/owned_text.h"
-#include "env/registry.h"
-#include "platform/os_control.h"
-#include "platform/strings.h"
+#include "base/owned_text.h"
+#include "env/language_setting.h"
+#include "env/variable_table.h"
+#include <kestrion/config_files.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/os_control.h>
+#include <kestrion/strings.h>
 
-#include <cstdlib>
 #include <pwd.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 namespace {
@@ -137,8 +139,6 @@ int read_settings(const env_name_list *ignore) {
 
 } // namespace
 
-extern "C" {
-
 int greadenv(void) {
     // The control block brings the locale up, and that looks settings up: the registry may be
     // loaded by the time the block is here. So the order of these two questions matters.
@@ -186,5 +186,4 @@ int ggethomepath(char *path) {
         return gerrno = ENV_TOO_LONG;
     stncopy(user->pw_dir, path, home_path_size);
     return 0;
-}
 }

@@ -1,19 +1,17 @@
-#include "env/language_slots.h"
+#include <kestrion/language_slots.h>
 
-#include "env/registry.h"
-#include "platform/character_tables.h"
-#include "platform/strings.h"
+#include "env/variable_table.h"
+#include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/process_characters.h>
+#include <kestrion/strings.h>
 
-#include <clocale>
-#include <cstring>
+#include <locale.h>
+#include <string.h>
 
-extern "C" {
 constinit database_language Kes_DBVars = {};
-}
 
 namespace {
-
-constexpr int locale_refused = -7206; // the C library does not know the locale's name
 
 struct language_slot {
     const char *name;
@@ -65,8 +63,6 @@ int load(const language_slot &slot, int apply) {
 
 } // namespace
 
-extern "C" {
-
 int OS_setlang(const char *name, const char *value) {
     const language_slot *slot = slot_named(name);
     if (slot == nullptr)
@@ -99,6 +95,5 @@ int OS_resetlang(int apply) {
 }
 
 int _osetcollate(const char *locale_name) {
-    return setlocale(LC_COLLATE, locale_name) == nullptr ? locale_refused : 0;
-}
+    return setlocale(LC_COLLATE, locale_name) == nullptr ? err_process_locale : 0;
 }

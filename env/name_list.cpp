@@ -1,9 +1,9 @@
-#include "env/name_list.h"
+#include <kestrion/name_list.h>
 
-#include "env/owned_text.h"
-#include "platform/strings.h"
+#include "base/owned_text.h"
+#include <kestrion/strings.h>
 
-#include <cstdlib>
+#include <stdlib.h>
 
 namespace {
 
@@ -22,8 +22,6 @@ bool make_room(env_name_list *list) {
 }
 
 } // namespace
-
-extern "C" {
 
 env_name_list *_ginitnamelist(void) {
     auto *list = static_cast<env_name_list *>(calloc(1, sizeof(env_name_list)));
@@ -56,5 +54,4 @@ void _gfreenamelist(env_name_list *list) {
         free(list->names[i]);
     free(list->names);
     free(list);
-}
 }

@@ -3,20 +3,20 @@
 //
 //     convert_text ja_JP.sjis ja_JP.utf8 <in >out
 
-#include <cstdio>
+#include <kestrion/conversion.h>
+#include <kestrion/ext_funcs.h>
+
 #include <iterator>
+#include <stdio.h>
 #include <string>
 #include <vector>
-
-#include "gls/conversion.h"
-#include "gls/ext_funcs.h"
 
 namespace {
 
 std::string read_all(FILE *file) {
     std::string text;
     char block[4096];
-    for (size_t n; (n = std::fread(block, 1, sizeof block, file)) > 0;)
+    for (size_t n; (n = fread(block, 1, sizeof block, file)) > 0;)
         text.append(block, n);
     return text;
 }
@@ -25,20 +25,20 @@ std::string read_all(FILE *file) {
 
 int main(int argc, char **argv) {
     if (argc != 3) {
-        std::fputs("usage: convert_text FROM_LOCALE TO_LOCALE <in >out\n", stderr);
+        fputs("usage: convert_text FROM_LOCALE TO_LOCALE <in >out\n", stderr);
         return 2;
     }
     cv_rec *cv = nullptr;
     const int opened = gl_cv_load(&cv, argv[2], argv[1], nullptr, nullptr);
     if (opened < 0) {
-        std::fprintf(stderr, "convert_text: no conversion from %s to %s (error %d)\n", argv[1],
-                     argv[2], *_gl_ext_errno(cv));
+        fprintf(stderr, "convert_text: no conversion from %s to %s (error %d)\n", argv[1], argv[2],
+                *_gl_ext_errno(cv));
         gl_cv_unload(cv);
         return 1;
     }
     const std::string text = read_all(stdin);
     if (opened == 0) { // one code set
-        std::fwrite(text.data(), 1, text.size(), stdout);
+        fwrite(text.data(), 1, text.size(), stdout);
         return 0;
     }
 
@@ -49,10 +49,10 @@ int main(int argc, char **argv) {
     char *target = converted.data();
     int32_t lossy = 0;
     const int result = gl_cv_mconv(cv, nullptr, &source, &left, &target, &room, &lossy);
-    std::fwrite(converted.data(), 1, static_cast<size_t>(target - converted.data()), stdout);
+    fwrite(converted.data(), 1, static_cast<size_t>(target - converted.data()), stdout);
     if (result != 0)
-        std::fprintf(stderr, "convert_text: byte %td does not convert (error %d)\n",
-                     source - text.data(), *_gl_ext_errno(cv));
+        fprintf(stderr, "convert_text: byte %td does not convert (error %d)\n",
+                source - text.data(), *_gl_ext_errno(cv));
     gl_cv_unload(cv);
     return result == 0 ? 0 : 1;
 }

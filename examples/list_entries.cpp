@@ -4,18 +4,18 @@
 
 #include <kestrion/passwdapi.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <memory>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <vector>
 
 namespace {
 
 // The API says what each block is for by a source name and a line number; a program that keeps no
 // allocation trace has no use for them.
-void *allocate(size_t size, const char *, int) { return std::malloc(size); }
-void *reallocate(void *block, size_t size, const char *, int) { return std::realloc(block, size); }
+void *allocate(size_t size, const char *, int) { return malloc(size); }
+void *reallocate(void *block, size_t size, const char *, int) { return realloc(block, size); }
 
 struct end_context {
     void operator()(pw_ctx *ctx) const { pw_cleanup(ctx); }
@@ -25,7 +25,7 @@ struct end_context {
 struct end_entry {
     void operator()(pw_entry *entry) const {
         explicit_bzero(entry, sizeof *entry);
-        std::free(entry);
+        free(entry);
     }
 };
 
@@ -47,7 +47,7 @@ bool load(pw_ctx *ctx, std::vector<entry_ptr> &entries) {
 
 int main() {
     pw_ctx *made = nullptr;
-    if (pw_init(&made, allocate, reallocate, std::free) != 0)
+    if (pw_init(&made, allocate, reallocate, free) != 0)
         return EXIT_FAILURE; // the API has told why
     const std::unique_ptr<pw_ctx, end_context> ctx(made);
 
@@ -55,6 +55,6 @@ int main() {
     if (!load(ctx.get(), entries))
         return EXIT_FAILURE;
     for (const entry_ptr &entry : entries)
-        std::printf("%s\t%s\t%s\t%s\n", entry->token1, entry->token2, entry->token3, entry->token4);
+        printf("%s\t%s\t%s\t%s\n", entry->token1, entry->token2, entry->token3, entry->token4);
     return EXIT_SUCCESS;
 }

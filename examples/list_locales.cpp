@@ -3,18 +3,18 @@
 //
 //     list_locales
 
+#include <kestrion/categories.h>
+#include <kestrion/char_length.h>
+#include <kestrion/code_set_registry.h>
+#include <kestrion/ext_funcs.h>
+
 #include <algorithm>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
+#include <stdio.h>
+#include <stdlib.h>
 #include <string>
 #include <vector>
-
-#include "gls/categories.h"
-#include "gls/char_length.h"
-#include "gls/code_set_registry.h"
-#include "gls/ext_funcs.h"
 
 namespace fs = std::filesystem;
 
@@ -31,11 +31,10 @@ double load_milliseconds(const std::string &name, locale_rec **lc) {
 } // namespace
 
 int main() {
-    const char *dir = std::getenv("KESTRIONDIR");
+    const char *dir = getenv("KESTRIONDIR");
     const fs::path objects = fs::path(dir != nullptr ? dir : "/usr/kestrion") / "gls" / "lc11";
     if (!fs::is_directory(objects)) {
-        std::fprintf(stderr, "list_locales: no directory %s; is KESTRIONDIR right?\n",
-                     objects.c_str());
+        fprintf(stderr, "list_locales: no directory %s; is KESTRIONDIR right?\n", objects.c_str());
         return 1;
     }
     std::vector<std::string> names;
@@ -45,18 +44,18 @@ int main() {
     std::sort(names.begin(), names.end());
 
     gl_cache_registry(nullptr, nullptr);
-    std::printf("%-18s %-14s %5s %10s %9s\n", "object", "code set", "bytes", "size", "load");
+    printf("%-18s %-14s %5s %10s %9s\n", "object", "code set", "bytes", "size", "load");
     int failed = 0;
     for (const std::string &name : names) {
         locale_rec *lc = nullptr;
         const double ms = load_milliseconds(name, &lc);
         const auto kilobytes = static_cast<double>(fs::file_size(objects / name)) / 1024;
         if (ms < 0) {
-            std::printf("%-18s does not load (error %d)\n", name.c_str(), *_gl_ext_errno(lc));
+            printf("%-18s does not load (error %d)\n", name.c_str(), *_gl_ext_errno(lc));
             ++failed;
         } else {
-            std::printf("%-18s %-14s %d..%-2d %7.1f KB %6.2f ms\n", name.c_str(), lc->cs_names[0],
-                        gl_mb_loc_min(lc), gl_mb_loc_max(lc), kilobytes, ms);
+            printf("%-18s %-14s %d..%-2d %7.1f KB %6.2f ms\n", name.c_str(), lc->cs_names[0],
+                   gl_mb_loc_min(lc), gl_mb_loc_max(lc), kilobytes, ms);
         }
         gl_lc_unload(lc);
     }

@@ -2,18 +2,18 @@
 //
 //     CLIENT_LOCALE=de_DE.8859-1 show_locale
 
-#include <cstdio>
+#include <kestrion/gls_env.h>
+#include <kestrion/messages.h>
+#include <kestrion/startup.h>
 
-#include "general/messages.h"
-#include "locale_env/gls_env.h"
-#include "locale_env/startup.h"
+#include <stdio.h>
 
 int main() {
     if (const int error = chkglsinit(); error != 0) {
         char text[256];
         int32_t length = 0;
         rgetlmsg(error, text, sizeof text, &length);
-        std::fprintf(stderr, "show_locale: the locale does not start (%d): %s\n", error, text);
+        fprintf(stderr, "show_locale: the locale does not start (%d): %s\n", error, text);
         return 1;
     }
     const new_gls_env_rec &state = *CheckGlsEnv()->state;
@@ -21,8 +21,7 @@ int main() {
     const gls_name_list *months = state.mon_names;
     while (months != nullptr && months->next != nullptr)
         months = months->next;
-    std::printf("client locale %-14s date format %-12s month %s\n",
-                state.settings[GLS_CLIENT_LOCALE], state.date_fmt,
-                months != nullptr ? months->names[2] : "-");
+    printf("client locale %-14s date format %-12s month %s\n", state.settings[GLS_CLIENT_LOCALE],
+           state.date_fmt, months != nullptr ? months->names[2] : "-");
     return 0;
 }

@@ -1,18 +1,16 @@
 // A message catalogue of any bytes: what a lookup finds lies inside the file, in memory and by
 // windows alike, and what the compiler can list it can make again.
 
-#include "general/message_file.h"
-
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
 #include "compilers/diagnostics.h"
 #include "compilers/mkqem/catalogue_image.h"
-#include "general/error_numbers.h"
+#include "messages/message_file.h"
+#include <kestrion/error_numbers.h>
+
+#include <stdint.h>
+#include <stdlib.h>
+#include <string>
+#include <sys/mman.h>
+#include <unistd.h>
 
 using namespace kestrion;
 

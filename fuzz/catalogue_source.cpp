@@ -1,12 +1,12 @@
 // A catalogue source of any bytes: it is refused with words, or what it compiles to lists as a
 // source that compiles to the same bytes.
 
-#include <cstdint>
-#include <cstdlib>
-#include <string>
-
-#include "compilers/mkqem/catalogue_image.h"
 #include "compilers/mkqem/catalogue_source.h"
+#include "compilers/mkqem/catalogue_image.h"
+
+#include <stdint.h>
+#include <stdlib.h>
+#include <string>
 
 using namespace kestrion;
 

@@ -1,10 +1,9 @@
 // The charmap reader: what it accepts has sequences of 1 to 4 bytes that can be found again.
 
 #include "compilers/posix/charmap.h"
+#include "compilers/posix/source_place.h"
 
 #include <stdlib.h>
-
-#include "compilers/posix/source_place.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const kestrion::source_file source("fuzz",

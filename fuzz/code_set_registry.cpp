@@ -1,11 +1,11 @@
 // The registry file and the grammar of specifiers over it: the first line of the input is taken as
 // a specifier, the rest as the registry.
 
-#include "gls/code_set_registry.h"
-#include "gls/specifiers.h"
+#include <kestrion/code_set_registry.h>
+#include <kestrion/specifiers.h>
 
-#include <cstdio>
-#include <cstdlib>
+#include <stdio.h>
+#include <stdlib.h>
 #include <string>
 #include <unistd.h>
 
@@ -16,11 +16,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     // One file for the whole run, in the current directory of the process.
     static char name[] = "/tmp/kestrion-registry-XXXXXX";
     static FILE *const file = fdopen(mkstemp(name), "w");
-    std::rewind(file);
-    std::fwrite(registry.data(), 1, registry.size(), file);
-    std::fflush(file);
+    rewind(file);
+    fwrite(registry.data(), 1, registry.size(), file);
+    fflush(file);
     if (ftruncate(fileno(file), static_cast<off_t>(registry.size())) != 0)
-        std::abort();
+        abort();
 
     int32_t word = 0;
     char out[gl_composite_spec_size];
@@ -32,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     if (registry.empty() && gl_lc_spec2lc_norm(&word, spec.c_str(), out, nullptr) == 0) {
         const std::string once = out;
         if (gl_lc_spec2lc_norm(&word, once.c_str(), out, nullptr) != 0 || once != out)
-            std::abort();
+            abort();
     }
     char lang[7];
     char cs[6];

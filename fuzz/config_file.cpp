@@ -1,15 +1,15 @@
 // A configuration file of any bytes, held against a plain second reader of the same syntax.
 
-#include "env/config_files.h"
-#include "env/registry.h"
-#include "platform/os_control.h"
+#include <kestrion/config_files.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/os_control.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <set>
+#include <stdint.h>
+#include <stdlib.h>
 #include <string>
 #include <string_view>
 #include <sys/mman.h>

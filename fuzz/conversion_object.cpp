@@ -1,15 +1,14 @@
 // Conversion objects of any bytes: one that loads converts texts in every way that there is, stays
 // inside of them, and its derived tables answer as the routine without them.
 
-#include "gls/conversion.h"
-#include "gls/conversion_file.h"
-#include "gls/ext_funcs.h"
+#include <kestrion/conversion.h>
+#include <kestrion/conversion_file.h>
+#include <kestrion/ext_funcs.h>
 
+#include <algorithm>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-
-#include <algorithm>
 
 namespace {
 

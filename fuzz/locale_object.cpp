@@ -1,14 +1,14 @@
 // A locale object of any bytes: it is refused and leaves nothing behind, or it loads and the
 // operations on characters serve a text that ends at the end of its block.
 
-#include "gls/categories.h"
-#include "gls/category_data.h"
-#include "gls/char_case.h"
-#include "gls/char_class.h"
-#include "gls/char_convert.h"
-#include "gls/char_length.h"
-#include "gls/char_width.h"
-#include "gls/locale_file.h"
+#include "gls/objects/category_data.h"
+#include <kestrion/categories.h>
+#include <kestrion/char_case.h>
+#include <kestrion/char_class.h>
+#include <kestrion/char_convert.h>
+#include <kestrion/char_length.h>
+#include <kestrion/char_width.h>
+#include <kestrion/locale_file.h>
 
 #include <stddef.h>
 #include <stdint.h>

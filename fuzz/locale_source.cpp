@@ -1,10 +1,9 @@
 // The reader of locale sources: every category to its end, every text in its characters.
 
 #include "compilers/posix/locale_source.h"
+#include "compilers/posix/source_place.h"
 
 #include <stdlib.h>
-
-#include "compilers/posix/source_place.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const kestrion::source_file file("fuzz",

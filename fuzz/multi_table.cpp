@@ -1,11 +1,12 @@
 // The reader of multi tables: whatever the bytes are, a table is refused or safe to look things up
 // in and to write, and reading what was written gives the same text again.
 
-#include "gls/multi_file.h"
+#include "gls/multi/multi_tree.h"
+#include <kestrion/multi_file.h>
 
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
@@ -14,11 +15,11 @@ multi_arr *read(const char *text, size_t size) {
     multi_arr *const table = _gl_create_multi(2, 0, &zero);
     FILE *const file = fmemopen(const_cast<char *>(text), size, "r");
     const int result = _gl_fscanf_multi(file, table, 4, ub2_reader);
-    std::fclose(file);
+    fclose(file);
     if (result == 0)
         return table;
     if (table->err != 3 && table->err != 21)
-        std::abort();
+        abort();
     _gl_free_multi(table);
     return nullptr;
 }
@@ -27,7 +28,7 @@ char *write(multi_arr *table, size_t &size) {
     char *text = nullptr;
     FILE *const file = open_memstream(&text, &size);
     _gl_fprintf_multi(file, table, ub2_writer);
-    std::fclose(file);
+    fclose(file);
     return text;
 }
 
@@ -38,14 +39,14 @@ void look_up_pairs(const multi_arr *table) {
     for (unsigned pair = 0; pair <= 0xFFFF; pair += 97) {
         // In a block of exactly this size, so that an overread is seen.
         const size_t size = 2 + static_cast<size_t>(table->min_len);
-        char *const text = static_cast<char *>(std::calloc(size, 1));
+        char *const text = static_cast<char *>(calloc(size, 1));
         text[0] = static_cast<char>(pair >> 8);
         text[1] = static_cast<char>(pair);
         if (table->min_len <= 2)
             _gl_retrieve_text_multi(text, table, &used, &word);
         _gl_retrieve_text_multi_limit(text, table, 2, &used, &word);
         _gl_retrieve_wchar_multi_nl(&word, pair << 16 | pair, table);
-        std::free(text);
+        free(text);
     }
 }
 
@@ -64,13 +65,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     char *const first = write(table, first_size);
     multi_arr *const again = read(first, first_size);
     if (again == nullptr)
-        std::abort();
+        abort();
     size_t second_size;
     char *const second = write(again, second_size);
-    if (first_size != second_size || std::memcmp(first, second, first_size) != 0)
-        std::abort();
-    std::free(first);
-    std::free(second);
+    if (first_size != second_size || memcmp(first, second, first_size) != 0)
+        abort();
+    free(first);
+    free(second);
     _gl_free_multi(again);
     _gl_free_multi(table);
     return 0;

@@ -1,10 +1,9 @@
 // The parser of the password text: whatever the bytes, it stays inside the text, the table and the
 // records, and accepts exactly as many lines as it stores.
 
-#include "tool/password_text.h"
-
+#include "passwords/password_text.h"
 #include "fuzz/quiet_words.h"
-#include "tool/watchful_memory.h"
+#include "passwords/watchful_memory.h"
 
 #include <stdlib.h>
 #include <string.h>

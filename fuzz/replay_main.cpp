@@ -1,11 +1,11 @@
 // Runs a fuzz target over the files of its corpus, for compilers that have no fuzzer of their own.
 
-#include <cstddef>
-#include <cstdint>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stddef.h>
+#include <stdint.h>
+#include <stdio.h>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size);
@@ -34,6 +34,6 @@ int main(int argc, char **argv) {
             ++inputs;
         }
     }
-    std::printf("%d inputs replayed\n", inputs);
+    printf("%d inputs replayed\n", inputs);
     return inputs == 0 ? 1 : 0;
 }

@@ -1,12 +1,11 @@
 // The sealed file from its last byte to its opened text. The provider is a toy whose cipher is easy
 // to guess, so that mutations get past it: what lengths the file tells is what matters here.
 
-#include "tool/sealed_file.h"
+#include "passwords/sealed_file.h"
 #include "fuzz/quiet_words.h"
-#include "tool/memory.h"
-
-#include "tool/toy_provider.h"
-#include "tool/watchful_memory.h"
+#include "passwords/memory.h"
+#include "passwords/toy_provider.h"
+#include "passwords/watchful_memory.h"
 
 #include <stdlib.h>
 #include <string.h>

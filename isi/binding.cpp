@@ -191,8 +191,6 @@ void close_library(void **handle) {
 
 } // namespace
 
-extern "C" {
-
 int isi_build_version_major() {
     isi_err_stack_reset(&isi_shared_thread_globals);
     return required_major;
@@ -223,5 +221,3 @@ void isi_cleanup() {
     close_library(&libisiHandle);
     close_library(&isi_shared_globals.main_handle);
 }
-
-} // extern "C"

@@ -82,8 +82,6 @@ void push_place(const char *operation, long code, const char *function, const ch
 
 } // namespace
 
-extern "C" {
-
 int isi_trace(int level, const char *format, ...) {
     if (!kestrion::is_traced(level))
         return 0;
@@ -195,5 +193,3 @@ const char *isi_get_ssl_error_string(long code) {
 const char *isi_get_km_error_string(long code) {
     return provider_text(ISI_BOUND(ISI_GET_KM_ERROR_STRING), code);
 }
-
-} // extern "C"

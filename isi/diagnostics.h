@@ -4,12 +4,7 @@
 #pragma once
 
 #include "isi/error_stack.h"
-#include "isi/isi_api.h"
-
-extern "C" {
-extern struct isi_shared_globals isi_shared_globals;
-extern constinit thread_local struct isi_shared_thread_globals isi_shared_thread_globals;
-}
+#include <kestrion/isi_api.h>
 
 namespace kestrion {
 

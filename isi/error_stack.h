@@ -11,14 +11,14 @@
 
 #pragma once
 
-#include "isi/isi_shared.h"
+#include <kestrion/isi_shared.h>
 
 namespace kestrion {
 
 // What the two sides do differently. The functions may be asked while a stack is being walked, so
 // they must leave stacks alone.
 struct err_context {
-    isi_shared_globals *globals;                          // allocator and error log; never null
+    struct isi_shared_globals *globals;                   // allocator and error log; never null
     const char *(*code_message)(int32_t kind, long code); // kinds 5 to 7; null for no message
     int (*provider_base)();                               // 3 names the codes "SecKit:"
 };

@@ -1,6 +1,6 @@
 #include "isi/line_output.h"
 
-#include "platform/print_as_format.h"
+#include "base/print_as_format.h"
 
 #include <stdio.h>
 #include <string.h>

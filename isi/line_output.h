@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "isi/isi_shared.h"
+#include <kestrion/isi_shared.h>
 
 #include <stdarg.h>
 

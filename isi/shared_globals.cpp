@@ -9,8 +9,6 @@ constinit struct isi_shared_globals isi_shared_globals = {
 };
 constinit thread_local struct isi_shared_thread_globals isi_shared_thread_globals = {};
 
-extern "C" {
-
 void isi_set_memfunc(isi_allocate_fn allocate, isi_free_fn release) {
     if (allocate != nullptr)
         isi_shared_globals.allocate = allocate;
@@ -74,5 +72,3 @@ int isi_set_err_callback(isi_line_callback callback) {
     isi_shared_globals.err_callback = callback;
     return 0;
 }
-
-} // extern "C"

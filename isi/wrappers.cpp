@@ -10,8 +10,6 @@ constexpr const char *unknown = "unknown";
 
 } // namespace
 
-extern "C" {
-
 // Asked while the provider is being bound, so these five leave no trace lines.
 int isi_lib_version_major() { return ISI_CALL_UNTRACED(ISI_LIB_VERSION_MAJOR, 0); }
 int isi_lib_version_minor() { return ISI_CALL_UNTRACED(ISI_LIB_VERSION_MINOR, 0); }
@@ -102,5 +100,3 @@ int isi_decode_block(unsigned char *out, const unsigned char *in, int inl) {
 int isi_name2digest(const char *name) { return ISI_CALL(ISI_NAME2DIGEST, ISI_NO_DIGEST, name); }
 
 int isi_name2cipher(const char *name) { return ISI_CALL(ISI_NAME2CIPHER, ISI_NO_CIPHER, name); }
-
-} // extern "C"

@@ -1,18 +1,18 @@
-#include "locale_env/cached_names.h"
+#include <kestrion/cached_names.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <kestrion/char_case.h>
+#include <kestrion/char_class.h>
+#include <kestrion/char_convert.h>
+#include <kestrion/ctype_masks.h>
+#include <kestrion/ext_funcs.h>
+#include <kestrion/ext_hooks.h>
+#include <kestrion/gls_errors.h>
+#include <kestrion/locale_rec.h>
+#include <kestrion/time_names.h>
+
 #include <iterator>
-
-#include "gls/char_case.h"
-#include "gls/char_class.h"
-#include "gls/char_convert.h"
-#include "gls/ctype_masks.h"
-#include "gls/ext_funcs.h"
-#include "gls/gls_errors.h"
-#include "gls/locale_rec.h"
-#include "gls/time_names.h"
-#include "locale_env/ext_hooks.h"
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
@@ -90,8 +90,6 @@ int cache_eras(gls_name_list **list, int32_t kind) {
 
 } // namespace
 
-extern "C" {
-
 int tolower_string(char *text) {
     if (*text == '\0')
         return 0;
@@ -124,7 +122,7 @@ int cache_locale_string(gls_name_list **list, char *const *texts, int32_t count)
     if (texts == nullptr || count <= 0)
         return -1;
     const auto names = static_cast<size_t>(count);
-    size_t size = sizeof(gls_name_list) + names * sizeof(char *);
+    size_t size = offsetof(gls_name_list, names) + names * sizeof(char *);
     for (size_t i = 0; i < names; ++i)
         size += strlen(texts[i]) + 1;
     auto *block = static_cast<gls_name_list *>(malloc(size));
@@ -163,5 +161,4 @@ int cache_era_strings(void) {
     if (cache_eras(&state.era_names_a, GL_NAMES_ERA_SECOND) != 0)
         return -1;
     return cache_eras(&state.era_names_b, GL_NAMES_ERA_FIRST);
-}
 }

@@ -1,17 +1,17 @@
-#include "locale_env/date_format.h"
+#include <kestrion/date_format.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <kestrion/cached_names.h>
+#include <kestrion/categories.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/ext_funcs.h>
+#include <kestrion/gentcb.h>
+#include <kestrion/gls_env.h>
+#include <kestrion/langinfo.h>
+#include <kestrion/locale_rec.h>
 
-#include "env/registry.h"
-#include "general/error_numbers.h"
-#include "general/gentcb.h"
-#include "gls/categories.h"
-#include "gls/ext_funcs.h"
-#include "gls/langinfo.h"
-#include "gls/locale_rec.h"
-#include "locale_env/cached_names.h"
-#include "locale_env/gls_env.h"
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
@@ -141,8 +141,8 @@ struct destination {
         const size_t length = strlen(text);
         char *allocated = nullptr;
         if (buffer == nullptr)
-            allocated = static_cast<char *>(
-                malloc(length < gls_dbdate_format_size ? gls_dbdate_format_size : length + 1));
+            allocated = static_cast<char *>(malloc(
+                length < gls_dbdate_format_size ? size_t{gls_dbdate_format_size} : length + 1));
         if (buffer != nullptr ? length >= caller_buffer_size : allocated == nullptr)
             return err_date_no_memory;
         state.date_fmt = buffer != nullptr ? buffer : allocated;
@@ -205,8 +205,6 @@ int take_dbdate(destination &to, const char *text) {
 
 } // namespace
 
-extern "C" {
-
 int parse_dbdate(const char *text, dbdate_format *out) {
     dbdate_reader read{.at = text};
     if (*text == '\0')
@@ -255,5 +253,4 @@ int initdatetime(void) {
     // No format is made for a datetime qualifier here: readers of the table expect nulls.
     memset(env->dt_fmt, 0, sizeof env->dt_fmt);
     return 0;
-}
 }

@@ -1,18 +1,21 @@
-#include "locale_env/environments.h"
+#include <kestrion/environments.h>
 
-#include <cstdlib>
-#include <cstring>
+#include "base/owned_text.h"
+#include "locale_env/release.h"
+#include <kestrion/cached_names.h>
+#include <kestrion/categories.h>
+#include <kestrion/code_set_registry.h>
+#include <kestrion/conventions.h>
+#include <kestrion/conversion.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/locale_specifiers.h>
+#include <kestrion/startup.h>
+#include <kestrion/strings.h>
 
-#include "env/registry.h"
-#include "general/error_numbers.h"
-#include "gls/categories.h"
-#include "gls/code_set_registry.h"
-#include "gls/conversion.h"
-#include "locale_env/cached_names.h"
-#include "locale_env/money.h"
-#include "locale_env/specifiers.h"
-#include "locale_env/startup.h"
-#include "platform/strings.h"
+#include <initializer_list>
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
@@ -101,7 +104,7 @@ int fill_settings(new_gls_env_rec *state, const GlsEnvLocale *request) {
         if (value == nullptr)
             continue;
         state->settings[i] =
-            is_locale_specifier(i) ? normalised_specifier(value) : kestrion::copy_text(value);
+            is_locale_specifier(i) ? normalised_specifier(value) : kestrion::joined_text(value);
         if (state->settings[i] == nullptr)
             return err_no_block;
     }
@@ -165,8 +168,6 @@ void release_loaded(GlsEnv *env) {
 }
 
 } // namespace kestrion
-
-extern "C" {
 
 GlsEnvLocale *CreateGlsEnvLocale(void) {
     auto *request = static_cast<GlsEnvLocale *>(calloc(1, sizeof(GlsEnvLocale)));
@@ -315,4 +316,3 @@ int FreeAllGlsEnv(void) {
 void AllDestructor(void) {}
 
 void FreeAllTcbs(void) { AllDestructor(); }
-}

@@ -1,17 +1,15 @@
-#include "locale_env/ext_hooks.h"
+#include <kestrion/ext_hooks.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <kestrion/env_registry.h>
 
-#include "env/registry.h"
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
 constexpr size_t name_limit = 80;
 
 } // namespace
-
-extern "C" {
 
 int32_t *cl_ext_errno(void *ctx) { return ctx != nullptr ? static_cast<int32_t *>(ctx) : &temperr; }
 
@@ -49,4 +47,3 @@ long cl_ext_ftell(FILE *file) { return ftell(file); }
 // The engine's own clock is the local time too; the two have one source.
 int cl_ext_currdate(gl_date_rec *record) { return gl_ext_currdate(record); }
 int cl_ext_currtime(gl_time_rec *record) { return gl_ext_currtime(record); }
-}

@@ -1,7 +1,9 @@
-#include "locale_env/gls_env.h"
+#include <kestrion/gls_env.h>
 
-#include <cstdlib>
-#include <cstring>
+#include "base/owned_text.h"
+
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
@@ -9,20 +11,6 @@ constinit lconv_rec g_lconv_default = {.radix = ".", .negative_sign = "-"};
 constinit lconv_rec g_net_lconv_default = {.radix = ".", .negative_sign = "-"};
 
 } // namespace
-
-namespace kestrion {
-
-char *copy_text(const char *text) {
-    const size_t size = strlen(text) + 1;
-    auto *copy = static_cast<char *>(malloc(size));
-    if (copy != nullptr)
-        memcpy(copy, text, size);
-    return copy;
-}
-
-} // namespace kestrion
-
-extern "C" {
 
 constinit const char *const gls_setting_names[GLS_SETTINGS] = {
     "CLIENT_LOCALE", // GLS_CLIENT_LOCALE
@@ -79,7 +67,7 @@ void SetGlsEnv(GlsEnv *env) {
 int gls_set_setting(new_gls_env_rec *state, gls_setting which, const char *text) {
     char *copy = nullptr;
     if (text != nullptr) {
-        copy = kestrion::copy_text(text);
+        copy = kestrion::joined_text(text);
         if (copy == nullptr)
             return -2;
     } else {
@@ -88,5 +76,4 @@ int gls_set_setting(new_gls_env_rec *state, gls_setting which, const char *text)
     free(state->settings[which]);
     state->settings[which] = copy;
     return 0;
-}
 }

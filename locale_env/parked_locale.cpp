@@ -1,8 +1,8 @@
-#include "locale_env/parked_locale.h"
+#include <kestrion/parked_locale.h>
 
-#include "locale_env/money.h"
-#include "locale_env/specifiers.h"
-#include "locale_env/startup.h"
+#include <kestrion/conventions.h>
+#include <kestrion/locale_specifiers.h>
+#include <kestrion/startup.h>
 
 namespace {
 
@@ -13,8 +13,6 @@ void forget_money(new_gls_env_rec &state) {
 }
 
 } // namespace
-
-extern "C" {
 
 int restoreploc(void) {
     GlsEnv *env = CheckGlsEnv();
@@ -48,5 +46,4 @@ int restorelang(int32_t dbnls, locale_rec *lc, locale_rec *saved_lc, cv_rec *app
         return result;
     forget_money(state);
     return 0;
-}
 }

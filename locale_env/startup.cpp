@@ -1,24 +1,26 @@
-#include "locale_env/startup.h"
+#include <kestrion/startup.h>
 
-#include <cstdio>
-#include <cstring>
+#include "locale_env/release.h"
+#include <kestrion/categories.h>
+#include <kestrion/char_length.h>
+#include <kestrion/code_set_registry.h>
+#include <kestrion/conventions.h>
+#include <kestrion/date_format.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/environments.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/ext_funcs.h>
+#include <kestrion/ext_hooks.h>
+#include <kestrion/gentcb.h>
+#include <kestrion/gls_errors.h>
+#include <kestrion/locale_conversions.h>
+#include <kestrion/locale_rec.h>
+#include <kestrion/locale_specifiers.h>
+#include <kestrion/plug_in.h>
+#include <kestrion/strings.h>
 
-#include "env/registry.h"
-#include "general/error_numbers.h"
-#include "general/gentcb.h"
-#include "gls/categories.h"
-#include "gls/char_length.h"
-#include "gls/code_set_registry.h"
-#include "gls/ext_funcs.h"
-#include "gls/gls_errors.h"
-#include "gls/locale_rec.h"
-#include "locale_env/conversions.h"
-#include "locale_env/date_format.h"
-#include "locale_env/environments.h"
-#include "locale_env/ext_hooks.h"
-#include "locale_env/money.h"
-#include "locale_env/specifiers.h"
-#include "platform/strings.h"
+#include <stdio.h>
+#include <string.h>
 
 namespace {
 
@@ -259,13 +261,11 @@ void settle_file_names() {
 
 } // namespace
 
-extern "C" {
-
 int chkglsinit(void) {
     const new_gls_env_rec *state = CheckGlsEnv()->state;
     if (state != nullptr && (state->init_flags > 0 || state->initialising > 0))
         return 0;
-    return initgls(state != nullptr ? state->mode : GLS_MODE_CLIENT);
+    return initgls(state != nullptr ? state->mode : int16_t{GLS_MODE_CLIENT});
 }
 
 int initgls(int16_t mode) {
@@ -355,5 +355,4 @@ int DBNLSset(void) {
     if (value == nullptr)
         return 0;
     return strcmp(value, "1") == 0 ? 1 : strcmp(value, "2") == 0 ? 2 : 0;
-}
 }

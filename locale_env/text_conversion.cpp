@@ -1,11 +1,11 @@
-#include "locale_env/text_conversion.h"
+#include <kestrion/text_conversion.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <kestrion/conversion.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/gentcb.h>
 
-#include "general/error_numbers.h"
-#include "general/gentcb.h"
-#include "gls/conversion.h"
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 
@@ -35,8 +35,6 @@ char *convert(cv_rec *cv, const char *text) {
 
 } // namespace
 
-extern "C" {
-
 char *gcv_malloc(cv_rec *cv, const char *text) {
     if (cv == nullptr || text == nullptr)
         return nullptr;
@@ -53,5 +51,4 @@ int gcvargs(cv_rec *cv, const char *text, char **out) {
     free(*out);
     *out = converted;
     return 0;
-}
 }

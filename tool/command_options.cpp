@@ -1,7 +1,7 @@
 #include "tool/command_options.h"
 
+#include "passwords/message_slots.h"
 #include "tool/command_run.h"
-#include "tool/message_slots.h"
 
 #include <stdio.h>
 #include <string.h>

@@ -1,6 +1,6 @@
 #include "tool/command_run.h"
 
-#include "platform/print_as_format.h"
+#include "base/print_as_format.h"
 
 #include <stdarg.h>
 #include <stdio.h>
@@ -13,16 +13,13 @@
 #include <sys/platform/x86.h>
 #endif
 
-extern "C" {
+namespace kestrion {
 
 int16_t op_mode = OP_ENCRYPT;
 char inputfile_path[file_name_size];
 char outputfile_path[file_name_size];
 char key_input[access_key_size];
 const char *qvtxdir = nullptr;
-}
-
-namespace kestrion {
 
 command_run run;
 

@@ -6,8 +6,8 @@
 
 #pragma once
 
-#include "tool/cipher.h"
-#include "tool/passwdapi.h"
+#include "passwords/cipher.h"
+#include <kestrion/passwdapi.h>
 
 #include <stddef.h>
 #include <stdint.h>
@@ -18,7 +18,7 @@ inline constexpr size_t file_name_size = 256; // 255 characters and the terminat
 inline constexpr size_t access_key_size = 25; // 24 characters and the terminator
 inline constexpr int32_t checked_lines = 101; // lines that the command accepts in a text
 
-extern "C" {
+namespace kestrion {
 
 // Settled by the options.
 extern int16_t op_mode;
@@ -26,9 +26,6 @@ extern char inputfile_path[file_name_size];
 extern char outputfile_path[file_name_size];
 extern char key_input[access_key_size];
 extern const char *qvtxdir; // KESTRIONDIR as the plain process environment has it
-}
-
-namespace kestrion {
 
 // What one run holds. A block that was given back is null.
 struct command_run {

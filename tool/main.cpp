@@ -4,14 +4,15 @@
 // It prints to standard error alone, and on success nothing. Until the messages are loaded its
 // words are fixed English.
 
-#include "general/messages.h"
+#include <kestrion/messages.h>
+
+#include "passwords/keys.h"
+#include "passwords/message_slots.h"
+#include "passwords/password_text.h"
+#include "passwords/sealed_file.h"
+#include "passwords/whole_files.h"
 #include "tool/command_options.h"
 #include "tool/command_run.h"
-#include "tool/keys.h"
-#include "tool/message_slots.h"
-#include "tool/password_text.h"
-#include "tool/sealed_file.h"
-#include "tool/whole_files.h"
 
 #include <errno.h>
 #include <stdio.h>

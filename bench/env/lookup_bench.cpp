@@ -1,12 +1,12 @@
 // Registry lookups beside plain getenv, in turns within one run, so that both meet the same
 // machine.
 
-#include "env/registry.h"
+#include "env/variable_table.h"
+#include <kestrion/env_registry.h>
 
 #include <benchmark/benchmark.h>
-
 #include <chrono>
-#include <cstdlib>
+#include <stdlib.h>
 #include <string>
 
 namespace {

@@ -2,30 +2,28 @@
 // of a row run in turns within one round, so that they meet the same machine; "times" is the peer's
 // time over ours. The C library's locales are made by localedef in a temporary directory.
 
-#include "gls/categories.h"
-#include "gls/char_case.h"
-#include "gls/char_class.h"
-#include "gls/char_convert.h"
-#include "gls/char_length.h"
-#include "gls/code_set_registry.h"
-#include "gls/ctype_masks.h"
 #include "support/temp_dir.h"
-
-#include <benchmark/benchmark.h>
-#include <unicode/ucasemap.h>
-#include <unicode/ustring.h>
+#include <kestrion/categories.h>
+#include <kestrion/char_case.h>
+#include <kestrion/char_class.h>
+#include <kestrion/char_convert.h>
+#include <kestrion/char_length.h>
+#include <kestrion/code_set_registry.h>
+#include <kestrion/ctype_masks.h>
 
 #include <algorithm>
-#include <clocale>
-#include <cstdlib>
-#include <cwchar>
-#include <cwctype>
+#include <benchmark/benchmark.h>
 #include <iconv.h>
 #include <locale.h>
 #include <random>
+#include <stdlib.h>
 #include <string>
 #include <time.h>
+#include <unicode/ucasemap.h>
+#include <unicode/ustring.h>
 #include <vector>
+#include <wchar.h>
+#include <wctype.h>
 
 namespace {
 

@@ -2,17 +2,15 @@
 //
 // The objects are compiled by mkcvo into the build tree when the benchmark is built.
 
-#include "gls/conversion.h"
+#include "side_by_side.h"
+#include <kestrion/conversion.h>
 
 #include <benchmark/benchmark.h>
 #include <iconv.h>
-#include <unicode/ucnv.h>
-
-#include <cstdlib>
-#include <cstring>
+#include <stdlib.h>
+#include <string.h>
 #include <string>
-
-#include "side_by_side.h"
+#include <unicode/ucnv.h>
 
 namespace {
 

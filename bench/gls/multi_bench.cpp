@@ -1,14 +1,14 @@
 // Walking UTF-8 text through a multi table of all its characters, beside the library's mbrlen, and
 // reading that table from its text form.
 
-#include "gls/multi_file.h"
+#include "gls/multi/multi_tree.h"
+#include <kestrion/multi_file.h>
 
 #include <benchmark/benchmark.h>
-
-#include <clocale>
-#include <cstring>
-#include <cwchar>
+#include <locale.h>
+#include <string.h>
 #include <string>
+#include <wchar.h>
 
 namespace {
 
@@ -45,7 +45,7 @@ multi_arr *utf8_table() {
             code < 0x3000 ? 0x100 | (code * 2654435761u >> 30) : 0x100 | code >> 13);
         const std::string bytes = utf8(code);
         gl_char_desc desc = {.length = static_cast<int32_t>(bytes.size()), .bytes = {}};
-        std::memcpy(desc.bytes, bytes.data(), bytes.size());
+        memcpy(desc.bytes, bytes.data(), bytes.size());
         _gl_insert_desc_multi(&desc, &mask, table);
     }
     _gl_compress_multi(table);
@@ -113,13 +113,13 @@ BENCHMARK(retrieve_flat)->DenseRange(0, 2);
 BENCHMARK(retrieve_tree)->DenseRange(0, 2);
 
 void peer_mbrlen(benchmark::State &state) {
-    std::setlocale(LC_CTYPE, "C.UTF-8");
+    setlocale(LC_CTYPE, "C.UTF-8");
     const std::string &text = text_of(state.range(0)).text;
     for (auto _ : state) {
         size_t lengths = 0;
         for (const char *at = text.c_str(); *at != 0;) {
-            std::mbstate_t shift = {};
-            const size_t used = std::mbrlen(at, 4, &shift);
+            mbstate_t shift = {};
+            const size_t used = mbrlen(at, 4, &shift);
             lengths += used;
             at += used;
         }
@@ -134,7 +134,7 @@ void read_table(benchmark::State &state) {
     size_t size = 0;
     FILE *const out = open_memstream(&text, &size);
     _gl_fprintf_multi(out, tree_table(), ub2_writer);
-    std::fclose(out);
+    fclose(out);
     const uint16_t none = 0;
     for (auto _ : state) {
         FILE *const in = fmemopen(text, size, "r");
@@ -142,10 +142,10 @@ void read_table(benchmark::State &state) {
         if (_gl_fscanf_multi(in, table, 4, ub2_reader) != 0)
             state.SkipWithError("refused");
         _gl_free_multi(table);
-        std::fclose(in);
+        fclose(in);
     }
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(size));
-    std::free(text);
+    free(text);
 }
 BENCHMARK(read_table)->Unit(benchmark::kMillisecond);
 

@@ -2,15 +2,14 @@
 // libcrypto's EVP interface made directly, turn by turn in one run. `of_peer` is the median of the
 // pairs' ratios: 1.05 would be 5 % slower than the peer.
 
-#include "isi/isi_api.h"
-
-#include <benchmark/benchmark.h>
-#include <openssl/evp.h>
+#include <kestrion/isi_api.h>
 
 #include <algorithm>
+#include <benchmark/benchmark.h>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include <openssl/evp.h>
+#include <stdio.h>
+#include <stdlib.h>
 #include <vector>
 
 namespace {
@@ -95,7 +94,7 @@ BENCHMARK(call_by_pointer);
 int main(int argc, char **argv) {
     setenv("KESTRIONDIR", KESTRION_BUILD_DIR, 1);
     if (isi_init() != 0) {
-        std::fprintf(stderr, "%s\n", isi_get_err('\n'));
+        fprintf(stderr, "%s\n", isi_get_err('\n'));
         return 1;
     }
     benchmark::Initialize(&argc, argv);

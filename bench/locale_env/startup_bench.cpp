@@ -4,17 +4,15 @@
 // Needs the installation directory that the tests lay down. setlocale, which loads the system's own
 // locale, stands beside the start.
 
-#include "locale_env/startup.h"
+#include <kestrion/env_registry.h>
+#include <kestrion/environments.h>
+#include <kestrion/startup.h>
 
 #include <benchmark/benchmark.h>
-
-#include <clocale>
-#include <cstdio>
-#include <cstdlib>
+#include <locale.h>
+#include <stdio.h>
+#include <stdlib.h>
 #include <string>
-
-#include "env/registry.h"
-#include "locale_env/environments.h"
 
 namespace {
 

@@ -1,18 +1,16 @@
 // One whole run of the command on a text of 1 KB, from its start to its exit, beside `openssl enc`
 // with a raw key on the same file. The two take turns, so that both meet the same machine.
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
-
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <stdlib.h>
+#include <string>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <chrono>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
 #include <vector>
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstring>
 #include <set>
+#include <string.h>
 
 namespace kestrion {
 
@@ -15,7 +15,7 @@ constexpr unsigned char first_graphic = 0x21;
 bool precedes(const side_row &a, const side_row &b) {
     if (a.shifted != b.shifted)
         return b.shifted;
-    const int order = std::memcmp(a.sequence.bytes, b.sequence.bytes, sizeof a.sequence.bytes);
+    const int order = memcmp(a.sequence.bytes, b.sequence.bytes, sizeof a.sequence.bytes);
     if (order != 0 || a.sequence.length != b.sequence.length)
         return order != 0 ? order < 0 : a.sequence.length < b.sequence.length;
     return a.one_way < b.one_way; // the row that writes comes first
@@ -68,7 +68,7 @@ std::string character_name(char32_t character) {
         std::to_chars(digits, digits + sizeof digits, static_cast<uint32_t>(character), 16).ptr;
     std::string text(digits, end);
     for (char &c : text)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
     return "U+" + std::string(text.size() < 4 ? 4 - text.size() : 0, '0') + text;
 }
 

@@ -6,12 +6,12 @@
 // characters in both.
 #pragma once
 
-#include <cstdint>
+#include "compilers/posix/charmap.h"
+
+#include <stdint.h>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include "compilers/posix/charmap.h"
 
 namespace kestrion {
 

@@ -3,13 +3,13 @@
 // The file is described in docs/formats/conversion-object.md.
 #pragma once
 
+#include "compilers/posix/charmap.h"
+#include <kestrion/conversion.h>
+
 #include <array>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "compilers/posix/charmap.h"
-#include "gls/conversion.h"
 
 namespace kestrion {
 

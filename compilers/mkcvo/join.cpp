@@ -1,7 +1,7 @@
 #include "compilers/mkcvo/join.h"
 
 #include <algorithm>
-#include <cstring>
+#include <string.h>
 
 namespace kestrion {
 
@@ -24,7 +24,7 @@ std::optional<written> write(const code_set_side &target, std::u32string_view ch
         if (row == nullptr || out.bytes.length + row->sequence.length > max_sequence_length ||
             (i > 0 && row->shifted != out.shifted))
             return {};
-        std::memcpy(out.bytes.bytes + out.bytes.length, row->sequence.bytes, row->sequence.length);
+        memcpy(out.bytes.bytes + out.bytes.length, row->sequence.bytes, row->sequence.length);
         out.bytes.length = static_cast<uint8_t>(out.bytes.length + row->sequence.length);
         out.shifted = row->shifted;
     }
@@ -94,7 +94,7 @@ void add_switches(const code_set_side &source, conversion_object &object) {
 }
 
 bool by_source(const conversion_entry &a, const conversion_entry &b) {
-    return std::memcmp(a.source.bytes, b.source.bytes, sizeof a.source.bytes) < 0;
+    return memcmp(a.source.bytes, b.source.bytes, sizeof a.source.bytes) < 0;
 }
 
 void measure(conversion_object &object) {

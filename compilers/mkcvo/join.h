@@ -1,12 +1,12 @@
 // Joins two code sets through their characters' Unicode names into a conversion object.
 #pragma once
 
-#include <map>
-#include <optional>
-
 #include "compilers/mkcvo/code_set.h"
 #include "compilers/mkcvo/conversion.h"
 #include "compilers/posix/transliteration.h"
+
+#include <map>
+#include <optional>
 
 namespace kestrion {
 

@@ -1,10 +1,11 @@
+#include "compilers/mkcvo/conversion.h"
+
+#include "compilers/object_table.h"
+#include "compilers/posix/source_place.h"
+
 #include <charconv>
 #include <functional>
 #include <map>
-
-#include "compilers/mkcvo/conversion.h"
-#include "compilers/object_table.h"
-#include "compilers/posix/source_place.h"
 
 // A listing is lines of a keyword and its values; "#" begins a comment:
 //

@@ -1,16 +1,16 @@
 #include "compilers/mkcvo/mkcvo.h"
 
-#include <algorithm>
-#include <charconv>
-#include <map>
-#include <memory>
-#include <optional>
-
 #include "compilers/head_lines.h"
 #include "compilers/mkcvo/code_set.h"
 #include "compilers/mkcvo/conversion.h"
 #include "compilers/mkcvo/join.h"
 #include "compilers/posix/transliteration.h"
+
+#include <algorithm>
+#include <charconv>
+#include <map>
+#include <memory>
+#include <optional>
 
 namespace kestrion {
 
@@ -210,7 +210,7 @@ std::vector<output_file> run_mkcvo(const mkcvo_options &options, const compiler_
 
 } // namespace
 
-int mkcvo_main(int argc, char **argv, std::FILE *messages) {
+int mkcvo_main(int argc, char **argv, FILE *messages) {
     mkcvo_options options;
     compiler self{
         .name = "mkcvo",

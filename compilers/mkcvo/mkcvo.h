@@ -5,6 +5,6 @@
 
 namespace kestrion {
 
-int mkcvo_main(int argc, char **argv, std::FILE *messages = stderr);
+int mkcvo_main(int argc, char **argv, FILE *messages = stderr);
 
 } // namespace kestrion

@@ -1,13 +1,13 @@
 #include "compilers/mkcvo/conversion.h"
 
-#include <charconv>
-#include <cstdio>
-#include <cstring>
-#include <new>
-
 #include "compilers/object_table.h"
-#include "gls/conversion_file.h"
-#include "gls/ext_funcs.h"
+#include <kestrion/conversion_file.h>
+#include <kestrion/ext_funcs.h>
+
+#include <charconv>
+#include <new>
+#include <stdio.h>
+#include <string.h>
 
 namespace kestrion {
 
@@ -55,7 +55,7 @@ std::string entries_text(const std::vector<conversion_entry> &entries, int targe
                                    " bytes, where target characters have at most " +
                                    std::to_string(target_max));
         unsigned char datum[1 + max_sequence_length] = {entry.control};
-        std::memcpy(datum + 1, entry.target.bytes, sizeof entry.target.bytes);
+        memcpy(datum + 1, entry.target.bytes, sizeof entry.target.bytes);
         add_to_table(table.get(), entry.source, entry.control != 0 ? datum : nullptr);
     }
     return table_text(table.get(), conv_writer);
@@ -94,7 +94,7 @@ private:
 code_sequence sequence_of(const unsigned char *bytes, int length) {
     code_sequence sequence;
     sequence.length = static_cast<uint8_t>(length);
-    std::memcpy(sequence.bytes, bytes, static_cast<size_t>(length));
+    memcpy(sequence.bytes, bytes, static_cast<size_t>(length));
     return sequence;
 }
 

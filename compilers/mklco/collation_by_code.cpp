@@ -1,8 +1,8 @@
 #include "compilers/mklco/collation_by_code.h"
 
-#include <algorithm>
+#include <kestrion/locale_file.h>
 
-#include "gls/locale_file.h"
+#include <algorithm>
 
 namespace kestrion {
 namespace {

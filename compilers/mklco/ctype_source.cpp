@@ -1,11 +1,12 @@
 #include "compilers/mklco/ctype_source.h"
 
+#include "compilers/mklco/listing_words.h"
+#include "gls/objects/locale_object.h"
+#include <kestrion/locale_file.h>
+
 #include <algorithm>
 #include <map>
 #include <set>
-
-#include "compilers/mklco/listing_words.h"
-#include "gls/locale_file.h"
 
 namespace kestrion {
 namespace {

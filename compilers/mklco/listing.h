@@ -23,10 +23,10 @@
 // "#" begins a comment where a word may begin.
 #pragma once
 
-#include <string>
-
 #include "compilers/mklco/object.h"
 #include "compilers/posix/source_place.h"
+
+#include <string>
 
 namespace kestrion {
 

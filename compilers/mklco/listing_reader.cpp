@@ -1,10 +1,10 @@
 #include "compilers/mklco/listing.h"
 
+#include "compilers/mklco/listing_words.h"
+
 #include <algorithm>
 #include <charconv>
-#include <cstring>
-
-#include "compilers/mklco/listing_words.h"
+#include <string.h>
 
 namespace kestrion {
 namespace {
@@ -150,7 +150,7 @@ void listing_reader::range(size_t index, range_value &value) const {
                      : sequence(from, std::string_view(from.text).substr(dots + 2));
     auto stem = static_cast<size_t>(value.first.length - 1);
     if (value.first.length != value.last.length ||
-        std::memcmp(value.first.bytes, value.last.bytes, stem) != 0 ||
+        memcmp(value.first.bytes, value.last.bytes, stem) != 0 ||
         value.first.bytes[stem] > value.last.bytes[stem])
         fail(from.offset, "these two make no range",
              "give two characters that differ in the last byte only, the lower first");

@@ -1,9 +1,9 @@
 // The words that writer and reader of listings share.
 #pragma once
 
-#include <cstdint>
+#include <kestrion/ctype_masks.h>
 
-#include "gls/ctype_masks.h"
+#include <stdint.h>
 
 namespace kestrion {
 

@@ -1,10 +1,10 @@
 #include "compilers/mklco/listing.h"
 
-#include <charconv>
-#include <cstring>
-
 #include "compilers/mklco/listing_words.h"
 #include "compilers/object_table.h"
+
+#include <charconv>
+#include <string.h>
 
 namespace kestrion {
 namespace {
@@ -38,7 +38,7 @@ std::string quoted(std::string_view bytes) {
 // True when b is the sequence directly behind a and only the last byte tells them apart.
 bool follows(const code_sequence &a, const code_sequence &b) {
     int last = a.length - 1;
-    return a.length == b.length && std::memcmp(a.bytes, b.bytes, static_cast<size_t>(last)) == 0 &&
+    return a.length == b.length && memcmp(a.bytes, b.bytes, static_cast<size_t>(last)) == 0 &&
            a.bytes[last] + 1 == b.bytes[last];
 }
 

@@ -1,13 +1,14 @@
 #include "compilers/mklco/mklco.h"
 
-#include <map>
-
 #include "compilers/head_lines.h"
 #include "compilers/mklco/collation_by_code.h"
 #include "compilers/mklco/ctype_source.h"
 #include "compilers/mklco/listing.h"
 #include "compilers/mklco/sections_source.h"
-#include "gls/locale_file.h"
+#include "gls/objects/locale_object.h"
+#include <kestrion/locale_file.h>
+
+#include <map>
 
 namespace kestrion {
 namespace {
@@ -160,7 +161,7 @@ std::vector<output_file> run_mklco(mklco_options &options, const compiler_run &r
 
 } // namespace
 
-int mklco_main(int argc, char **argv, std::FILE *messages) {
+int mklco_main(int argc, char **argv, FILE *messages) {
     mklco_options options;
     const auto given = [&options](auto set) {
         return [&options, set](const std::string &value) {

@@ -4,18 +4,18 @@
 // the three tables of the file say about it; the tables therefore always hold the same characters.
 #pragma once
 
-#include <cstdint>
+#include "compilers/posix/charmap.h"
+
+#include <stdint.h>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "compilers/posix/charmap.h"
 
 namespace kestrion {
 
 struct object_character {
     code_sequence sequence;
-    uint16_t classes = 0;    // mask of gls/ctype_masks.h
+    uint16_t classes = 0;    // mask of <kestrion/ctype_masks.h>
     uint16_t case_index = 0; // into the pairs, which count from 1; 0: no partner
     uint16_t row = 0;        // of the collation
 };

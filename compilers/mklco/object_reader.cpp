@@ -1,15 +1,16 @@
 #include "compilers/mklco/object.h"
 
-#include <cctype>
-#include <cerrno>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-
 #include "compilers/object_table.h"
-#include "gls/char_desc.h"
-#include "gls/locale_file.h"
+#include "gls/objects/locale_object.h"
+#include <kestrion/char_desc.h>
+#include <kestrion/locale_file.h>
+
+#include <ctype.h>
+#include <errno.h>
+#include <memory>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 
 namespace kestrion {
 namespace {
@@ -17,16 +18,16 @@ namespace {
 constexpr int64_t largest_count = 65535;
 
 struct file_closer {
-    void operator()(FILE *file) const { std::fclose(file); }
+    void operator()(FILE *file) const { fclose(file); }
 };
 
 // Reads the sections in the order in which the compiler writes them.
 class object_reader {
 public:
     explicit object_reader(const std::string &path)
-        : path_(path), file_(std::fopen(path.c_str(), "rb")) {
+        : path_(path), file_(fopen(path.c_str(), "rb")) {
         if (!file_)
-            throw compiler_failure(path + ": " + std::strerror(errno));
+            throw compiler_failure(path + ": " + strerror(errno));
     }
 
     locale_object read();
@@ -34,10 +35,10 @@ public:
 private:
     [[noreturn]] void fail(const std::string &what) const {
         throw compiler_failure(path_ + ": " + what + " near byte " +
-                               std::to_string(std::ftell(file_.get())));
+                               std::to_string(ftell(file_.get())));
     }
 
-    int get() { return std::fgetc(file_.get()); }
+    int get() { return fgetc(file_.get()); }
     std::string line();
     void expect(std::string_view line_wanted);
     void line_end();
@@ -85,10 +86,10 @@ int64_t object_reader::number(int64_t least, int64_t greatest) {
     int c = get();
     if (c == ' ')
         c = get();
-    for (; c != EOF && (std::isdigit(c) || c == '-') && digits.size() < 20; c = get())
+    for (; c != EOF && (isdigit(c) || c == '-') && digits.size() < 20; c = get())
         digits += static_cast<char>(c);
-    std::ungetc(c, file_.get());
-    int64_t value = std::strtoll(digits.c_str(), nullptr, 10);
+    ungetc(c, file_.get());
+    int64_t value = strtoll(digits.c_str(), nullptr, 10);
     if (digits.empty() || value < least || value > greatest)
         fail("a number from " + std::to_string(least) + " to " + std::to_string(greatest) +
              " must stand here");
@@ -99,7 +100,7 @@ uint32_t object_reader::hex(int digits) {
     uint32_t value = 0;
     for (int i = 0; i < digits; i++) {
         int c = get();
-        if (c == EOF || !std::isxdigit(c))
+        if (c == EOF || !isxdigit(c))
             fail("a hexadecimal digit must stand here");
         value = value << 4 | static_cast<uint32_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
     }
@@ -120,7 +121,7 @@ std::string object_reader::text() {
 double object_reader::growth() {
     std::string text = line();
     char *end = nullptr;
-    double value = std::strtod(text.c_str(), &end);
+    double value = strtod(text.c_str(), &end);
     if (!text.empty() && (*end != '\0' || !(value >= 0 && value <= lco_growth_limit)))
         fail("\"" + text + "\" is no growth factor");
     return text.empty() ? lco_growth_default : value;
@@ -138,8 +139,7 @@ void object_reader::read_head() {
     expect(lco_version);
     std::string count = line();
     size_t equals = count.find('=');
-    long lines =
-        equals == std::string::npos ? -1 : std::strtol(count.c_str() + equals + 1, nullptr, 10);
+    long lines = equals == std::string::npos ? -1 : strtol(count.c_str() + equals + 1, nullptr, 10);
     if (lines < 0 || lines > 1000)
         fail("the third line must give the number of head lines");
     for (long i = lco_head_lines; i < lines; i++)
@@ -163,9 +163,9 @@ void object_reader::collect(const multi_arr *table, const multi_node *node, code
 void object_reader::look_up(const multi_arr *table, uint16_t object_character::*datum) {
     for (object_character &character : object_.characters) {
         gl_char_desc sequence{character.sequence.length, {}};
-        std::memcpy(sequence.bytes, character.sequence.bytes, sizeof sequence.bytes);
+        memcpy(sequence.bytes, character.sequence.bytes, sizeof sequence.bytes);
         if (const void *found = _gl_retrieve_desc_multi(&sequence, table))
-            std::memcpy(&(character.*datum), found, sizeof(uint16_t));
+            memcpy(&(character.*datum), found, sizeof(uint16_t));
     }
 }
 

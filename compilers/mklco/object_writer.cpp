@@ -1,16 +1,18 @@
 #include "compilers/mklco/object.h"
 
+#include "base/ascii_class.h"
+#include "compilers/object_table.h"
+#include "gls/naming/category_words.h"
+#include "gls/objects/locale_object.h"
+#include <kestrion/categories.h>
+#include <kestrion/locale_file.h>
+
 #include <algorithm>
 #include <charconv>
-#include <cstdio>
 #include <memory>
 #include <new>
 #include <stdexcept>
-
-#include "compilers/object_table.h"
-#include "gls/ascii_class.h"
-#include "gls/categories.h"
-#include "gls/locale_file.h"
+#include <stdio.h>
 
 namespace kestrion {
 namespace {
@@ -180,13 +182,13 @@ std::string write_object(const locale_object &object) {
 
 void check_by_loading(std::string &bytes) {
     const std::unique_ptr<FILE, int (*)(FILE *)> file(fmemopen(bytes.data(), bytes.size(), "rb"),
-                                                      std::fclose);
+                                                      fclose);
     locale_rec *record = nullptr;
     if (file == nullptr || gl_create_null_locale_4(&record) != 0)
         throw std::bad_alloc();
     const std::unique_ptr<locale_rec, void (*)(locale_rec *)> owner(record, gl_lc_unload);
     for (int32_t i = 0; i < gl_category_count; i++) {
-        std::rewind(file.get());
+        rewind(file.get());
         if (read_one_category(record, gl_first_category + i, file.get()) != 0)
             throw compiler_failure(std::string("the runtime would refuse the object: error ") +
                                    std::to_string(record->err) + " in the section " +

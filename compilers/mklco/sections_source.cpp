@@ -1,11 +1,11 @@
 #include "compilers/mklco/sections_source.h"
 
+#include "compilers/mklco/time_format.h"
+#include <kestrion/locale_rec.h>
+
 #include <algorithm>
 #include <array>
 #include <optional>
-
-#include "compilers/mklco/time_format.h"
-#include "gls/locale_rec.h"
 
 namespace kestrion {
 namespace {

@@ -1,6 +1,6 @@
 #include "compilers/mklco/text_encoder.h"
 
-#include <cstdio>
+#include <stdio.h>
 
 namespace kestrion {
 namespace {
@@ -44,7 +44,7 @@ void text_encoder::append(std::string &out, const locale_source &from, const tex
         what.append(element.name);
     } else {
         char text[16];
-        std::snprintf(text, sizeof text, "U+%04X", element.value);
+        snprintf(text, sizeof text, "U+%04X", element.value);
         what.append(text);
     }
     if (use == text_use::format)

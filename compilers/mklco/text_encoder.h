@@ -5,11 +5,11 @@
 // would spoil.
 #pragma once
 
-#include <optional>
-#include <span>
-
 #include "compilers/posix/charmap.h"
 #include "compilers/posix/transliteration.h"
+
+#include <optional>
+#include <span>
 
 namespace kestrion {
 

@@ -11,9 +11,9 @@
 // Any other conversion that the formatter lacks is an error.
 #pragma once
 
-#include <vector>
-
 #include "compilers/posix/locale_source.h"
+
+#include <vector>
 
 namespace kestrion {
 

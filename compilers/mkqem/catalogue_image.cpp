@@ -1,12 +1,12 @@
 #include "compilers/mkqem/catalogue_image.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <utility>
-
 #include "compilers/diagnostics.h"
 #include "compilers/mkqem/signature.h"
-#include "general/message_file.h"
+#include "messages/message_file.h"
+
+#include <algorithm>
+#include <stdio.h>
+#include <utility>
 
 namespace kestrion {
 
@@ -42,7 +42,7 @@ std::string escaped(std::string_view text) {
             shown += c;
         } else {
             char octal[5];
-            std::snprintf(octal, sizeof octal, "\\%03o", static_cast<unsigned>(code));
+            snprintf(octal, sizeof octal, "\\%03o", static_cast<unsigned>(code));
             shown += octal;
         }
     }

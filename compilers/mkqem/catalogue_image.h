@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include <cstdint>
 #include <map>
+#include <stdint.h>
 #include <string>
 #include <string_view>
 

@@ -1,9 +1,9 @@
 #include "compilers/mkqem/catalogue_source.h"
 
+#include "messages/message_file.h"
+
 #include <charconv>
 #include <utility>
-
-#include "general/message_file.h"
 
 namespace kestrion {
 

@@ -13,13 +13,13 @@
 
 #pragma once
 
-#include <cstdint>
-#include <map>
-#include <string>
-#include <vector>
-
 #include "compilers/diagnostics.h"
 #include "compilers/mkqem/signature.h"
+
+#include <map>
+#include <stdint.h>
+#include <string>
+#include <vector>
 
 namespace kestrion {
 

@@ -1,9 +1,9 @@
 #include "compilers/mkqem/mkqem.h"
 
-#include <optional>
-
 #include "compilers/mkqem/catalogue_image.h"
 #include "compilers/mkqem/catalogue_source.h"
+
+#include <optional>
 
 namespace kestrion {
 
@@ -72,7 +72,7 @@ std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
 
 } // namespace
 
-int mkqem_main(int argc, char **argv, std::FILE *messages) {
+int mkqem_main(int argc, char **argv, FILE *messages) {
     mkqem_options options;
     const auto run = [&](const compiler_run &line, diagnostics &said) {
         if (!options.list)

@@ -6,6 +6,6 @@
 
 namespace kestrion {
 
-int mkqem_main(int argc, char **argv, std::FILE *messages = stderr);
+int mkqem_main(int argc, char **argv, FILE *messages = stderr);
 
 } // namespace kestrion

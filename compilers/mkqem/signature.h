@@ -3,7 +3,7 @@
 // A program hands each message a fixed list of arguments. The English source declares that list
 // once
 // ("$args -84404 text"); every text of the number, in any language, must take exactly these, in
-// this order. The directives are those of platform/print_as_format.h: %% and, with flags, width and
+// this order. The directives are those of base/print_as_format.h: %% and, with flags, width and
 // precision, %s %d %ld %u %x %c.
 //
 //     $args kind   the text may use
@@ -16,8 +16,8 @@
 
 #pragma once
 
-#include <cstddef>
 #include <optional>
+#include <stddef.h>
 #include <string>
 #include <string_view>
 #include <vector>

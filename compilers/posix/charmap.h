@@ -12,13 +12,13 @@
 // those with an end that has no row are passed over.
 #pragma once
 
-#include <cstdint>
+#include "compilers/posix/source_place.h"
+
+#include <stdint.h>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
-
-#include "compilers/posix/source_place.h"
 
 namespace kestrion {
 

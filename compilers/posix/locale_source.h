@@ -14,16 +14,16 @@
 // escape character it ends only that physical line. Bare characters outside ASCII are symbols too.
 #pragma once
 
-#include <cstdint>
+#include "compilers/posix/charmap.h"
+#include "compilers/posix/source_place.h"
+
 #include <functional>
 #include <map>
 #include <memory>
+#include <stdint.h>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "compilers/posix/charmap.h"
-#include "compilers/posix/source_place.h"
 
 namespace kestrion {
 

@@ -1,7 +1,7 @@
 #include "compilers/posix/source_place.h"
 
-#include <cerrno>
-#include <cstring>
+#include <errno.h>
+#include <string.h>
 #include <zlib.h>
 
 namespace kestrion {
@@ -34,7 +34,7 @@ std::unique_ptr<source_file> read_if_there(const std::string &path) {
         const char *reason = gzerror(file.get(), &number);
         // A compressed file that breaks off reads as a short one; only its end tells the truth.
         if (got < 0 || number == Z_BUF_ERROR)
-            throw compiler_failure(number == Z_ERRNO ? path + ": " + std::strerror(errno)
+            throw compiler_failure(number == Z_ERRNO ? path + ": " + strerror(errno)
                                                      : damage_text(path, reason));
         text.resize(length + static_cast<size_t>(got));
         if (text.size() > largest_text)
@@ -67,7 +67,7 @@ std::unique_ptr<source_file> find_source_file(const std::string &name,
         if (std::unique_ptr<source_file> source = read_if_there(path))
             return source;
         if (errno != ENOENT)
-            throw compiler_failure(path + ": " + std::strerror(errno));
+            throw compiler_failure(path + ": " + strerror(errno));
         tried += (tried.empty() ? "" : ", ") + path;
     }
     throw compiler_failure(name + " is not there: tried " + tried);

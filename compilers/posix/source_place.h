@@ -2,13 +2,13 @@
 // reading of source files that may be compressed.
 #pragma once
 
-#include <cstdint>
+#include "compilers/diagnostics.h"
+
 #include <memory>
 #include <stdexcept>
+#include <stdint.h>
 #include <string>
 #include <vector>
-
-#include "compilers/diagnostics.h"
 
 namespace kestrion {
 

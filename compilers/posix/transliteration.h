@@ -10,12 +10,12 @@
 // together are passed over.
 #pragma once
 
+#include "compilers/posix/locale_source.h"
+
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include "compilers/posix/locale_source.h"
 
 namespace kestrion {
 

@@ -22,7 +22,7 @@ constinit kestrion::err_context provider = {
     .code_message = code_message,
     .provider_base = ISI_lib_base,
 };
-constinit thread_local isi_shared_thread_globals *current_record = nullptr;
+constinit thread_local struct isi_shared_thread_globals *current_record = nullptr;
 
 int push(int32_t kind, long code, const char *text) {
     if (provider.globals == nullptr || current_record == nullptr)
@@ -61,9 +61,9 @@ int report_libcrypto() {
     return provider_failed;
 }
 
-void set_shared_globals(isi_shared_globals *globals) { provider.globals = globals; }
+void set_shared_globals(struct isi_shared_globals *globals) { provider.globals = globals; }
 
-void set_current_record(isi_shared_thread_globals *record) { current_record = record; }
+void set_current_record(struct isi_shared_thread_globals *record) { current_record = record; }
 
 } // namespace kestrion
 

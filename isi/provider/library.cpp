@@ -43,7 +43,7 @@ void start_libcrypto() {
 
 } // namespace
 
-int ISI_init_int(isi_shared_globals *globals, isi_shared_thread_globals *record) {
+int ISI_init_int(struct isi_shared_globals *globals, struct isi_shared_thread_globals *record) {
     if (globals == nullptr || record == nullptr)
         return kestrion::provider_failed;
     kestrion::set_shared_globals(globals);
@@ -57,7 +57,7 @@ void ISI_cleanup_int() {
     kestrion::set_shared_globals(nullptr);
 }
 
-void ISI_set_shared_thread_globals_ptr(isi_shared_thread_globals *record) {
+void ISI_set_shared_thread_globals_ptr(struct isi_shared_thread_globals *record) {
     kestrion::set_current_record(record);
 }
 

@@ -1,16 +1,14 @@
 // The bytes of compiled catalogues.
 
+#include "compilers/diagnostics.h"
 #include "compilers/mkqem/catalogue_image.h"
+#include "compilers/mkqem/catalogue_source.h"
 
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <random>
 #include <sstream>
-
-#include <gtest/gtest.h>
-
-#include "compilers/diagnostics.h"
-#include "compilers/mkqem/catalogue_source.h"
 
 using namespace kestrion;
 

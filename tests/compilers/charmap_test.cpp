@@ -1,12 +1,11 @@
 #include "compilers/posix/charmap.h"
+#include "compilers/posix/source_place.h"
 
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iconv.h>
 #include <map>
-
-#include "compilers/posix/source_place.h"
 
 namespace kestrion {
 namespace {

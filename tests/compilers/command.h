@@ -2,16 +2,14 @@
 
 #pragma once
 
-#include <stdio.h>
-#include <stdlib.h>
-
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
+#include <stdio.h>
+#include <stdlib.h>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 // What came of a command.
 struct outcome {

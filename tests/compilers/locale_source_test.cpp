@@ -25,7 +25,7 @@ std::string tokens_of(const source_file &file) {
             found += letters[static_cast<int>(token.kind)];
             if (token.kind == token_kind::symbol && token.code_point != no_code_point) {
                 char text[16];
-                std::snprintf(text, sizeof text, "U%X", token.code_point);
+                snprintf(text, sizeof text, "U%X", token.code_point);
                 found += text;
             } else if (token.kind == token_kind::number) {
                 found += std::to_string(token.number);

@@ -1,14 +1,13 @@
 // What the command hands to its messages, held against what the English source declares. The
 // compiler holds the texts of all languages against the same declarations.
 
+#include "compilers/mkqem/catalogue_source.h"
+#include "passwords/message_slots.h"
+
 #include <filesystem>
+#include <gtest/gtest.h>
 #include <set>
 #include <string>
-
-#include <gtest/gtest.h>
-
-#include "compilers/mkqem/catalogue_source.h"
-#include "tool/message_slots.h"
 
 namespace fs = std::filesystem;
 using namespace kestrion;
@@ -56,7 +55,8 @@ std::string sources_in(const fs::path &folder) {
 
 TEST(MessageUses, CallsGiveTheDeclaredArguments) {
     const catalogue_source source = english();
-    const std::string sources = sources_in(KESTRION_SOURCE_DIR "/tool");
+    const std::string sources =
+        sources_in(KESTRION_SOURCE_DIR "/passwords") + sources_in(KESTRION_SOURCE_DIR "/tool");
     const std::set<std::string> unused = {"s_err_setperms", "s_err_perms"};
     for (const auto &slot : slots) {
         const std::set<std::string> kinds = uses_of(slot.name, sources);

@@ -2,8 +2,7 @@
 // refuses, and its objects beside the C library's conversions.
 
 #include "compilers/mkcvo/mkcvo.h"
-
-#include "gls/conversion_objects.h"
+#include "gls/conversion/conversion_objects.h"
 #include "tests/compilers/command.h"
 
 #include <iconv.h>

@@ -2,7 +2,6 @@
 // says.
 
 #include "compilers/mklco/mklco.h"
-
 #include "tests/compilers/command.h"
 
 namespace fs = std::filesystem;

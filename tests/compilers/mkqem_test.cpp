@@ -1,7 +1,6 @@
 // The catalogue compiler as a command: command lines, exit statuses, what it says and writes.
 
 #include "compilers/mkqem/mkqem.h"
-
 #include "tests/compilers/command.h"
 
 namespace fs = std::filesystem;

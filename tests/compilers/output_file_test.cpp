@@ -1,17 +1,14 @@
 // Files are written whole or not at all, whichever system call fails.
 
+#include "compilers/diagnostics.h"
 #include "compilers/output_file.h"
-
 #include "tests/compilers/command.h"
 
+#include <algorithm>
 #include <errno.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <algorithm>
-
-#include "compilers/diagnostics.h"
 
 namespace fs = std::filesystem;
 using namespace kestrion;
@@ -62,7 +59,7 @@ struct OutputFile : testing::Test {
         output_calls_in_use = system_output_calls;
         fs::remove_all(dir);
     }
-    std::ptrdiff_t entries() const { return std::distance(fs::directory_iterator(dir), {}); }
+    ptrdiff_t entries() const { return std::distance(fs::directory_iterator(dir), {}); }
     fs::path dir;
 };
 

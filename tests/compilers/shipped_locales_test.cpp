@@ -2,31 +2,29 @@
 // same source and charmap. The C library's locales are made for the test, in a directory of its
 // own.
 
+#include "compilers/mklco/listing_words.h"
+#include "compilers/posix/charmap.h"
+#include <kestrion/categories.h>
+#include <kestrion/char_case.h>
+#include <kestrion/char_class.h>
+#include <kestrion/char_convert.h>
+#include <kestrion/char_length.h>
+#include <kestrion/char_width.h>
+#include <kestrion/ext_funcs.h>
+
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
 #include <langinfo.h>
 #include <locale.h>
+#include <map>
+#include <sstream>
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 #include <unistd.h>
 #include <wchar.h>
 #include <wctype.h>
-
-#include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <map>
-#include <sstream>
-
-#include <gtest/gtest.h>
-
-#include "compilers/mklco/listing_words.h"
-#include "compilers/posix/charmap.h"
-#include "gls/categories.h"
-#include "gls/char_case.h"
-#include "gls/char_class.h"
-#include "gls/char_convert.h"
-#include "gls/char_length.h"
-#include "gls/char_width.h"
-#include "gls/ext_funcs.h"
 
 namespace fs = std::filesystem;
 using namespace kestrion;

@@ -1,8 +1,7 @@
 #include "environment.h"
-
-#include "env/config_files.h"
-#include "env/first_load.h"
-#include "env/registry.h"
+#include <kestrion/config_files.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/first_load.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>

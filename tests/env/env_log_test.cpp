@@ -1,10 +1,8 @@
-#include "env/env_log.h"
-
 #include "env/variable_table.h"
+#include <kestrion/env_log.h>
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
+#include <stdlib.h>
 #include <string>
 
 namespace {

@@ -1,12 +1,12 @@
 #include "environment.h"
 
-#include "env/registry.h"
-#include "locale_env/gls_env.h"
-#include "platform/os_control.h"
+#include <kestrion/env_registry.h>
+#include <kestrion/gls_env.h>
+#include <kestrion/os_control.h>
 
-#include <clocale>
-#include <cstdlib>
+#include <locale.h>
 #include <pwd.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 account test_account;

@@ -1,12 +1,11 @@
 #include "environment.h"
+#include <kestrion/config_files.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/first_load.h>
+#include <kestrion/os_control.h>
 
-#include "env/config_files.h"
-#include "env/first_load.h"
-#include "env/registry.h"
-#include "platform/os_control.h"
-
-#include <cstdlib>
 #include <filesystem>
+#include <stdlib.h>
 
 namespace {
 

@@ -1,11 +1,10 @@
 #include "environment.h"
+#include <kestrion/env_registry.h>
+#include <kestrion/language_slots.h>
 
-#include "env/language_slots.h"
-#include "env/registry.h"
-
-#include <clocale>
-#include <cstdlib>
-#include <cstring>
+#include <locale.h>
+#include <stdlib.h>
+#include <string.h>
 
 namespace {
 

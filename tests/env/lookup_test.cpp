@@ -1,10 +1,10 @@
+#include "env/variable_table.h"
 #include "environment.h"
+#include <kestrion/env_registry.h>
+#include <kestrion/gls_env.h>
 
-#include "env/registry.h"
-#include "locale_env/gls_env.h"
-
-#include <cstdlib>
-#include <cstring>
+#include <stdlib.h>
+#include <string.h>
 
 using kestrion::variable_index;
 
@@ -102,7 +102,7 @@ TEST_F(Lookup, IndexIsBelievedWithoutALookAtTheName) {
     EXPECT_EQ(gerrno, ENV_TOO_LONG);
     EXPECT_STREQ(idx_ggetenv("TREE", dbpath), ".");
 
-    for (const int32_t index : {-2, Num_DVals, INT32_MAX, INT32_MIN}) {
+    for (const int32_t index : {-2, int32_t{Num_DVals}, INT32_MAX, INT32_MIN}) {
         EXPECT_EQ(idx_ggetenv("DBTEMP", index), nullptr) << index;
         EXPECT_EQ(gerrno, ENV_UNKNOWN_VARIABLE) << index;
         EXPECT_EQ(strlen(idx_ggetenv("W1", index)), 129U) << index; // the row is searched by name

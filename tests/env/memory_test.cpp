@@ -1,12 +1,11 @@
 #include "environment.h"
-
-#include "env/config_files.h"
-#include "env/first_load.h"
-#include "env/registry.h"
 #include "support/failing_malloc.h"
+#include <kestrion/config_files.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/first_load.h>
 
-#include <cstdlib>
 #include <fcntl.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 namespace {

@@ -1,9 +1,8 @@
 #include "environment.h"
+#include <kestrion/env_registry.h>
+#include <kestrion/first_load.h>
 
-#include "env/first_load.h"
-#include "env/registry.h"
-
-#include <cstdlib>
+#include <stdlib.h>
 #include <vector>
 
 namespace {

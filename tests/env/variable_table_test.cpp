@@ -1,7 +1,6 @@
 #include "env/variable_table.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 

@@ -2,13 +2,12 @@
 
 #pragma once
 
-#include "gls/ext_funcs.h"
+#include <kestrion/ext_funcs.h>
 
 #include <gtest/gtest.h>
-
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
 #include <string>
 #include <string_view>
 
@@ -55,20 +54,20 @@ private:
     }
     static void *allocate(size_t size) {
         EXPECT_NE(size, 0u) << "nothing is asked for";
-        return fails() ? nullptr : counted(std::malloc(size));
+        return fails() ? nullptr : counted(malloc(size));
     }
     static void *allocate_zeroed(size_t count, size_t size) {
         EXPECT_NE(count * size, 0u) << "nothing is asked for";
-        return fails() ? nullptr : counted(std::calloc(count, size));
+        return fails() ? nullptr : counted(calloc(count, size));
     }
     static void *reallocate(void *block, size_t size) {
         if (fails())
             return nullptr;
-        return block == nullptr ? counted(std::malloc(size)) : std::realloc(block, size);
+        return block == nullptr ? counted(malloc(size)) : realloc(block, size);
     }
     static void release(void *block) {
         live -= block != nullptr;
-        std::free(block);
+        free(block);
     }
 };
 
@@ -78,16 +77,16 @@ public:
     explicit memory_file(std::string_view text) : text_(text) {
         file = fmemopen(text_.data(), text_.size(), "r");
         if (text_.empty()) { // fmemopen refuses nothing at all
-            file = std::tmpfile();
+            file = tmpfile();
         }
     }
-    ~memory_file() { std::fclose(file); }
+    ~memory_file() { fclose(file); }
     memory_file(const memory_file &) = delete;
     memory_file &operator=(const memory_file &) = delete;
     // What has not been read yet.
     std::string rest() const {
         std::string left;
-        for (int c; (c = std::fgetc(file)) != EOF;)
+        for (int c; (c = fgetc(file)) != EOF;)
             left.push_back(static_cast<char>(c));
         return left;
     }
@@ -104,8 +103,8 @@ template <typename Write> std::string text_written(Write write) {
     size_t size = 0;
     FILE *const stream = open_memstream(&text, &size);
     write(stream);
-    std::fclose(stream);
+    fclose(stream);
     std::string written(text, size);
-    std::free(text);
+    free(text);
     return written;
 }

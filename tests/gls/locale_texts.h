@@ -3,15 +3,15 @@
 
 #pragma once
 
-#include "gls/categories.h"
-#include "gls/char_class.h"
-#include "gls/ctype_masks.h"
-#include "gls/locale_file.h"
-#include "gls/multi_file.h"
-
 #include "gls/engine_test.h"
+#include "gls/objects/locale_object.h"
 #include "support/guarded_bytes.h"
 #include "support/temp_dir.h"
+#include <kestrion/categories.h>
+#include <kestrion/char_class.h>
+#include <kestrion/ctype_masks.h>
+#include <kestrion/locale_file.h>
+#include <kestrion/multi_file.h>
 
 #include <algorithm>
 #include <map>
@@ -81,7 +81,7 @@ inline code_set latin1() {
     for (int byte = 0x80; byte < 0x100; ++byte) {
         bool letter = byte >= 0xc0 && byte != 0xd7 && byte != 0xf7;
         unsigned letter_case = byte < 0xdf ? CT_UPPER : CT_LOWER;
-        set.add(std::string(1, static_cast<char>(byte)), byte < 0xa0 ? CT_CNTRL
+        set.add(std::string(1, static_cast<char>(byte)), byte < 0xa0 ? unsigned{CT_CNTRL}
                                                          : letter    ? letter_mask | letter_case
                                                                      : punct_mask);
     }
@@ -105,7 +105,10 @@ inline code_set two_byte() {
         bool upper = trail >= 0xa1 && trail < 0xbb;
         bool lower = trail >= 0xc1 && trail < 0xdb;
         set.add("\xa1" + tail, punct_mask | CT_NAMED);
-        set.add("\xa2" + tail, CT_NAMED | letter_mask | (upper ? CT_UPPER : lower ? CT_LOWER : 0u));
+        set.add("\xa2" + tail, CT_NAMED | letter_mask |
+                                   (upper   ? unsigned{CT_UPPER}
+                                    : lower ? unsigned{CT_LOWER}
+                                            : 0U));
         set.add("\xa3" + tail, CT_CNTRL);
     }
     for (int i = 0; i < 26; ++i)
@@ -238,12 +241,12 @@ struct object_text {
     std::string all() const {
         std::string text = head;
         for (int i = 0; i < gl_category_count; ++i)
-            text += category_markers[i] + sections[i];
+            text += kestrion::category_markers[i] + sections[i];
         return text;
     }
     std::string one(int32_t category) const {
         int i = category - gl_first_category;
-        return head + category_markers[i] + sections[i];
+        return head + kestrion::category_markers[i] + sections[i];
     }
 };
 
@@ -258,8 +261,8 @@ template <class Spell> object_text object_of(const code_set &set, Spell spell) {
                                              "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const std::vector<std::string> week = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     object_text object;
-    object.head = std::string(lco_file_type) + lco_version + "HEADER_LINES=4\nSOURCE=test\n" +
-                  set.name + "\n";
+    object.head = std::string(kestrion::lco_file_type) + kestrion::lco_version +
+                  "HEADER_LINES=4\nSOURCE=test\n" + set.name + "\n";
     object.sections[0] = ctype_text(set);
     object.sections[1] = collate_text(set);
     object.sections[2] = fields(spelled({".", ","})) + "2 3 0\n" + fields(spelled({"+", "-"}));

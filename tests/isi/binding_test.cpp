@@ -1,6 +1,5 @@
-#include "isi/installation.h"
-
 #include "isi/diagnostics.h"
+#include "isi/installation.h"
 #include "support/failing_malloc.h"
 
 #include <sys/wait.h>

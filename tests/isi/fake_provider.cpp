@@ -1,7 +1,7 @@
 // A provider that does nothing, successfully. What a test wants different is a compile definition;
 // a symbol is left out by renaming it.
 
-#include "isi/isi_shared.h"
+#include <kestrion/isi_shared.h>
 
 #include <stdlib.h>
 
@@ -26,12 +26,16 @@ extern "C" {
 ISI_FUNCTIONS(ISI_TYPED, ISI_OPAQUE)
 
 int fake_random_calls = 0;
-isi_shared_thread_globals *fake_record = nullptr; // what the bridge last handed over
-int fake_answer = 0;                              // result of ISI_encrypt_update
+struct isi_shared_thread_globals *fake_record = nullptr; // what the bridge last handed over
+int fake_answer = 0;                                     // result of ISI_encrypt_update
 
-int ISI_init_int(isi_shared_globals *, isi_shared_thread_globals *) { return FAKE_INIT; }
+int ISI_init_int(struct isi_shared_globals *, struct isi_shared_thread_globals *) {
+    return FAKE_INIT;
+}
 void ISI_cleanup_int() { setenv("FAKE_CLEANED", "yes", 1); }
-void ISI_set_shared_thread_globals_ptr(isi_shared_thread_globals *record) { fake_record = record; }
+void ISI_set_shared_thread_globals_ptr(struct isi_shared_thread_globals *record) {
+    fake_record = record;
+}
 int ISI_lib_version_major() { return FAKE_MAJOR; }
 int ISI_lib_version_minor() { return FAKE_MINOR; }
 const char *ISI_lib_version_string() { return "fake"; }

@@ -2,15 +2,14 @@
 
 #pragma once
 
-#include "isi/isi_api.h"
 #include "support/temp_dir.h"
+#include <kestrion/isi_api.h>
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <string>
 
 class installation : public temp_dir {
 public:

@@ -2,13 +2,12 @@
 
 #include "isi/installation.h"
 
+#include <algorithm>
 #include <malloc.h>
 #include <openssl/crypto.h>
 #include <openssl/objects.h>
-#include <string.h>
-
-#include <algorithm>
 #include <set>
+#include <string.h>
 
 namespace {
 

@@ -1,11 +1,10 @@
+#include "isi/diagnostics.h"
 #include "isi/installation.h"
 
-#include "isi/diagnostics.h"
-
 #include <array>
-#include <cstdio>
-#include <cstring>
 #include <set>
+#include <stdio.h>
+#include <string.h>
 #include <thread>
 #include <vector>
 

@@ -1,6 +1,6 @@
 // Binds the provider, but only with raised privileges: without them it ends with 77.
 
-#include "isi/isi_api.h"
+#include <kestrion/isi_api.h>
 
 #include <sys/auxv.h>
 

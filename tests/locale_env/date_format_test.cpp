@@ -1,10 +1,8 @@
-#include "locale_env/date_format.h"
-
-#include <string>
+#include <kestrion/date_format.h>
+#include <kestrion/error_numbers.h>
 
 #include <gtest/gtest.h>
-
-#include "general/error_numbers.h"
+#include <string>
 
 namespace {
 

@@ -1,14 +1,12 @@
-#include "locale_env/environments.h"
-
-#include <cstdlib>
-#include <string>
-#include <vector>
+#include <kestrion/code_set_registry.h>
+#include <kestrion/environments.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/startup.h>
 
 #include <gtest/gtest.h>
-
-#include "general/error_numbers.h"
-#include "gls/code_set_registry.h"
-#include "locale_env/startup.h"
+#include <stdlib.h>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -1,16 +1,14 @@
-#include "locale_env/specifiers.h"
-
-#include <cstdlib>
-#include <cstring>
-#include <string>
+#include <kestrion/categories.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/gentcb.h>
+#include <kestrion/locale_rec.h>
+#include <kestrion/locale_specifiers.h>
 
 #include <gtest/gtest.h>
-
-#include "env/registry.h"
-#include "general/error_numbers.h"
-#include "general/gentcb.h"
-#include "gls/categories.h"
-#include "gls/locale_rec.h"
+#include <stdlib.h>
+#include <string.h>
+#include <string>
 
 namespace {
 

@@ -1,38 +1,35 @@
 // Start-up in fresh processes: each row of a table is a child with an environment of its own.
 
-#include "locale_env/startup.h"
+#include "support/failing_malloc.h"
+#include "support/stated_leaks.h"
+#include <kestrion/cached_names.h>
+#include <kestrion/categories.h>
+#include <kestrion/conversion.h>
+#include <kestrion/date_format.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/environments.h>
+#include <kestrion/error_numbers.h>
+#include <kestrion/gentcb.h>
+#include <kestrion/gls_env.h>
+#include <kestrion/locale_rec.h>
+#include <kestrion/locale_specifiers.h>
+#include <kestrion/messages.h>
+#include <kestrion/os_control.h>
+#include <kestrion/parked_locale.h>
+#include <kestrion/startup.h>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <gtest/gtest.h>
 #include <iterator>
+#include <stdlib.h>
+#include <string.h>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <utility>
 #include <vector>
-
-#include <gtest/gtest.h>
-
-#include "env/registry.h"
-#include "general/error_numbers.h"
-#include "general/gentcb.h"
-#include "general/messages.h"
-#include "gls/categories.h"
-#include "gls/conversion.h"
-#include "gls/locale_rec.h"
-#include "locale_env/cached_names.h"
-#include "locale_env/date_format.h"
-#include "locale_env/environments.h"
-#include "locale_env/gls_env.h"
-#include "locale_env/parked_locale.h"
-#include "locale_env/specifiers.h"
-#include "platform/os_control.h"
-#include "support/failing_malloc.h"
-#include "support/stated_leaks.h"
 
 namespace {
 

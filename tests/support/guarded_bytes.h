@@ -3,12 +3,11 @@
 
 #pragma once
 
+#include <stdlib.h>
 #include <string.h>
+#include <string_view>
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include <cstdlib>
-#include <string_view>
 
 class guarded_bytes {
 public:

@@ -1,11 +1,10 @@
 #include "tool/command.h"
 
+#include <algorithm>
 #include <fcntl.h>
+#include <ostream>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <algorithm>
-#include <ostream>
 
 namespace {
 

@@ -2,12 +2,11 @@
 
 #pragma once
 
-#include "tool/staged_tree.h"
-
-#include <sys/types.h>
+#include "passwords/staged_tree.h"
 
 #include <functional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 struct outcome {

@@ -3,13 +3,11 @@
 
 #include "tool/command.h"
 
+#include <functional>
 #include <gtest/gtest.h>
-
+#include <set>
 #include <signal.h>
 #include <sys/resource.h>
-
-#include <functional>
-#include <set>
 
 namespace {
 

@@ -3,17 +3,15 @@
 
 #include "tool/command.h"
 
-#include <gtest/gtest.h>
-#include <openssl/evp.h>
-
 #include <fcntl.h>
+#include <gtest/gtest.h>
+#include <inttypes.h>
+#include <openssl/evp.h>
+#include <stdio.h>
 #include <sys/ptrace.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include <cinttypes>
-#include <cstdio>
 
 namespace {
 

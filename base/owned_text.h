@@ -1,0 +1,22 @@
+// New texts from malloc.
+
+#pragma once
+
+#include <stdlib.h>
+#include <string.h>
+
+namespace kestrion {
+
+// Returns the parts, one behind the other, as a new text that the caller owns; null without memory.
+inline char *joined_text(const char *first, const char *second = "", const char *third = "") {
+    const size_t lengths[] = {strlen(first), strlen(second), strlen(third)};
+    auto *text = static_cast<char *>(malloc(lengths[0] + lengths[1] + lengths[2] + 1));
+    if (text == nullptr)
+        return nullptr;
+    memcpy(text, first, lengths[0]);
+    memcpy(text + lengths[0], second, lengths[1]);
+    memcpy(text + lengths[0] + lengths[1], third, lengths[2] + 1);
+    return text;
+}
+
+} // namespace kestrion

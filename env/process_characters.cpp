@@ -1,0 +1,30 @@
+#include <kestrion/process_characters.h>
+
+#include <kestrion/character_tables.h>
+#include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
+
+#include <locale.h>
+#include <string.h>
+
+namespace {
+
+constinit bool set_up = false; // rldctype has run
+
+} // namespace
+
+int rldnlsctype(const char *locale_name) {
+    if (setlocale(LC_CTYPE, locale_name) == nullptr)
+        return err_process_locale;
+    return ldctypearr() == 0 ? 0 : err_no_block;
+}
+
+int rldctype(void) {
+    if (set_up)
+        return 0;
+    set_up = true;
+    const char *dbnls = ggetenv("DBNLS");
+    if (dbnls == nullptr || (strcmp(dbnls, "1") != 0 && strcmp(dbnls, "2") != 0))
+        return rld8bitarr();
+    return rldnlsctype("") == 0 ? 0 : -1;
+}

@@ -1,0 +1,176 @@
+// The flat transition table of a multi table.
+
+#include "gls/multi/multi_tree.h"
+
+#include <string.h>
+
+using namespace kestrion;
+
+namespace {
+
+constexpr uint32_t max_states = 65536; // what the 16 bits of a step can number
+constexpr size_t row_size = gl_bytes * sizeof(multi_step);
+
+// States that were made for nodes without children, by their arrays. In a compressed table many
+// nodes have the same ones, and one state serves them all.
+struct shared_state {
+    const multi_node *node;
+    uint32_t state; // 0: free place
+};
+
+struct flattening {
+    const multi_arr *table;
+    multi_step *walk = nullptr;
+    const unsigned char **rows = nullptr;
+    shared_state *seen = nullptr;
+    uint32_t seen_capacity = 0; // a power of two
+    uint32_t seen_count = 0;
+    uint32_t capacity = 0;
+    uint32_t states = 0;
+
+    bool has_rows() const { return table->data_size != sizeof(multi_step::datum); }
+    bool grow();
+    bool grow_seen();
+    shared_state *place_of(const multi_node *node);
+    bool place(const multi_node *node, uint32_t &state);
+    uint16_t datum_at(const multi_node *node, uint32_t state, size_t b) const;
+    void release();
+};
+
+bool flattening::grow() {
+    const uint32_t wanted = capacity == 0 ? 16 : capacity * 2;
+    void *const bigger_walk = _gl_ext_realloc(walk, wanted * row_size);
+    if (bigger_walk == nullptr)
+        return false;
+    walk = static_cast<multi_step *>(bigger_walk);
+    if (has_rows()) {
+        void *const bigger_rows = _gl_ext_realloc(rows, wanted * sizeof *rows);
+        if (bigger_rows == nullptr)
+            return false;
+        rows = static_cast<const unsigned char **>(bigger_rows);
+    }
+    capacity = wanted;
+    return true;
+}
+
+// The place of a childless node's state: its own, or the free one where it belongs.
+shared_state *flattening::place_of(const multi_node *node) {
+    const uint64_t key = reinterpret_cast<uintptr_t>(node->flag_bytes) * 31 +
+                         reinterpret_cast<uintptr_t>(node->data);
+    for (uint64_t i = key * 0x9E3779B97F4A7C15u >> 32;; ++i) {
+        shared_state *const at = &seen[i & (seen_capacity - 1)];
+        if (at->state == 0 ||
+            (at->node->flag_bytes == node->flag_bytes && at->node->data == node->data))
+            return at;
+    }
+}
+
+bool flattening::grow_seen() {
+    const uint32_t old_capacity = seen_capacity;
+    shared_state *const old = seen;
+    const uint32_t wanted = old_capacity == 0 ? 64 : old_capacity * 2;
+    shared_state *const bigger =
+        static_cast<shared_state *>(_gl_ext_calloc(wanted, sizeof(shared_state)));
+    if (bigger == nullptr)
+        return false;
+    seen = bigger;
+    seen_capacity = wanted;
+    for (uint32_t i = 0; i < old_capacity; ++i) {
+        if (old[i].state != 0)
+            *place_of(old[i].node) = old[i];
+    }
+    _gl_free_ptr(old);
+    return true;
+}
+
+uint16_t flattening::datum_at(const multi_node *node, uint32_t state, size_t b) const {
+    if (has_rows())
+        return static_cast<uint16_t>(state);
+    uint16_t datum;
+    memcpy(&datum, node->data != nullptr ? node->data + (b << 1) : table->default_datum,
+           sizeof datum);
+    return datum;
+}
+
+// Makes the state of a node and of all below it; depth is at most four.
+bool flattening::place(const multi_node *node, uint32_t &state) {
+    const bool childless = node->child_count == 0;
+    if (childless) {
+        if (seen_count * 2 >= seen_capacity && !grow_seen())
+            return false;
+        if (const shared_state *const known = place_of(node); known->state != 0) {
+            state = known->state;
+            return true;
+        }
+    }
+    // The row behind the root's is that of the number 1, the end of a sequence, and stays empty.
+    state = states == 0 ? 0 : states;
+    states = states == 0 ? uint32_t{multi_first_state} : states + 1;
+    if (states > max_states || (states > capacity && !grow()))
+        return false;
+    if (childless && state != 0) {
+        *place_of(node) = {node, state};
+        ++seen_count;
+    }
+    memset(walk + (static_cast<size_t>(state) << 8), 0, state == 0 ? 2 * row_size : row_size);
+    if (has_rows())
+        rows[state] = node->data != nullptr ? node->data : table->default_row;
+    for (size_t b = 0; b < gl_bytes; ++b) {
+        const unsigned char flag = multi_flag_at(node, static_cast<unsigned char>(b));
+        multi_step step = {};
+        if (flag == MULTI_END) {
+            step = {.datum = datum_at(node, state, b), .next = multi_end};
+        } else if (flag == MULTI_CHILD) {
+            uint32_t child;
+            if (!place(multi_child_at(node, static_cast<unsigned char>(b)), child))
+                return false;
+            step.next = static_cast<uint16_t>(child);
+        }
+        walk[static_cast<size_t>(state) << 8 | b] = step;
+    }
+    return true;
+}
+
+void flattening::release() {
+    _gl_free_ptr(walk);
+    _gl_free_ptr(rows);
+    _gl_free_ptr(seen);
+}
+
+} // namespace
+
+namespace kestrion {
+
+void multi_drop_flat(multi_arr *table) {
+    _gl_free_ptr(const_cast<multi_step *>(table->walk));
+    _gl_free_ptr(table->data_rows);
+    _gl_free_ptr(table->default_row);
+    table->walk = nullptr;
+    table->data_rows = nullptr;
+    table->default_row = nullptr;
+}
+
+int multi_flatten(multi_arr *table) {
+    multi_drop_flat(table);
+    flattening flat = {.table = table};
+    if (flat.has_rows()) {
+        table->default_row = multi_make_data_array(table);
+        if (table->default_row == nullptr)
+            return -1;
+    }
+    uint32_t root;
+    if (!flat.place(table->root, root)) {
+        flat.release();
+        multi_drop_flat(table);
+        return -1;
+    }
+    _gl_free_ptr(flat.seen);
+    // Give back what the last doubling took too much; a block that stays where it is serves as
+    // well.
+    void *const trimmed = _gl_ext_realloc(flat.walk, flat.states * row_size);
+    table->walk = trimmed != nullptr ? static_cast<multi_step *>(trimmed) : flat.walk;
+    table->data_rows = flat.rows;
+    return 0;
+}
+
+} // namespace kestrion

@@ -1,0 +1,129 @@
+// What the readers of the sections share: fields, texts, and the empty and freed form of each
+// category.
+//
+// Readers return false with the error word set. A text that a category does not have is `no_text`,
+// never null, so that nobody needs to ask; it is not freed.
+
+#pragma once
+
+#include "gls/base/engine_error.h"
+#include "gls/objects/locale_object.h"
+#include <kestrion/ext_funcs.h>
+#include <kestrion/locale_rec.h>
+
+#include <stddef.h>
+#include <stdint.h>
+#include <stdio.h>
+
+namespace kestrion {
+
+// Zero bytes behind a text. Where characters have several bytes, one that begins in front of the
+// end may take three of them, and the terminator behind it four.
+inline constexpr size_t text_tail = 7;
+
+extern char no_text[4];
+extern gl_wchar no_wide_text[1];
+
+// ---- Fields
+
+// A line feed where there must be one; else 11.
+bool read_line_end(locale_rec *lc, FILE *file);
+
+// A number within [low, high]; else 11.
+bool read_number(locale_rec *lc, FILE *file, int64_t low, int64_t high, int64_t &out);
+
+// The same with its line feed.
+bool read_number_line(locale_rec *lc, FILE *file, int64_t low, int64_t high, int32_t &out);
+
+// One line of at most lco_line_limit characters, its line feed included; false without one.
+bool read_line(FILE *file, char *line, size_t size);
+
+// A table of 16-bit data in place of `table`; the table's own error.
+bool read_table(locale_rec *lc, FILE *file, multi_arr *&table);
+
+// An empty table of 16-bit data.
+bool make_empty_table(locale_rec *lc, multi_arr *&table);
+
+// ---- Arrays that grow as entries are read
+
+// Makes room for one more entry behind the first `count`.
+template <class entry> bool make_room(locale_rec *lc, entry *&array, size_t count, size_t &room) {
+    if (count < room)
+        return true;
+    size_t wanted = room == 0 ? 8 : room * 2;
+    void *bigger = _gl_ext_realloc(array, wanted * sizeof(entry));
+    if (!bigger)
+        return refuse(lc, GLS_ERR_NO_MEMORY);
+    array = static_cast<entry *>(bigger);
+    room = wanted;
+    return true;
+}
+
+// Zeroed entries; `count` is at least 1.
+template <class entry> bool make_array(locale_rec *lc, entry *&array, size_t count) {
+    array = static_cast<entry *>(_gl_ext_calloc(count, sizeof(entry)));
+    return array || refuse(lc, GLS_ERR_NO_MEMORY);
+}
+
+template <class entry> void free_array(entry *&array) {
+    _gl_free_ptr(const_cast<void *>(static_cast<const void *>(array)));
+    array = nullptr;
+}
+
+// ---- Texts
+
+// A text and its wide form, as members of a category record.
+template <class record> struct text_field {
+    char *record::*text;
+    gl_wchar *record::*wide;
+};
+
+bool read_text(locale_rec *lc, FILE *file, char *&text);
+bool widen_text(locale_rec *lc, const char *text, gl_wchar *&wide);
+void free_text(char *&text);
+void free_wide(gl_wchar *&wide);
+
+template <class record, size_t n>
+bool read_texts(locale_rec *lc, FILE *file, record &r, const text_field<record> (&fields)[n]) {
+    for (const auto &field : fields)
+        if (!read_text(lc, file, r.*field.text))
+            return false;
+    return true;
+}
+
+template <class record, size_t n>
+bool widen_texts(locale_rec *lc, record &r, const text_field<record> (&fields)[n]) {
+    for (const auto &field : fields)
+        if (!widen_text(lc, r.*field.text, r.*field.wide))
+            return false;
+    return true;
+}
+
+template <class record, size_t n>
+void free_texts(record &r, const text_field<record> (&fields)[n]) {
+    for (const auto &field : fields) {
+        free_text(r.*field.text);
+        free_wide(r.*field.wide);
+    }
+}
+
+// ---- Categories: the empty form (false with 3 when tables can't be made), and what frees one
+
+bool empty_ctype(locale_rec *lc);
+bool empty_collate(locale_rec *lc);
+bool empty_numeric(locale_rec *lc);
+bool empty_monetary(locale_rec *lc);
+bool empty_time(locale_rec *lc);
+bool empty_messages(locale_rec *lc);
+
+void free_ctype(locale_rec *lc);
+void free_collate(locale_rec *lc);
+void free_numeric(locale_rec *lc);
+void free_monetary(locale_rec *lc);
+void free_time(locale_rec *lc);
+void free_messages(locale_rec *lc);
+
+// Frees the byte tables of a single-byte code set.
+void free_byte_tables(locale_rec *lc);
+
+} // namespace kestrion

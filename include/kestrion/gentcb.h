@@ -1,0 +1,98 @@
+// The general control block: the runtime's process-wide state outside the locale.
+//
+// One record, made at first use by CheckGenInit() and kept until the process ends. It holds the
+// error words of the general, the locale and the value layer, which are three separate fields, and
+// the state of the message catalogues. One thread at a time; nothing here locks.
+
+#pragma once
+
+#include <assert.h>
+#include <stddef.h>
+#include <stdint.h>
+
+typedef struct value_heap value_heap; // <kestrion/value_heap.h>
+
+// Bits of `gen_flags`.
+enum gen_flag {
+    GEN_DBVER_SET = 16, // the database told its version
+};
+
+enum {
+    gen_leaf_size = 64,   // leaf name of a catalogue, terminator included
+    gen_path_size = 256,  // path of a catalogue, terminator included
+    gen_window_bytes = 80 // eight index records of the longer kind
+};
+
+// An open catalogue file. Reading it is the business of messages/message_file.h.
+typedef struct gen_catalogue {
+    int32_t fd;                             // descriptor, -1 for none or when `image` is enough
+    int32_t count;                          // records in the index, 0 to 32767
+    int32_t record_size;                    // 8 or 10 bytes
+    int32_t window_first;                   // position in the index of the window's first record
+    int32_t window_count;                   // records in the window, 0 to 8
+    int32_t fresh;                          // 1 in the lookup that opened the file
+    int64_t file_size;                      // bytes of the file when it was opened
+    unsigned char *image;                   // the whole file when it is small, else null; owned
+    unsigned char window[gen_window_bytes]; // records read last, when there is no image
+    char leaf[gen_leaf_size];               // leaf name the file was opened for; empty: not in use
+} gen_catalogue;
+
+typedef struct gentcb {
+    uint32_t gen_flags;          // gen_flag bits
+    int32_t gen_err;             // error word of the general layer
+    int32_t gls_err;             // error word of the locale environment
+    int32_t conv_err;            // conversion error of the value layer
+    int32_t float_type;          // stored form of floats, told by the database
+    int32_t msg_depth;           // above 0 while a stand-in text is being looked up
+    gen_catalogue catalogues[2]; // 0 is in use; 1 never opens a file
+    char *scratch;               // texts on their way to the string heap; owned
+    int32_t scratch_size;        // bytes of it
+    char *message_file;          // explicit file for all messages, null for none; owned
+    char *install_dir;           // installation directory, null until first use; owned
+    value_heap *string_heap;     // loaded messages, null until first use
+    char path[gen_path_size];    // path built last
+    unsigned char reserved[560]; // fields to come
+} gentcb;
+static_assert(sizeof(gentcb) == 1248, "stated size");
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+// 1 in an ANSI database, where a text that is cut on storing is an error. Set by gen_setansidb.
+extern int32_t ansidb;
+
+// Makes the block if there is none. Returns it, or null when there is no memory.
+gentcb *gentcb_alloc(void);
+
+// Clears a block; no catalogue is open in it.
+void genfill(gentcb *block);
+
+// Returns the block, making it at first use with `gen_err` 0; null when there is no memory.
+gentcb *CheckGenInit(void);
+
+// The error word, or -406 when there is no block to be had.
+int32_t getgenerr(void);
+
+// Whether the database told its version: gset_dbver notes it, gget_dbver answers 1 or 0.
+void gset_dbver(void);
+int32_t gget_dbver(void);
+
+void qvtGEN_setFloatType(int32_t type);
+// -1 when no block was made yet; making one is not this call's business.
+int32_t qvtGEN_getFloatType(void);
+
+void gen_setansidb(int32_t on);
+
+// The error word of the locale environment. Both yield -406 when there is no block;
+// set_glserror returns `code` else.
+int32_t get_glserror(void);
+int32_t set_glserror(int32_t code);
+
+// The conversion error of the value layer; -406 when there is no block. set_toerrno returns `code`.
+int32_t get_toerrno(void);
+int32_t set_toerrno(int32_t code);
+
+#ifdef __cplusplus
+}
+#endif
