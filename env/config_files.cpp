@@ -1,14 +1,13 @@
 #include <kestrion/config_files.h>
 
+#include "base/regular_file.h"
 #include "env/language_setting.h"
 #include <kestrion/character_tables.h>
 #include <kestrion/env_registry.h>
 #include <kestrion/files.h>
 #include <kestrion/strings.h>
 
-#include <fcntl.h>
 #include <stdlib.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -149,18 +148,6 @@ int load_lines(int descriptor, char **buffer, size_t size, const env_name_list *
     return status == ENV_UNKNOWN_VARIABLE ? ENV_TOO_LONG : 0;
 }
 
-// A pipe would hold the program up and a device might never end; and the home directory is that of
-// the login name, which is not root's where root was reached from another account. O_NONBLOCK is
-// for the opening of a pipe; files do not care.
-int open_regular_file(const char *path) {
-    const int descriptor = qvt_fd_open(path, O_RDONLY | O_NONBLOCK, 0, 0);
-    struct stat status;
-    if (descriptor < 0 || (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)))
-        return descriptor;
-    qvt_fd_close(descriptor);
-    return -1;
-}
-
 } // namespace
 
 namespace kestrion {
@@ -178,7 +165,7 @@ int _ggetcfline(int descriptor, char **buffer, size_t *size, uint32_t *line) {
 
 int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint32_t *flags) {
     *line = 0;
-    const int descriptor = open_regular_file(path);
+    const int descriptor = kestrion::open_regular_file(path);
     if (descriptor < 0)
         return 0;
     int status = ENV_NO_MEMORY;

@@ -1,9 +1,9 @@
 #include "messages/message_file.h"
 
+#include "base/regular_file.h"
 #include <kestrion/error_numbers.h>
 
 #include <algorithm>
-#include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -121,13 +121,12 @@ void load_image(gen_catalogue *catalogue) {
 } // namespace
 
 int32_t catalogue_open(gen_catalogue *catalogue, const char *path) {
-    // O_NONBLOCK: a pipe under the name must not hang the program; files do not care.
-    catalogue->fd = open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    catalogue->fd = open_regular_file(path);
     if (catalogue->fd < 0)
         return err_catalogue_not_opened;
     struct stat status;
     int32_t result = err_catalogue_not_opened;
-    if (fstat(catalogue->fd, &status) == 0 && S_ISREG(status.st_mode)) {
+    if (fstat(catalogue->fd, &status) == 0) {
         catalogue->file_size = status.st_size;
         result = read_head(catalogue);
     }

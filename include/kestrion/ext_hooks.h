@@ -1,4 +1,4 @@
-// The functions that the locale engine is given by a client of the runtime. Those not told here
+// The functions that the locale engine is given by a client of the runtime. The others
 // forward to the C library.
 
 #pragma once
@@ -20,7 +20,11 @@ void *cl_ext_malloc(size_t size);
 void *cl_ext_calloc(size_t count, size_t size);
 void *cl_ext_realloc(void *block, size_t size);
 void cl_ext_free(void *block);
+
+// In mode "r" opens a regular file alone, so that a pipe in the place of an object cannot hold the
+// program up.
 FILE *cl_ext_fopen(const char *name, const char *mode);
+
 int cl_ext_fclose(FILE *file);
 int cl_ext_fgetc(FILE *file);
 int cl_ext_getc(FILE *file);
