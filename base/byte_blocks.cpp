@@ -12,7 +12,7 @@ int sign(int difference) { return (difference > 0) - (difference < 0); }
 int order_of_tail(unsigned char byte) { return static_cast<signed char>(byte) >= ' ' ? 1 : -1; }
 
 int compare_tail(const unsigned char *tail, ptrdiff_t length) {
-    for (ptrdiff_t i = 0; i < length; i++)
+    for (ptrdiff_t i = 0; i < length; ++i)
         if (tail[i] != ' ')
             return order_of_tail(tail[i]);
     return 0;
@@ -23,7 +23,7 @@ int compare_tail(const unsigned char *tail, ptrdiff_t length) {
 ptrdiff_t qvt_byleng(const void *block, ptrdiff_t length) {
     const unsigned char *bytes = static_cast<const unsigned char *>(block);
     while (length > 0 && bytes[length - 1] == ' ')
-        length--;
+        --length;
     return std::max<ptrdiff_t>(length, 0);
 }
 
@@ -59,7 +59,7 @@ int charcmp(const void *a, ptrdiff_t a_length, const void *b, ptrdiff_t b_length
 
 int _gIsRangeFilled(const void *block, ptrdiff_t count, int byte) {
     const unsigned char *bytes = static_cast<const unsigned char *>(block);
-    for (ptrdiff_t i = 0; i < count; i++)
+    for (ptrdiff_t i = 0; i < count; ++i)
         if (bytes[i] != static_cast<unsigned char>(byte))
             return 0;
     return 1;

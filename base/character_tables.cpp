@@ -31,7 +31,7 @@ int ldctypearr(void) {
     if (CheckOsInit() == nullptr)
         return -1;
     _ixctype[0] = 0;
-    for (int c = 0; c < 256; c++) {
+    for (int c = 0; c < 256; ++c) {
         _ixctype[c + 1] = classes_of(c);
         _ix2lowmap[c] = static_cast<unsigned char>(tolower(c));
         _ix2upmap[c] = static_cast<unsigned char>(toupper(c));
@@ -40,7 +40,7 @@ int ldctypearr(void) {
 }
 
 int rld8bitarr(void) {
-    for (int c = first_high_byte; c < 256; c++)
+    for (int c = first_high_byte; c < 256; ++c)
         _ixctype[c + 1] = c <= last_high_lower ? CHARACTER_LOWER : CHARACTER_PUNCT;
     return 0;
 }

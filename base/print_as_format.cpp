@@ -39,7 +39,7 @@ struct sink {
     void put(const char *bytes, const char *end) { put(bytes, static_cast<size_t>(end - bytes)); }
 
     void pad(char byte, size_t count) {
-        for (; count > 0; count--)
+        for (; count > 0; --count)
             put(&byte, 1);
     }
 };
@@ -100,7 +100,7 @@ directive read_directive(const char *percent) {
     read_flags(&at, &d);
     d.width = read_number(&at);
     if (*at == '.') {
-        at++;
+        ++at;
         d.has_precision = true;
         d.precision = read_number(&at);
     }

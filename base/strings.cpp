@@ -32,8 +32,8 @@ int stcmpr(const char *a, const char *b) { return sign(strcmp(a, b)); }
 
 int stcmpri(const char *a, const char *b) {
     while (lower(*a) == lower(*b) && *a != '\0') {
-        a++;
-        b++;
+        ++a;
+        ++b;
     }
     return sign(lower(*a) - lower(*b));
 }
@@ -45,7 +45,7 @@ ptrdiff_t stnleng(const char *text, ptrdiff_t limit) {
 }
 
 char *stchr(const char *text, int character) {
-    for (; *text != '\0'; text++)
+    for (; *text != '\0'; ++text)
         if (static_cast<signed char>(*text) == character)
             return const_cast<char *>(text);
     return nullptr;
@@ -54,7 +54,7 @@ char *stchr(const char *text, int character) {
 int cmprstr(const char *a, const char *b, ptrdiff_t limit) {
     if (a == nullptr || b == nullptr)
         return a == b ? 0 : -1;
-    for (ptrdiff_t i = 0; i < limit; i++) {
+    for (ptrdiff_t i = 0; i < limit; ++i) {
         if (ends_word(a[i]) || ends_word(b[i]))
             return ends_word(a[i]) && ends_word(b[i]) ? 0 : -1;
         if (a[i] != b[i])

@@ -19,7 +19,7 @@ void collate_by_code(locale_object &object) {
         std::all_of(object.characters.begin(), object.characters.end(),
                     [](const object_character &c) { return c.sequence.length == 1; });
     size_t rows = single_byte ? 256 : 1;
-    for (size_t row = 0; row < rows; row++)
+    for (size_t row = 0; row < rows; ++row)
         collation.rows.push_back(
             {static_cast<uint16_t>((first_weight + row) | (single_byte ? 0 : coll_tie_on_char))});
     for (object_character &character : object.characters)

@@ -250,7 +250,7 @@ void ctype_compiler::class_members(const source_statement &statement, size_t fro
         uint32_t key = 0;
         if (key_of(statement, i, key))
             found.push_back(key);
-        i++;
+        ++i;
         if (i < statement.tokens.size() && statement.tokens[i].kind == token_kind::ellipsis) {
             range_members(statement, i, found);
             i += 2;
@@ -274,7 +274,7 @@ void ctype_compiler::case_map(const source_statement &statement,
     for (size_t i = 1; i < tokens.size(); i += 6) {
         uint32_t keys[2] = {};
         bool there = true;
-        for (size_t k = 0; k < std::size(form); k++) {
+        for (size_t k = 0; k < std::size(form); ++k) {
             if (i + k >= tokens.size() ||
                 (form[k] != token_kind::symbol && tokens[i + k].kind != form[k]))
                 throw source_error(statement.place(i + k), "a pair of characters must stand here",
@@ -310,7 +310,7 @@ void ctype_compiler::sort_rows() {
 // A character may not begin another one, and only the terminator has the byte 0: texts could not be
 // walked.
 void ctype_compiler::check_sequences() const {
-    for (size_t i = 0; i < rows_.size(); i++) {
+    for (size_t i = 0; i < rows_.size(); ++i) {
         const code_sequence &here = rows_[i]->sequence;
         if (std::count(here.bytes + 1, here.bytes + here.length, 0) != 0 && here.length > 1)
             throw source_error(map_.place(*rows_[i]),
@@ -327,7 +327,7 @@ void ctype_compiler::check_sequences() const {
 void ctype_compiler::set_widths(const charmap *widths, locale_object &object) {
     bool any = false;
     std::map<uint32_t, std::pair<const charmap_row *, size_t>> no_width; // by the line that says so
-    for (size_t i = 0; i < rows_.size(); i++) {
+    for (size_t i = 0; i < rows_.size(); ++i) {
         const charmap_row *row = rows_[i];
         if (!map_.has_widths && widths != nullptr)
             row = row->code_point == no_code_point ? nullptr : widths->find(row->code_point);
@@ -355,7 +355,7 @@ void ctype_compiler::set_named_classes(locale_object &object) {
     for (const named_class &named : named_) {
         std::set<uint32_t> keys(named.keys.begin(), named.keys.end());
         std::vector<size_t> members;
-        for (size_t i = 0; i < rows_.size(); i++)
+        for (size_t i = 0; i < rows_.size(); ++i)
             if (keys.contains(key_of(*rows_[i])))
                 members.push_back(i);
         if (members.empty())
@@ -388,7 +388,7 @@ void ctype_compiler::note_growth(const code_sequence &from, uint32_t to_key,
 
 void ctype_compiler::set_case(locale_object &object) {
     std::map<object_case_pair, uint16_t> indexes;
-    for (size_t i = 0; i < rows_.size(); i++) {
+    for (size_t i = 0; i < rows_.size(); ++i) {
         uint32_t key = key_of(*rows_[i]);
         uint32_t upper = partner(upper_, key), lower = partner(lower_, key);
         // A character is its own partner where another one shares the pair; in a one-way row that
@@ -419,7 +419,7 @@ void ctype_compiler::add_missing_bytes(locale_object &object) const {
         single_byte = single_byte && row->sequence.length == 1;
         there[row->sequence.bytes[0]] = true;
     }
-    for (unsigned byte = 0; byte < (single_byte ? 256U : 1U); byte++)
+    for (unsigned byte = 0; byte < (single_byte ? 256U : 1U); ++byte)
         if (!there[byte])
             object.characters.push_back({{1, {static_cast<unsigned char>(byte)}}});
     std::stable_sort(object.characters.begin(), object.characters.end(), by_bytes);

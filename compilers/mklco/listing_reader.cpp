@@ -61,7 +61,7 @@ void listing_reader::split(size_t begin, size_t end) {
     words_.clear();
     for (size_t at = begin; at < end;) {
         if (text[at] == ' ' || text[at] == '\t' || text[at] == '\r') {
-            at++;
+            ++at;
         } else if (text[at] == '#') {
             return;
         } else if (text[at] == '"') {
@@ -77,7 +77,7 @@ void listing_reader::split(size_t begin, size_t end) {
 listing_word listing_reader::quoted_word(size_t &at, size_t end) const {
     std::string_view text = source_.text();
     listing_word word{"", at, true};
-    for (at++; at < end && text[at] != '"'; at++) {
+    for (at++; at < end && text[at] != '"'; ++at) {
         if (text[at] != '\\') {
             word.text += text[at];
             continue;
@@ -95,7 +95,7 @@ listing_word listing_reader::quoted_word(size_t &at, size_t end) const {
     }
     if (at >= end)
         fail(word.offset, "this text does not end on its line", "close it with a quotation mark");
-    at++;
+    ++at;
     return word;
 }
 
@@ -129,7 +129,7 @@ code_sequence listing_reader::sequence(const listing_word &from, std::string_vie
     size_t length = text.size() / 2;
     if (text.size() % 2 != 0 || length < 1 || length > max_sequence_length)
         fail(from.offset, "this is no character", "give 1 to 4 bytes of two hexadecimal digits");
-    for (size_t i = 0; i < length; i++) {
+    for (size_t i = 0; i < length; ++i) {
         const char *digits = text.data() + 2 * i;
         if (std::from_chars(digits, digits + 2, result.bytes[i], 16).ptr != digits + 2)
             fail(from.offset, "this is no character",
@@ -176,7 +176,7 @@ void listing_reader::class_line() {
     range(1, value);
     count(2, 64);
     uint32_t mask = 0;
-    for (size_t i = 2; i < words_.size(); i++) {
+    for (size_t i = 2; i < words_.size(); ++i) {
         const std::string &name = words_[i].text;
         uint32_t found = 0;
         for (const class_word &known : class_words)
@@ -205,7 +205,7 @@ void listing_reader::collation_line(std::string_view keyword) {
     object_collation &collation = object_.collation;
     auto characters = [this](size_t from) {
         std::vector<uint32_t> found;
-        for (size_t i = from; i < words_.size(); i++)
+        for (size_t i = from; i < words_.size(); ++i)
             found.push_back(static_cast<uint32_t>(number(i, 0, UINT32_MAX, 16)));
         return found;
     };
@@ -240,7 +240,7 @@ void listing_reader::collation_line(std::string_view keyword) {
 
 void listing_reader::field_line() {
     const std::string &keyword = word(1).text;
-    for (size_t i = 0; i < object_field_count; i++) {
+    for (size_t i = 0; i < object_field_count; ++i) {
         const object_field &field = object_fields[i];
         if (words_[0].text != object_section_names[static_cast<int>(field.section)] ||
             keyword != field.keyword)
@@ -251,7 +251,7 @@ void listing_reader::field_line() {
         bool fixed = field.kind != field_kind::group && field.kind != field_kind::counted;
         if (fixed)
             count(1U + field.count, 1U + field.count);
-        for (size_t w = 2; w < words_.size(); w++)
+        for (size_t w = 2; w < words_.size(); ++w)
             if (texts)
                 object_.fields[i].texts.push_back(words_[w].text);
             else
@@ -325,7 +325,7 @@ void listing_reader::apply(const std::vector<range_value> &values,
 }
 
 locale_object listing_reader::read() {
-    for (size_t number = 1; number <= source_.line_count(); number++) {
+    for (size_t number = 1; number <= source_.line_count(); ++number) {
         std::string_view line = source_.line(number);
         auto begin = static_cast<size_t>(line.data() - source_.text().data());
         split(begin, begin + line.size());
@@ -334,12 +334,12 @@ locale_object listing_reader::read() {
     }
     size_t end = source_.text().size();
     std::stable_sort(object_.characters.begin(), object_.characters.end(), by_bytes);
-    for (size_t i = 1; i < object_.characters.size(); i++)
+    for (size_t i = 1; i < object_.characters.size(); ++i)
         if (object_.characters[i].sequence == object_.characters[i - 1].sequence)
             fail(end, "a character has two class lines", "give all its classes in one");
     apply(cases_, &object_character::case_index);
     apply(rows_, &object_character::row);
-    for (size_t i = 0; i < object_field_count; i++)
+    for (size_t i = 0; i < object_field_count; ++i)
         if (!filled_[i])
             fail(end,
                  std::string("there is no ") +

@@ -77,7 +77,7 @@ bool is_plain_class(const locale_object &object, size_t index) {
     bool plain = is_word(name) && name != "-" && !name.starts_with("bit");
     for (const class_word &word : class_words)
         plain = plain && name != word.word;
-    for (size_t i = 0; i < index; i++)
+    for (size_t i = 0; i < index; ++i)
         plain = plain && name != object.class_names[i].second;
     return plain;
 }
@@ -87,11 +87,11 @@ std::string class_list(const locale_object &object, uint32_t mask) {
     for (const class_word &word : class_words)
         if (mask & word.mask)
             list.append(" ").append(word.word);
-    for (int bit = 0; bit < ct_named_limit; bit++) {
+    for (int bit = 0; bit < ct_named_limit; ++bit) {
         if (!(mask & CT_NAMED << bit))
             continue;
         std::string name = "bit" + std::to_string(bit);
-        for (size_t i = 0; i < object.class_names.size(); i++)
+        for (size_t i = 0; i < object.class_names.size(); ++i)
             if (object.class_names[i].first == bit && is_plain_class(object, i))
                 name = object.class_names[i].second;
         list.append(" ").append(name);
@@ -159,7 +159,7 @@ void append_collation(std::string &out, const locale_object &object) {
             out.append(" ").append(hex(character));
         out += '\n';
     }
-    for (size_t row = 0; row < collation.rows.size(); row++) {
+    for (size_t row = 0; row < collation.rows.size(); ++row) {
         out.append("weights ").append(std::to_string(row));
         for (uint16_t weight : collation.rows[row])
             out.append(" ").append(hex(weight));
@@ -176,7 +176,7 @@ std::string write_listing(const locale_object &object) {
     out.append("code_set ").append(quoted(object.code_set)).append("\n");
     append_ctype(out, object);
     append_collation(out, object);
-    for (size_t i = 0; i < object_field_count; i++) {
+    for (size_t i = 0; i < object_field_count; ++i) {
         const object_field &field = object_fields[i];
         out.append(object_section_names[static_cast<int>(field.section)])
             .append(" ")

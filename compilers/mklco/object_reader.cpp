@@ -98,7 +98,7 @@ int64_t object_reader::number(int64_t least, int64_t greatest) {
 
 uint32_t object_reader::hex(int digits) {
     uint32_t value = 0;
-    for (int i = 0; i < digits; i++) {
+    for (int i = 0; i < digits; ++i) {
         int c = get();
         if (c == EOF || !isxdigit(c))
             fail("a hexadecimal digit must stand here");
@@ -142,7 +142,7 @@ void object_reader::read_head() {
     long lines = equals == std::string::npos ? -1 : strtol(count.c_str() + equals + 1, nullptr, 10);
     if (lines < 0 || lines > 1000)
         fail("the third line must give the number of head lines");
-    for (long i = lco_head_lines; i < lines; i++)
+    for (long i = lco_head_lines; i < lines; ++i)
         object_.head.push_back(line());
     object_.code_set = line();
 }
@@ -150,8 +150,8 @@ void object_reader::read_head() {
 void object_reader::collect(const multi_arr *table, const multi_node *node, code_sequence prefix) {
     if (node->flag_bytes == nullptr)
         return;
-    prefix.length++;
-    for (int byte = 0; byte < gl_bytes; byte++) {
+    ++prefix.length;
+    for (int byte = 0; byte < gl_bytes; ++byte) {
         prefix.bytes[prefix.length - 1] = static_cast<unsigned char>(byte);
         if (node->flag_bytes[byte] == MULTI_CHILD)
             collect(table, node->children[node->child_slot[byte]], prefix);
@@ -176,7 +176,7 @@ void object_reader::read_ctype() {
     look_up(classes.get(), &object_character::classes);
     int64_t names = number(0, largest_count);
     line_end();
-    for (int64_t i = 0; i < names; i++) {
+    for (int64_t i = 0; i < names; ++i) {
         int bit = static_cast<int>(number(INT32_MIN, INT32_MAX));
         if (get() != ' ')
             fail("a blank must stand between a class's number and its name");
@@ -184,7 +184,7 @@ void object_reader::read_ctype() {
     }
     look_up(table().get(), &object_character::case_index);
     int64_t pairs = number(0, lco_pair_limit);
-    for (int64_t i = 0; i < pairs; i++) {
+    for (int64_t i = 0; i < pairs; ++i) {
         line_end();
         uint32_t upper = hex(8);
         object_.pairs.push_back({upper, hex(8)});
@@ -249,12 +249,12 @@ void object_reader::read_field(const object_field &field, object_field_value &va
         line_end();
         [[fallthrough]];
     case field_kind::texts:
-        for (int64_t i = 0; i < count; i++)
+        for (int64_t i = 0; i < count; ++i)
             value.texts.push_back(text());
         break;
     case field_kind::group:
         count = number(0, gl_group_limit);
-        for (int64_t i = 0; i < count; i++)
+        for (int64_t i = 0; i < count; ++i)
             value.numbers.push_back(number(INT32_MIN, UINT32_MAX));
         line_end();
         break;
@@ -269,7 +269,7 @@ locale_object object_reader::read() {
     read_head();
     read_ctype();
     read_collation();
-    for (size_t i = 0; i < object_field_count; i++) {
+    for (size_t i = 0; i < object_field_count; ++i) {
         if (i == 0 || object_fields[i].section != object_fields[i - 1].section)
             expect(category_markers[2 + static_cast<int>(object_fields[i].section)]);
         read_field(object_fields[i], object_.fields[i]);

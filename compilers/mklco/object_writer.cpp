@@ -160,7 +160,7 @@ void append_field(std::string &out, const object_field &field, const object_fiel
 } // namespace
 
 object_field_value &locale_object::field(object_section section, std::string_view keyword) {
-    for (size_t i = 0; i < object_field_count; i++)
+    for (size_t i = 0; i < object_field_count; ++i)
         if (object_fields[i].section == section && object_fields[i].keyword == keyword)
             return fields[i];
     throw std::out_of_range("no field " + std::string(keyword));
@@ -171,7 +171,7 @@ std::string write_object(const locale_object &object) {
     append_head(out, object);
     append_ctype(out, object);
     append_collation(out, object);
-    for (size_t i = 0; i < object_field_count; i++) {
+    for (size_t i = 0; i < object_field_count; ++i) {
         const object_field &field = object_fields[i];
         if (i == 0 || field.section != object_fields[i - 1].section)
             out += category_markers[2 + static_cast<int>(field.section)];
@@ -187,7 +187,7 @@ void check_by_loading(std::string &bytes) {
     if (file == nullptr || gl_create_null_locale_4(&record) != 0)
         throw std::bad_alloc();
     const std::unique_ptr<locale_rec, void (*)(locale_rec *)> owner(record, gl_lc_unload);
-    for (int32_t i = 0; i < gl_category_count; i++) {
+    for (int32_t i = 0; i < gl_category_count; ++i) {
         rewind(file.get());
         if (read_one_category(record, gl_first_category + i, file.get()) != 0)
             throw compiler_failure(std::string("the runtime would refuse the object: error ") +

@@ -84,7 +84,7 @@ private:
 // The operands of a statement, between semicolons.
 std::vector<size_t> operands_of(const source_statement &statement) {
     std::vector<size_t> operands;
-    for (size_t i = 1; i < statement.tokens.size(); i++) {
+    for (size_t i = 1; i < statement.tokens.size(); ++i) {
         bool separator = statement.tokens[i].kind == token_kind::semicolon;
         if (separator == (i % 2 != 0))
             throw source_error(statement.place(i),
@@ -101,14 +101,14 @@ void sections_compiler::read(object_section section) {
     const char *name = object_section_names[static_cast<int>(section)];
     library_.for_each_statement(source_, name,
                                 [&](const source_statement &s) { statement(section, s); });
-    for (size_t i = 0; i < object_field_count; i++)
+    for (size_t i = 0; i < object_field_count; ++i)
         if (object_fields[i].section == section)
             set_defaults(object_fields[i], object_.fields[i]);
 }
 
 void sections_compiler::statement(object_section section, const source_statement &statement) {
     std::string_view keyword = statement.keyword();
-    for (size_t i = 0; i < object_field_count; i++)
+    for (size_t i = 0; i < object_field_count; ++i)
         if (object_fields[i].section == section && object_fields[i].keyword == keyword)
             return set(object_fields[i], statement, object_.fields[i]);
     for (const shared_position &names : shared_positions)
@@ -241,7 +241,7 @@ bool era_date(std::string_view text, int64_t &date) {
     const bool negative = text.starts_with('-');
     std::array<int64_t, 3> part{};
     size_t at = negative ? 1 : 0;
-    for (size_t i = 0; i < part.size(); i++) {
+    for (size_t i = 0; i < part.size(); ++i) {
         if (i > 0 && (at == text.size() || text[at++] != '/'))
             return false;
         const size_t first = at, most = i == 0 ? 9 : 2; // digits
@@ -265,7 +265,7 @@ std::string sections_compiler::era(const source_statement &statement, size_t tok
     for (const text_element &element : elements) {
         bool character = element.is == text_element::kind::code_point;
         if (character && element.value == ':' && at < 5) {
-            at++;
+            ++at;
             continue;
         }
         fields[at].push_back(element);
@@ -286,7 +286,7 @@ std::string sections_compiler::era(const source_statement &statement, size_t tok
     std::string format = encoder_.encode(from, rewrite_format(from, fields[5]), text_use::format);
     std::string colon = encoder_.encode_ascii(":");
     std::string text = encoder_.encode_ascii(backward ? "-" : "+");
-    for (size_t i = 1; i < plain.size(); i++)
+    for (size_t i = 1; i < plain.size(); ++i)
         text.append(colon).append(encoder_.encode_ascii(plain[i]));
     return text.append(colon).append(name).append(colon).append(name).append(colon).append(format);
 }

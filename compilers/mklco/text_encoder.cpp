@@ -73,21 +73,21 @@ bool text_encoder::is_spelt(std::string_view bytes) const {
 std::string text_encoder::encode(const locale_source &from, std::span<const text_element> text,
                                  text_use use) {
     std::string out;
-    for (size_t i = 0; i < text.size(); i++) {
+    for (size_t i = 0; i < text.size(); ++i) {
         if (text[i].is != text_element::kind::byte) {
             append(out, from, text[i], use);
             continue;
         }
         std::string bytes;
         const size_t first = i;
-        for (; i < text.size() && text[i].is == text_element::kind::byte; i++)
+        for (; i < text.size() && text[i].is == text_element::kind::byte; ++i)
             bytes += static_cast<char>(text[i].value);
         if (!is_spelt(bytes))
             throw source_error(from.place(text[first].offset),
                                "these bytes are no characters of the code set",
                                "write the characters as <Uxxxx>");
         out += bytes;
-        i--;
+        --i;
     }
     return out;
 }

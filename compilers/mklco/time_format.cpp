@@ -50,7 +50,7 @@ std::vector<text_element> rewrite_format(const locale_source &source,
                    ? static_cast<char>(format[i].value)
                    : '\0';
     };
-    for (size_t i = 0; i < format.size(); i++) {
+    for (size_t i = 0; i < format.size(); ++i) {
         if (letter(i) != '%') {
             out.push_back(format[i]);
             continue;
@@ -58,12 +58,12 @@ std::vector<text_element> rewrite_format(const locale_source &source,
         uint32_t offset = format[i].offset;
         std::string conversion, text;
         while (letter(i + 1) == '-')
-            i++;
+            ++i;
         if (letter(i + 1) == 'E' || letter(i + 1) == 'O')
             conversion += letter(++i);
         if (char c = letter(i + 1); c != '\0') {
             conversion += c;
-            i++;
+            ++i;
         }
         if (!formatter_text(conversion, text)) {
             std::string what("%");
@@ -79,7 +79,7 @@ std::vector<text_element> rewrite_format(const locale_source &source,
         if (!out.empty() && is_blank(out.back()))
             out.pop_back();
         else if (i + 1 < format.size() && is_blank(format[i + 1]))
-            i++;
+            ++i;
     }
     return out;
 }

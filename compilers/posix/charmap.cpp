@@ -25,9 +25,9 @@ int digit_value(char c) {
 // The byte sequence behind this one: the last byte counts up and carries into those before it.
 // Trail bytes have the values that the code set gives them. False when the sequence runs over.
 bool step(code_sequence &sequence, unsigned first_trail, unsigned last_trail) {
-    for (int i = sequence.length - 1; i > 0; i--) {
+    for (int i = sequence.length - 1; i > 0; --i) {
         if (sequence.bytes[i] != last_trail) {
-            sequence.bytes[i]++;
+            ++sequence.bytes[i];
             return true;
         }
         sequence.bytes[i] = static_cast<unsigned char>(first_trail);
@@ -42,7 +42,7 @@ bool split_number(std::string_view name, int base, size_t &digits_at, uint32_t &
         int digit = digit_value(name[digits_at - 1]);
         if (digit < 0 || digit >= base)
             break;
-        digits_at--;
+        --digits_at;
     }
     auto result = std::from_chars(name.data() + digits_at, name.data() + name.size(), value, base);
     return digits_at < name.size() && result.ec == std::errc();
@@ -52,7 +52,7 @@ bool split_number(std::string_view name, int base, size_t &digits_at, uint32_t &
 
 uint32_t code_sequence::packed() const {
     uint32_t value = 0;
-    for (int i = 0; i < length; i++)
+    for (int i = 0; i < length; ++i)
         value = value << 8 | bytes[i];
     return value;
 }
@@ -79,7 +79,7 @@ std::vector<std::string> counted_names(std::string_view first, std::string_view 
         uint64_t{to} - from >= longest_range)
         return names;
     size_t digits = first.size() - first_at;
-    for (uint64_t value = from; value <= to; value++) {
+    for (uint64_t value = from; value <= to; ++value) {
         char buffer[16];
         char *end = std::to_chars(buffer, buffer + sizeof buffer, value, base).ptr;
         std::transform(buffer, end, buffer,
@@ -200,7 +200,7 @@ void charmap_reader::line() {
 
 // "% alias NAME" is how charmaps tell their other names.
 void charmap_reader::alias_comment() {
-    at_++;
+    ++at_;
     skip_blanks();
     if (part_ == part::head && take("alias")) {
         skip_blanks();
@@ -276,7 +276,7 @@ void charmap_reader::width_line() {
 
 void charmap_reader::skip_blanks() {
     while (at_ < line_end_ && is_blank(text_[at_]))
-        at_++;
+        ++at_;
 }
 
 // Moves over `word` when it stands here.
@@ -290,7 +290,7 @@ bool charmap_reader::take(std::string_view word) {
 std::string_view charmap_reader::plain_word() {
     size_t begin = at_;
     while (!at_end() && !is_blank(here()))
-        at_++;
+        ++at_;
     std::string_view word = text_.substr(begin, at_ - begin);
     if (word.size() >= 2 && word.front() == '"' && word.back() == '"')
         word = word.substr(1, word.size() - 2);
@@ -303,10 +303,10 @@ std::string_view charmap_reader::bracketed_name() {
     size_t begin = ++at_;
     while (here() != '>') {
         if (here() == escape_)
-            at_++;
+            ++at_;
         if (at_end())
             fail(begin - 1, "this symbolic name does not end", "close it with >");
-        at_++;
+        ++at_;
     }
     return text_.substr(begin, at_++ - begin);
 }
@@ -322,7 +322,7 @@ charmap_reader::name_range charmap_reader::names() {
     }
     size_t dots_at = at_;
     while (here() == '.')
-        at_++;
+        ++at_;
     size_t dots = at_ - dots_at;
     if (dots == 0)
         return range;
@@ -357,7 +357,7 @@ int charmap_reader::byte_constant() {
         base = text_[at_++] == 'x' ? 16 : 10;
     int value = 0, digits = 0;
     int most = base == 16 ? 2 : 3;
-    for (; digits < most && !at_end(); digits++, at_++) {
+    for (; digits < most && !at_end(); ++digits, ++at_) {
         int digit = digit_value(here());
         if (digit < 0 || digit >= base)
             break;
@@ -408,7 +408,7 @@ void charmap_reader::add_range(const name_range &range, code_sequence first, boo
              "give its lower end first");
     // The installed UTF-8 charmap has ranges that go on behind a last byte BF.
     bool utf8 = map_.code_set_name == "UTF-8";
-    for (uint32_t value = from;; value++) {
+    for (uint32_t value = from;; ++value) {
         if (by_code_point)
             add_row(value, {}, first, one_way, range.offset);
         else
@@ -434,7 +434,7 @@ void charmap_reader::set_widths(const name_range &range, int width) {
     };
     if (by_bytes_.empty()) {
         by_bytes_.resize(map_.rows.size());
-        for (uint32_t i = 0; i < by_bytes_.size(); i++)
+        for (uint32_t i = 0; i < by_bytes_.size(); ++i)
             by_bytes_[i] = i;
         std::stable_sort(by_bytes_.begin(), by_bytes_.end(),
                          [&](uint32_t a, uint32_t b) { return key(a) < key(b); });
@@ -462,7 +462,7 @@ charmap::charmap(const source_file &source) : source_(source) {
 
 void charmap::index_code_points() {
     pages_.clear();
-    for (size_t i = 0; i < rows.size(); i++) {
+    for (size_t i = 0; i < rows.size(); ++i) {
         uint32_t code_point = rows[i].code_point;
         if (code_point == no_code_point || code_point > 0x1FFFFF || rows[i].one_way)
             continue;

@@ -25,10 +25,10 @@ std::string_view line_at(std::string_view text, size_t begin) {
 std::string_view first_word(std::string_view line) {
     size_t begin = 0;
     while (begin < line.size() && is_blank(line[begin]))
-        begin++;
+        ++begin;
     size_t end = begin;
     while (end < line.size() && !is_blank(line[end]))
-        end++;
+        ++end;
     return line.substr(begin, end - begin);
 }
 
@@ -52,7 +52,7 @@ size_t decode_utf8(std::string_view text, size_t at, uint32_t &value) {
     if (length == 0)
         return 0;
     value = lead & (0x7FU >> length);
-    for (size_t i = 1; i < length; i++) {
+    for (size_t i = 1; i < length; ++i) {
         if ((byte(at + i) & 0xC0) != 0x80)
             return 0;
         value = value << 6 | (byte(at + i) & 0x3F);
@@ -68,7 +68,7 @@ size_t byte_form(std::string_view text, unsigned &value) {
     unsigned base = text[0] == 'x' ? 16 : text[0] == 'd' ? 10 : 8;
     size_t begin = base == 8 ? 0 : 1, at = begin;
     value = 0;
-    for (; at < text.size() && at - begin < (base == 16 ? 2U : 3U); at++) {
+    for (; at < text.size() && at - begin < (base == 16 ? 2U : 3U); ++at) {
         int digit = hex_value(text[at]);
         if (digit < 0 || static_cast<unsigned>(digit) >= base)
             break;
@@ -158,7 +158,7 @@ std::vector<text_element> locale_source::elements(const source_token &token) con
                 at += 1 + length;
                 continue;
             }
-            at++;
+            ++at;
         } else if (text[at] == '<') {
             size_t end = at + 1;
             while (end < text.size() && text[end] != '>')
@@ -204,11 +204,11 @@ bool statement_reader::skip_to_token(bool anything_read) {
     std::string_view text = source_.file().text();
     while (at_ < end_) {
         if (is_blank(text[at_])) {
-            at_++;
+            ++at_;
         } else if (at_line_continuation(at_)) {
             at_ += 2;
         } else if (text[at_] == '\n') {
-            at_++;
+            ++at_;
             if (anything_read)
                 return false;
         } else if (text[at_] == source_.comment_char()) {
@@ -241,7 +241,7 @@ source_token statement_reader::symbol_token() {
     source_token token{token_kind::symbol, text.substr(begin + 1, at_ - begin - 1), no_code_point,
                        0, begin};
     token.code_point = code_point_of_name(token.text);
-    at_++;
+    ++at_;
     return token;
 }
 
@@ -254,7 +254,7 @@ source_token statement_reader::string_token() {
         throw source_error(
             source_.place(begin), "this text does not end on its line",
             "close it with a quotation mark, or continue the line with the escape character");
-    at_++;
+    ++at_;
     return {token_kind::string, text.substr(begin + 1, at_ - begin - 2), no_code_point, 0, begin};
 }
 
@@ -287,7 +287,7 @@ source_token statement_reader::ellipsis_token() {
     uint32_t begin = at_;
     int64_t step = 1;
     while (at_ < end_ && text[at_] == '.')
-        at_++;
+        ++at_;
     if (at_ - begin == 2 && text.substr(at_, 5) == "(2)..") {
         at_ += 5;
         step = 2;
@@ -314,9 +314,9 @@ source_token statement_reader::word_token() {
         return {token_kind::symbol, text.substr(begin, length), code_point, 0, begin};
     }
     while (at_ < end_ && in_word(text[at_]))
-        at_++;
+        ++at_;
     if (at_ == begin) // a lone mark such as > stands for itself
-        at_++;
+        ++at_;
     std::string_view word = text.substr(begin, at_ - begin);
     source_token token{token_kind::word, word, no_code_point, 0, begin};
     auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), token.number);
@@ -330,7 +330,7 @@ source_token statement_reader::word_token() {
 source_token statement_reader::next_token() {
     std::string_view text = source_.file().text();
     auto mark = [&](token_kind kind) {
-        at_++;
+        ++at_;
         return source_token{kind, text.substr(at_ - 1, 1), no_code_point, 0, at_ - 1};
     };
     char c = text[at_];
@@ -391,7 +391,7 @@ void source_library::for_each_statement(
 void source_library::walk(const locale_source &source, std::string_view category,
                           const std::function<void(const source_statement &)> &handler,
                           copy_chain *chain) {
-    source_place asked_at = chain ? chain->copied_at : source_place{&source.file(), 0};
+    source_place asked_at = chain != nullptr ? chain->copied_at : source_place{&source.file(), 0};
     for (copy_chain *c = chain; c != nullptr; c = c->outer)
         if (c->source == &source || c->depth >= deepest_copy)
             throw source_error(asked_at, "this copy comes back to itself or goes too deep",
@@ -409,7 +409,8 @@ void source_library::walk(const locale_source &source, std::string_view category
         }
         if (statement.tokens.size() != 2 || statement.tokens[1].kind != token_kind::string)
             throw source_error(statement.place(), "copy names no source", "write copy \"NAME\"");
-        copy_chain here{&source, chain, statement.place(1), chain ? chain->depth + 1 : 1};
+        copy_chain here{&source, chain, statement.place(1),
+                        chain != nullptr ? chain->depth + 1 : 1};
         const locale_source &other =
             open_from(statement.place(1), std::string(statement.tokens[1].text));
         walk(other, category, handler, &here);

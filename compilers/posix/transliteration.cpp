@@ -48,7 +48,7 @@ void transliteration::add(const source_statement &statement, bool own) {
         return;
     uint32_t code_point = text[0];
     std::vector<std::u32string> found;
-    for (size_t i = 1; i < statement.tokens.size(); i++)
+    for (size_t i = 1; i < statement.tokens.size(); ++i)
         if (statement.tokens[i].kind != token_kind::semicolon &&
             code_points(*statement.source, statement.tokens[i], text))
             found.push_back(text);

@@ -39,8 +39,8 @@ bool copy_name(const char *name, const char *end, char *out) {
 // What a setting says of one category: what stands behind its keyword and "=", else the whole.
 bool name_of_category(const char *text, const char *keyword, char *out) {
     const char *found = strstr(text, keyword);
-    const char *value = found ? strchr(found, '=') : nullptr;
-    if (!value)
+    const char *value = found != nullptr ? strchr(found, '=') : nullptr;
+    if (value == nullptr)
         return copy_name(text, text + strlen(text), out);
     value += 1 + strspn(value + 1, " ");
     return copy_name(value, value + strcspn(value, " "), out);
@@ -49,11 +49,11 @@ bool name_of_category(const char *text, const char *keyword, char *out) {
 // What the environment says.
 bool name_of_environment(const char *keyword, char *out) {
     const char *value = _gl_get_env_var("GL_ALL");
-    if (!value)
+    if (value == nullptr)
         value = _gl_get_env_var(keyword);
-    if (!value)
+    if (value == nullptr)
         value = _gl_get_env_var("GL_LANG");
-    value = value ? value : "";
+    value = value != nullptr ? value : "";
     return copy_name(value, value + strlen(value), out);
 }
 
@@ -74,7 +74,7 @@ bool climbs(const char *name) {
 FILE *open_below(locale_rec *lc, const char *dir, const char *name) {
     size_t size = strlen(dir) + strlen(name) + 2;
     char *path = static_cast<char *>(_gl_ext_malloc(size));
-    if (!path) {
+    if (path == nullptr) {
         set_engine_error(lc, GLS_ERR_NO_MEMORY);
         return nullptr;
     }
@@ -87,8 +87,8 @@ FILE *open_below(locale_rec *lc, const char *dir, const char *name) {
 FILE *open_object(locale_rec *lc, const char *name, const char *dir) {
     if (strcmp(name, native_name) == 0)
         name = lco_default_name;
-    return dir ? open_below(lc, dir, name)
-               : gl_path_search(lc, name, lco_directory, lco_directory_version);
+    return dir != nullptr ? open_below(lc, dir, name)
+                          : gl_path_search(lc, name, lco_directory, lco_directory_version);
 }
 
 // ---- Setting
@@ -150,7 +150,7 @@ int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *
     if (out[0] == 0)
         strcpy(out, native_name);
     FILE *file = open_object(lc, out, dir);
-    if (!file)
+    if (file == nullptr)
         return 1;
     gl_free_category(lc, category);
     bool loaded =
@@ -163,13 +163,13 @@ int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *
 
 char *set_categories(locale_rec *lc, int32_t category, const char *text, const char *dir) {
     char *result = static_cast<char *>(_gl_ext_malloc(result_size));
-    if (!result) {
+    if (result == nullptr) {
         set_engine_error(lc, GLS_ERR_NO_MEMORY);
         return nullptr;
     }
     bool known = category == GL_CAT_ALL || is_single_category(category);
-    bool done =
-        known ? !text || apply_setting(lc, category, text, dir) : refuse(lc, GLS_ERR_ARGUMENT);
+    bool done = known ? text == nullptr || apply_setting(lc, category, text, dir)
+                      : refuse(lc, GLS_ERR_ARGUMENT);
     if (done) {
         query_locname(lc, category, result);
         return result;

@@ -158,13 +158,14 @@ bool row_analysis::save(const char *text, size_t length, uint16_t row) {
     if (ignored[row]) {
         char *copy = nullptr;
         if (!make_room(lc, ignored_texts, ignored_count, ignored_room) ||
-            !(copy = copy_of(text, length)))
+            ((copy = copy_of(text, length)) == nullptr))
             return false;
         ignored_texts[ignored_count++] = copy;
     }
     if (class_of[row] != no_class) {
         char *copy = nullptr;
-        if (!make_room(lc, members, member_count, member_room) || !(copy = copy_of(text, length)))
+        if (!make_room(lc, members, member_count, member_room) ||
+            ((copy = copy_of(text, length)) == nullptr))
             return false;
         members[member_count++] = {copy, class_of[row]};
     }
@@ -209,8 +210,8 @@ bool row_analysis::save_characters(const multi_node *node, char *text, int32_t d
         if (flag == MULTI_END) {
             uint16_t row;
             memcpy(&row,
-                   node->data ? multi_slot(r->row_table, node->data, b)
-                              : r->row_table->default_datum,
+                   node->data != nullptr ? multi_slot(r->row_table, node->data, b)
+                                         : r->row_table->default_datum,
                    sizeof row);
             if (!save(text, static_cast<size_t>(depth) + 1, row))
                 return false;
@@ -281,7 +282,7 @@ bool row_analysis::publish_pairs() {
     }
     for (size_t i = 0; i < member_count; ++i) {
         class_run &run = runs[members[i].class_number];
-        if (run.last && members[i].text != run.last)
+        if (run.last != nullptr && members[i].text != run.last)
             pairs[run.next++] = {members[i].text, run.last};
     }
     member_count = 0;
@@ -330,10 +331,10 @@ bool analyse_rows(locale_rec *lc) {
 }
 
 void free_analysis(collate_rec &r) {
-    for (size_t i = 0; r.ignorable_chars && r.ignorable_chars[i]; ++i)
+    for (size_t i = 0; r.ignorable_chars != nullptr && (r.ignorable_chars[i] != nullptr); ++i)
         _gl_free_ptr(r.ignorable_chars[i]);
     free_array(r.ignorable_chars);
-    for (size_t i = 0; r.equiv_pairs && r.equiv_pairs[i].member; ++i) {
+    for (size_t i = 0; r.equiv_pairs != nullptr && (r.equiv_pairs[i].member != nullptr); ++i) {
         const coll_equiv &pair = r.equiv_pairs[i];
         if (pair.last != r.equiv_pairs[i + 1].last)
             _gl_free_ptr(pair.last);

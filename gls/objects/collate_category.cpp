@@ -146,7 +146,7 @@ bool rows_fit(const collate_rec &r, const unsigned char *slot, size_t count) {
 }
 
 bool node_rows_fit(const collate_rec &r, const multi_node *node) {
-    if (node->data && node->data_index < 0 && !rows_fit(r, node->data, gl_bytes))
+    if (node->data != nullptr && node->data_index < 0 && !rows_fit(r, node->data, gl_bytes))
         return false;
     for (size_t b = 0; b < gl_bytes; ++b) {
         unsigned char byte = static_cast<unsigned char>(b);
@@ -161,7 +161,7 @@ bool table_rows_fit(const collate_rec &r) {
     const multi_arr *table = r.row_table;
     if (!rows_fit(r, table->default_datum, 1))
         return false;
-    for (int32_t i = 0; table->shared_data && i < table->data_count; ++i)
+    for (int32_t i = 0; table->shared_data != nullptr && i < table->data_count; ++i)
         if (!rows_fit(r, table->shared_data[i], gl_bytes))
             return false;
     return node_rows_fit(r, table->root);
@@ -175,7 +175,8 @@ bool row_of_byte(const collate_rec &r, unsigned char byte, uint16_t &row) {
     if (multi_flag_at(root, byte) != MULTI_END)
         return false;
     memcpy(&row,
-           root->data ? multi_slot(r.row_table, root->data, byte) : r.row_table->default_datum,
+           root->data != nullptr ? multi_slot(r.row_table, root->data, byte)
+                                 : r.row_table->default_datum,
            sizeof row);
     return true;
 }

@@ -30,7 +30,7 @@ bool read_class_row(locale_rec *lc, FILE *file, class_row &row) {
         return refuse(lc, GLS_ERR_MALFORMED);
     size_t size = strlen(name) + 1;
     row = {.bit = static_cast<int32_t>(bit), .name = static_cast<char *>(_gl_ext_malloc(size))};
-    if (!row.name)
+    if (row.name == nullptr)
         return refuse(lc, GLS_ERR_NO_MEMORY);
     memcpy(row.name, name, size);
     return read_line_end(lc, file);
@@ -108,7 +108,7 @@ struct case_check {
     }
 
     bool data_fit(const multi_node *node, int32_t depth) {
-        if (!node->data || (node->data == checked && depth == checked_depth))
+        if (node->data == nullptr || (node->data == checked && depth == checked_depth))
             return true;
         for (size_t b = 0; b < gl_bytes; ++b)
             if (!index_fits(multi_slot(table, node->data, b), depth))
@@ -308,7 +308,7 @@ bool prepare_lookups(locale_rec *lc, ctype_rec &ct) {
 
 // Makes a map unless there is one already. A partner of several bytes does not fit: the byte stays.
 bool make_byte_map(locale_rec *lc, uint8_t *&map, gl_wchar (*other_case)(locale_rec *, gl_wchar)) {
-    if (map)
+    if (map != nullptr)
         return true;
     if (!make_array(lc, map, 256))
         return false;
@@ -323,15 +323,15 @@ bool make_byte_map(locale_rec *lc, uint8_t *&map, gl_wchar (*other_case)(locale_
 
 uint16_t root_class(const multi_arr *table, size_t byte) {
     uint16_t mask = 0;
-    if (table->root->data)
+    if (table->root->data != nullptr)
         memcpy(&mask, multi_slot(table, table->root->data, byte), sizeof mask);
-    else if (table->default_datum)
+    else if (table->default_datum != nullptr)
         memcpy(&mask, table->default_datum, sizeof mask);
     return mask;
 }
 
 bool make_class_map(locale_rec *lc) {
-    if (!lc->sb_class && !make_array(lc, lc->sb_class, 256))
+    if (lc->sb_class == nullptr && !make_array(lc, lc->sb_class, 256))
         return false;
     for (size_t byte = 0; byte < 256; ++byte)
         lc->sb_class[byte] = root_class(lc->ctype_cat.class_table, byte);

@@ -130,7 +130,7 @@ bool parse_eras(locale_rec *lc) {
 
 void free_eras(locale_rec *lc) {
     time_rec &r = lc->time_cat;
-    for (int32_t i = 0; r.eras && i < r.era_count; ++i) {
+    for (int32_t i = 0; r.eras != nullptr && i < r.era_count; ++i) {
         era_rec &era = r.eras[i];
         _gl_free_ptr(era.name);
         _gl_free_ptr(era.second_name);

@@ -8,9 +8,9 @@ constexpr const char *calendar_names[] = {nullptr, "gregorian", "hebrew", "islam
 
 const char *gl_nl_langinfo(const locale_rec *lc, int32_t item) {
     const char *text = nullptr;
-    if (lc && item == GL_ITEM_DATE_FORMAT)
+    if (lc != nullptr && item == GL_ITEM_DATE_FORMAT)
         text = lc->time_cat.d_fmt;
-    if (lc && item == GL_ITEM_CALENDAR)
+    if (lc != nullptr && item == GL_ITEM_CALENDAR)
         text = calendar_names[lc->time_cat.calendar];
-    return text && *text != 0 ? text : nullptr;
+    return text != nullptr && *text != 0 ? text : nullptr;
 }

@@ -24,7 +24,7 @@ constexpr size_t line_size = lco_line_limit + 2; // the line feed and the termin
 // Finds the number behind the "=" of the head's third line.
 bool head_line_count(const char *line, int64_t &count) {
     const char *number = strchr(line, '=');
-    if (!number)
+    if (number == nullptr)
         return false;
     char *end;
     count = strtoll(number + 1, &end, 10);
@@ -64,7 +64,7 @@ int32_t read_head_lines(FILE *file, char *cs_name) {
 bool find_marker(FILE *file, const char *marker) {
     char piece[line_size];
     bool line_begins = true;
-    while (_gl_ext_fgets(piece, sizeof piece, file)) {
+    while (_gl_ext_fgets(piece, sizeof piece, file) != nullptr) {
         if (line_begins && strcmp(piece, marker) == 0)
             return true;
         size_t length = strlen(piece);
@@ -116,7 +116,7 @@ int32_t refused(locale_rec *lc, int32_t error) {
 }
 
 bool log_failure(const char *text) {
-    if (text)
+    if (text != nullptr)
         gl_message(text);
     return false;
 }
@@ -143,7 +143,7 @@ constinit char no_text[4] = {};
 constinit gl_wchar no_wide_text[1] = {};
 
 bool read_line(FILE *file, char *line, size_t size) {
-    if (!_gl_ext_fgets(line, static_cast<int>(size), file))
+    if (_gl_ext_fgets(line, static_cast<int>(size), file) == nullptr)
         return false;
     size_t length = strlen(line);
     return length > 0 && line[length - 1] == '\n';
@@ -169,7 +169,7 @@ bool read_number_line(locale_rec *lc, FILE *file, int64_t low, int64_t high, int
 bool make_empty_table(locale_rec *lc, multi_arr *&table) {
     uint16_t default_datum = 0;
     table = _gl_create_multi(sizeof default_datum, 0, &default_datum);
-    return table || refuse(lc, GLS_ERR_NO_MEMORY);
+    return table != nullptr || refuse(lc, GLS_ERR_NO_MEMORY);
 }
 
 bool read_table(locale_rec *lc, FILE *file, multi_arr *&table) {

@@ -46,11 +46,11 @@ constinit locale_rec loc_filer = {.err = GLS_ERR_FILE, .ctype_cat = no_ctype};
 
 int32_t gl_create_null_locale_4(locale_rec **out) {
     auto *lc = static_cast<locale_rec *>(_gl_ext_calloc(1, sizeof(locale_rec)));
-    if (lc && make_all_empty(lc)) {
+    if (lc != nullptr && make_all_empty(lc)) {
         *out = lc;
         return 0;
     }
-    if (lc)
+    if (lc != nullptr)
         free_record(lc);
     *out = &loc_nomem;
     loc_nomem.err = GLS_ERR_NO_MEMORY; // whatever an earlier user left there
@@ -69,7 +69,7 @@ int32_t gl_lc_load(locale_rec **out, const char *spec, const char *regfile, cons
 }
 
 void gl_lc_unload(locale_rec *lc) {
-    if (!lc || lc == &loc_nomem || lc == &loc_filer)
+    if (lc == nullptr || lc == &loc_nomem || lc == &loc_filer)
         return;
     char line[40];
     snprintf(line, sizeof line, "freeing locale 0x%x\n",
@@ -79,7 +79,7 @@ void gl_lc_unload(locale_rec *lc) {
 }
 
 void gl_free_nonshared_loc(locale_rec *lc) {
-    if (lc && lc != &loc_nomem && lc != &loc_filer)
+    if (lc != nullptr && lc != &loc_nomem && lc != &loc_filer)
         free_record(lc);
 }
 

@@ -30,13 +30,13 @@ constexpr text_field<time_rec> era_formats[] = {
 
 // A list of texts; its wide form has as many.
 void free_text_list(char **&texts, int32_t count) {
-    for (int32_t i = 0; texts && i < count; ++i)
+    for (int32_t i = 0; texts != nullptr && i < count; ++i)
         free_text(texts[i]);
     free_array(texts);
 }
 
 void free_wide_list(gl_wchar **&wide, int32_t count) {
-    for (int32_t i = 0; wide && i < count; ++i)
+    for (int32_t i = 0; wide != nullptr && i < count; ++i)
         free_wide(wide[i]);
     free_array(wide);
 }

@@ -44,7 +44,7 @@ uint32_t no_class(locale_rec *lc, int32_t error) {
 } // namespace
 
 uint32_t gl_ctype(locale_rec *lc, const char *name) {
-    if (!name)
+    if (name == nullptr)
         return 0;
     // "full_width" is asked for at every width; no standard name begins like it.
     if (name[0] != 'f')
@@ -59,7 +59,7 @@ uint32_t gl_ctype(locale_rec *lc, const char *name) {
 }
 
 uint32_t _gl_im_iswctype(locale_rec *lc, gl_wchar wc, uint32_t mask) {
-    if (lc && has_prefix(lc->ctype_cat, wc)) {
+    if (lc != nullptr && has_prefix(lc->ctype_cat, wc)) {
         multi_step step =
             step_by_prefix(lc->ctype_cat.class_walk, lc->ctype_cat.class_prefixes, wc);
         if (step.next == multi_end)
@@ -73,7 +73,7 @@ uint32_t _gl_im_ismctype(locale_rec *lc, const char *s, uint32_t mask) {
 }
 
 uint32_t _qvt_gl_im_ismctype(locale_rec *lc, const char *s, int32_t limit, uint32_t mask) {
-    if (!s)
+    if (s == nullptr)
         return 0;
     if (limit < 1 && limit != -1)
         return no_class(lc, GLS_ERR_SPECIFIER);

@@ -37,7 +37,7 @@ inline int32_t decode_one(locale_rec *lc, gl_wchar *out, const char *text, int32
 // What the common way leaves over: odd arguments, the zero character, single bytes above ASCII, the
 // end of the text, characters of four bytes, invalid ones.
 [[gnu::noinline]] int32_t rare_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit) {
-    if (!s)
+    if (s == nullptr)
         return 0;
     if (limit < 1)
         limit = settled_limit(lc, s, limit);
@@ -47,7 +47,7 @@ inline int32_t decode_one(locale_rec *lc, gl_wchar *out, const char *text, int32
 } // namespace
 
 int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit) {
-    if (!s)
+    if (s == nullptr)
         return 0;
     return limit >= 1 ? decode_one(lc, out, s, limit) : failed(lc, GLS_ERR_SPECIFIER);
 }
@@ -58,11 +58,11 @@ int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t lim
 // the tests of the arguments keeps them apart: joined, they cost more than they are.
 [[gnu::aligned(64)]] int32_t _qvt_gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *text,
                                                  int32_t limit) {
-    if (!lc || limit < 1) [[unlikely]]
+    if (lc == nullptr || limit < 1) [[unlikely]]
         return rare_mbtowc(lc, out, text, limit);
     const ctype_rec &ct = lc->ctype_cat;
     const multi_step *walk = ct.byte_walk;
-    if (!text) [[unlikely]]
+    if (text == nullptr) [[unlikely]]
         return 0;
     const auto *s = reinterpret_cast<const unsigned char *>(text);
     if (is_ascii_above_zero(s[0]) && ct.ascii_bytes) [[likely]] {
@@ -90,7 +90,7 @@ int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t lim
 int32_t _qvt_gl_full_mbdescribe(locale_rec *lc, gl_wchar *out, const char *s, uint32_t *mask_out,
                                 uint32_t mask, int32_t limit) {
     *mask_out = 0;
-    if (!s)
+    if (s == nullptr)
         return 0;
     if (limit < 1)
         limit = settled_limit(lc, s, limit);

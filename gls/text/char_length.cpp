@@ -59,7 +59,7 @@ bool measure_text(locale_rec *lc, const char *s, int32_t &bytes, int32_t &charac
 
 int32_t gl_full_mblen(locale_rec *lc, const char *s, int32_t limit) {
     decoded_char c;
-    if (!s)
+    if (s == nullptr)
         return 0;
     if (!decode_for_length(lc, s, limit, c))
         return -1;
@@ -68,7 +68,7 @@ int32_t gl_full_mblen(locale_rec *lc, const char *s, int32_t limit) {
 
 int32_t _qvt_gl_full_mblen(locale_rec *lc, const char *s, int32_t limit) {
     decoded_char c;
-    if (!s)
+    if (s == nullptr)
         return 0;
     return decode_for_length(lc, s, limit, c) ? c.length : -1;
 }
@@ -77,7 +77,7 @@ int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state) {
     const locale_rec &l = locale_or_ascii(lc);
     const ctype_rec &ct = l.ctype_cat;
     *state = {.lc = lc,
-              .root = ct.class_table ? ct.class_table->root : nullptr,
+              .root = ct.class_table != nullptr ? ct.class_table->root : nullptr,
               .plug_in = l.glu_in_use[GL_CAT_CTYPE - gl_first_category],
               .walk = ct.byte_walk,
               .ascii_bytes = ct.ascii_bytes};
@@ -105,7 +105,7 @@ int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state) {
 
 int32_t _gl_im_mbslen(locale_rec *lc, const char *s) {
     int32_t bytes, characters;
-    if (!s)
+    if (s == nullptr)
         return 0;
     return measure_text(lc, s, bytes, characters) ? characters : -1;
 }
@@ -129,7 +129,7 @@ int32_t _qvt_gl_im_mbfslen(locale_rec *lc, const char *s, int32_t length) {
 
 int32_t gl_mbsbytes(locale_rec *lc, const char *s) {
     int32_t bytes, characters;
-    if (!s)
+    if (s == nullptr)
         return 0;
     const locale_rec &l = locale_or_ascii(lc);
     if (l.is_single_byte)
@@ -142,7 +142,7 @@ int32_t gl_mb_loc_max(locale_rec *lc) { return ctype_of(lc).mb_loc_max; }
 int32_t gl_mb_loc_min(locale_rec *lc) { return ctype_of(lc).mb_loc_min; }
 
 const char *gl_full_mbsnext(locale_rec *lc, const char *s) {
-    if (!s) {
+    if (s == nullptr) {
         set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
         return nullptr;
     }
@@ -157,7 +157,7 @@ const char *gl_full_mbsnext(locale_rec *lc, const char *s) {
 
 const char *gl_full_mbsprev(locale_rec *lc, const char *start, const char *s) {
     const char *previous = nullptr;
-    for (const char *at = start; at && at < s; at = gl_full_mbsnext(lc, at))
+    for (const char *at = start; at != nullptr && at < s; at = gl_full_mbsnext(lc, at))
         previous = at;
     return previous;
 }

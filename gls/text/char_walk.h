@@ -28,7 +28,9 @@ inline constexpr ctype_rec no_ctype = {.mb_loc_min = 4,
                                        .byte_walk = no_characters,
                                        .case_walk = no_characters};
 
-inline const locale_rec &locale_or_ascii(const locale_rec *lc) { return lc ? *lc : ascii_locale; }
+inline const locale_rec &locale_or_ascii(const locale_rec *lc) {
+    return lc != nullptr ? *lc : ascii_locale;
+}
 
 inline const ctype_rec &ctype_of(const locale_rec *lc) { return locale_or_ascii(lc).ctype_cat; }
 

@@ -17,7 +17,7 @@ namespace {
 // The class mask of a wide character; 0 for one that is none.
 uint32_t wide_mask(locale_rec *lc, gl_wchar wc) {
     const locale_rec &l = locale_or_ascii(lc);
-    if (l.sb_class)
+    if (l.sb_class != nullptr)
         return wc <= 0xff ? l.sb_class[wc] : 0;
     return _gl_im_iswctype(lc, wc, 0xffff);
 }
@@ -87,7 +87,7 @@ int32_t gl_wcwidth(locale_rec *lc, gl_wchar wc) {
 }
 
 int32_t gl_mbwidth(locale_rec *lc, const char *s) {
-    if (!s)
+    if (s == nullptr)
         return failed(lc, GLS_ERR_NULL_ARGUMENT);
     if (gl_ismbsterm(lc, s))
         return 0;
@@ -101,14 +101,14 @@ int32_t gl_mbwidth(locale_rec *lc, const char *s) {
 int32_t gl_mbwidth_PUA(locale_rec *lc, const char *s) {
     char path[1024];
     const char *base = _gl_ext_getenv("KESTRIONDIR");
-    if (!base ||
+    if (base == nullptr ||
         snprintf(path, sizeof path, "%s/gls/etc/pua.map", base) >= static_cast<int>(sizeof path))
         return -1;
     int32_t length = 0;
     if (const char *next = gl_full_mbsnext(lc, s))
         length = static_cast<int32_t>(next - s);
     FILE *map = length > 0 ? _gl_ext_fopen(path, "r") : nullptr;
-    if (!map)
+    if (map == nullptr)
         return -1;
     int32_t width = find_in_map(lc, map, s, length) ? map_columns(lc, map) : -1;
     _gl_ext_fclose(map);
@@ -116,19 +116,19 @@ int32_t gl_mbwidth_PUA(locale_rec *lc, const char *s) {
 }
 
 int32_t gl_wcswidth(locale_rec *lc, const gl_wchar *s, int32_t count) {
-    if (!s)
+    if (s == nullptr)
         return failed(lc, GLS_ERR_NULL_ARGUMENT);
     return count < 0 ? failed(lc, GLS_ERR_COUNT) : wide_columns(lc, s, count);
 }
 
 int32_t gl_wcspwidth(locale_rec *lc, const gl_wchar *s, const gl_wchar *end) {
-    if (!s || !end)
+    if (s == nullptr || end == nullptr)
         return failed(lc, GLS_ERR_NULL_ARGUMENT);
     return end < s ? failed(lc, GLS_ERR_END_BEFORE_START) : wide_columns(lc, s, end - s);
 }
 
 int32_t gl_mbswidth(locale_rec *lc, const char *s, int32_t count) {
-    if (!s)
+    if (s == nullptr)
         return failed(lc, GLS_ERR_NULL_ARGUMENT);
     if (count < 0)
         return failed(lc, GLS_ERR_COUNT);
@@ -148,7 +148,7 @@ int32_t gl_mbswidth(locale_rec *lc, const char *s, int32_t count) {
 
 int32_t gl_mbspwidth(locale_rec *lc, const char *s, const char *end) {
     set_engine_error(lc, GLS_OK);
-    if (!s || !end)
+    if (s == nullptr || end == nullptr)
         return failed(lc, GLS_ERR_NULL_ARGUMENT);
     if (end < s)
         return failed(lc, GLS_ERR_END_BEFORE_START);

@@ -46,7 +46,7 @@ TEST(ByteBlocks, PaddedComparisonFollowsItsTailRule) {
     EXPECT_EQ(compare("ab", "ab \xE9"), 1); // so does a high byte
     EXPECT_EQ(compare("\xE9", "z"), 1);     // while in the common part bytes are unsigned
     std::mt19937 random(9);
-    for (int i = 0; i < 200000; i++) {
+    for (int i = 0; i < 200000; ++i) {
         const std::string a = random_block(random), b = random_block(random);
         ASSERT_EQ(compare(a, b), plain_charcmp(a, b))
             << testing::PrintToString(a) << " " << testing::PrintToString(b);

@@ -19,12 +19,12 @@ int classes_by_library(int c) {
 int class_of(int c) { return _ixctype[c + 1]; }
 
 TEST(CharacterTables, StartAsAsciiWithoutThePrintableBit) {
-    for (int c = 0; c < 128; c++) {
+    for (int c = 0; c < 128; ++c) {
         EXPECT_EQ(class_of(c), classes_by_library(c)) << c;
         EXPECT_EQ(_ix2lowmap[c], tolower(c)) << c;
         EXPECT_EQ(_ix2upmap[c], toupper(c)) << c;
     }
-    for (int c = 128; c < 256; c++) {
+    for (int c = 128; c < 256; ++c) {
         EXPECT_EQ(class_of(c), c < 174 ? 2 : 16) << c;
         EXPECT_EQ(_ix2lowmap[c], c);
         EXPECT_EQ(_ix2upmap[c], c);
@@ -38,7 +38,7 @@ TEST(CharacterTables, FollowTheCLibrarysLocale) {
     EXPECT_EQ(rldnlsctype("C.UTF-8"), 0);
     EXPECT_EQ(_ixctype[0], 0);
     EXPECT_EQ(_ixctype[257], 0);
-    for (int c = 0; c < 256; c++)
+    for (int c = 0; c < 256; ++c)
         EXPECT_EQ(class_of(c), classes_by_library(c) + (isprint(c) ? 128 : 0)) << c;
     EXPECT_EQ(class_of('a'), 2 + 64 + 128);
 }

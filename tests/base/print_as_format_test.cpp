@@ -67,7 +67,7 @@ TEST(PrintAsFormat, NumbersLookAsTheCLibraryPrintsThem) {
     const char *widths[] = {"", "1", "9", "31", "999"};
     const char *precisions[] = {"", ".", ".0", ".1", ".8", ".40"};
     const int edges[] = {0, 1, -1, 42, -4711, INT32_MAX, INT32_MIN};
-    for (int round = 0; round < 20000; round++) {
+    for (int round = 0; round < 20000; ++round) {
         std::string directive = "%";
         for (char flag : {'-', '+', ' ', '#', '0'})
             if (random() % 3 == 0)

@@ -101,7 +101,7 @@ TEST(Strings, FirstWordsCompareUpToTheLimit) {
         return text.substr(0, limit).substr(0, text.find(' '));
     };
     std::mt19937 random(5);
-    for (int i = 0; i < 50000; i++) {
+    for (int i = 0; i < 50000; ++i) {
         const std::string a = random_text(random, "ab ", 6), b = random_text(random, "ab ", 6);
         const size_t limit = random() % 8;
         const int wanted = word(a, limit) == word(b, limit) ? 0 : -1;

@@ -82,7 +82,7 @@ TEST(Heap, BlocksAreZeroedDisjointAndRecognised) {
         char mark;
     };
     std::vector<block> blocks;
-    for (int i = 0; i < 4000; i++) {
+    for (int i = 0; i < 4000; ++i) {
         const size_t size = 1 + random() % (i % 10 == 0 ? 1500 : 80);
         char *start = take(heap, static_cast<ptrdiff_t>(size));
         ASSERT_NE(start, nullptr);

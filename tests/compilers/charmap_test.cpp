@@ -149,7 +149,7 @@ TEST(Charmap, EveryRowIsWhatTheConverterSays) {
                 differing += done == static_cast<size_t>(-1) || value != row.code_point;
         }
         iconv_close(converter);
-        compared++;
+        ++compared;
         EXPECT_LE(differing, name == "UTF-8" ? 0 : map.rows.size() / 20)
             << name << " of " << map.rows.size();
     }

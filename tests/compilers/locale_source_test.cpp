@@ -146,13 +146,13 @@ TEST(LocaleSource, EveryInstalledSourceReadsToItsEnd) {
             statement_reader reader(source, *category);
             source_statement statement;
             while (reader.next(statement)) {
-                statements++;
+                ++statements;
                 for (const source_token &token : statement.tokens)
                     if (token.kind == token_kind::string)
                         source.elements(token);
             }
         }
-        sources++;
+        ++sources;
     }
     EXPECT_GT(sources, 300u);
     EXPECT_GT(statements, 50000u);

@@ -34,7 +34,7 @@ struct Mklco : command_test {
         fs::create_directory("locales");
         fs::create_directory("charmaps");
         std::string rows;
-        for (int i = 0; i < 128; i++) {
+        for (int i = 0; i < 128; ++i) {
             char row[32];
             snprintf(row, sizeof row, "<U%04X> /x%02x\n", static_cast<unsigned>(i),
                      static_cast<unsigned>(i));
@@ -347,7 +347,7 @@ TEST_F(Mklco, ListingsOfAllShippedObjectsCompileToTheirBytes) {
         ASSERT_EQ(mklco({"-onew.lco", "list"}).status, 0) << entry.path();
         EXPECT_TRUE(content("new.lco") == content(entry.path())) << entry.path();
         EXPECT_LT(fs::file_size(entry.path()), size_t{4} << 20);
-        objects++;
+        ++objects;
     }
     EXPECT_GE(objects, 27u);
 }

@@ -117,7 +117,7 @@ protected:
         for (const auto &justified : justified_differences)
             if (what == justified.what && engine == justified.engine &&
                 library == justified.library) {
-                excused_++;
+                ++excused_;
                 return;
             }
         if (++differences_ <= 20)
@@ -143,7 +143,7 @@ uint32_t packed(wint_t character) {
     mbstate_t state{};
     size_t length = wcrtomb(bytes, static_cast<wchar_t>(character), &state);
     uint32_t value = 0;
-    for (size_t i = 0; length != static_cast<size_t>(-1) && i < length; i++)
+    for (size_t i = 0; length != static_cast<size_t>(-1) && i < length; ++i)
         value = value << 8 | static_cast<unsigned char>(bytes[i]);
     return value;
 }
@@ -165,7 +165,7 @@ void ShippedLocale::compare(const charmap_row &row) {
         differ(row, "wide value", character, row.sequence.packed());
 
     auto point = static_cast<wint_t>(wide);
-    for (size_t i = 0; i < std::size(class_words); i++) {
+    for (size_t i = 0; i < std::size(class_words); ++i) {
         bool engine = _gl_im_iswctype(engine_, character, class_words[i].mask) != 0;
         bool library = iswctype(point, library_classes_[i]) != 0;
         if (engine != library)
@@ -184,7 +184,7 @@ void ShippedLocale::compare(const charmap_row &row) {
 }
 
 void ShippedLocale::compare_characters() {
-    for (size_t i = 0; i < std::size(class_words); i++)
+    for (size_t i = 0; i < std::size(class_words); ++i)
         library_classes_[i] = wctype(class_words[i].word);
     auto source = find_source_file(GetParam().charmap, {"/usr/share/i18n/charmaps"});
     charmap map(*source);
@@ -208,12 +208,12 @@ void ShippedLocale::compare_texts() const {
     };
     for (const auto &text : texts)
         EXPECT_STREQ(text.engine, nl_langinfo(text.library));
-    for (int i = 0; i < 7; i++) {
+    for (int i = 0; i < 7; ++i) {
         EXPECT_STREQ(engine_->time_cat.day[i], nl_langinfo(DAY_1 + i));
         EXPECT_STREQ(engine_->time_cat.abday[i], nl_langinfo(ABDAY_1 + i));
     }
     ASSERT_EQ(engine_->time_cat.month_count, 12);
-    for (int i = 0; i < 12; i++) {
+    for (int i = 0; i < 12; ++i) {
         EXPECT_STREQ(engine_->time_cat.mon[i], nl_langinfo(MON_1 + i));
         EXPECT_STREQ(engine_->time_cat.abmon[i], nl_langinfo(ABMON_1 + i));
     }
@@ -231,7 +231,7 @@ void ShippedLocale::compare_texts() const {
     const char library[] = {money->int_frac_digits, money->frac_digits,   money->p_cs_precedes,
                             money->p_sep_by_space,  money->n_cs_precedes, money->n_sep_by_space,
                             money->p_sign_posn,     money->n_sign_posn};
-    for (size_t i = 0; i < std::size(numbers); i++)
+    for (size_t i = 0; i < std::size(numbers); ++i)
         EXPECT_EQ(numbers[i], library[i]) << i;
 }
 

@@ -266,12 +266,12 @@ namespace {
 long blocks;
 
 void *own_malloc(size_t size) {
-    blocks++;
+    ++blocks;
     return malloc(size);
 }
 
 void own_free(void *block) {
-    blocks--;
+    --blocks;
     free(block);
 }
 

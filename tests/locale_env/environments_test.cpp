@@ -41,7 +41,8 @@ TEST(Environments, FieldsCompareByWhatTheUserSaid) {
     };
     for (const field_row &row : rows)
         EXPECT_EQ(CompareLocaleField(row.value, row.defaulted, row.wanted), row.result)
-            << (row.value ? row.value : "null") << " / " << (row.wanted ? row.wanted : "null");
+            << (row.value != nullptr ? row.value : "null") << " / "
+            << (row.wanted != nullptr ? row.wanted : "null");
 }
 
 TEST(Environments, RequestsMatchByTheRulesOfTheirSettings) {

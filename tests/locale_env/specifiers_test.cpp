@@ -103,7 +103,8 @@ TEST_F(LocaleSpecifiers, TheLocaleForADatabaseFollowsTheClient) {
         gls_set_setting(&state, GLS_CLIENT_LOCALE, nullptr);
         char out[gls_composite_size];
         mklocspec(spec0, row.spec1, out, row.flag_a, row.flag_b, row.keep);
-        const std::string what = std::string(row.client ? row.client : "-") + " " + row.spec1;
+        const std::string what =
+            std::string(row.client != nullptr ? row.client : "-") + " " + row.spec1;
         if (row.wanted == nullptr) {
             EXPECT_STREQ(out, spec0) << what;
             EXPECT_EQ(state.lc_flags & 1, 1) << what;

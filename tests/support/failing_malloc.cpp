@@ -11,7 +11,7 @@ bool refuses() { return counting && ++call_count == refused_call; }
 
 void *given(void *block) {
     if (counting && block != nullptr)
-        live_count++;
+        ++live_count;
     return block;
 }
 
@@ -43,7 +43,7 @@ void *__wrap_realloc(void *block, size_t size) {
 
 void __wrap_free(void *block) {
     if (counting && block != nullptr)
-        live_count--;
+        --live_count;
     __real_free(block);
 }
 }

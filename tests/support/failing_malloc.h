@@ -2,7 +2,7 @@
 // calloc, realloc and free of its own objects and of the runtime's archive counted and, where a
 // test asks for it, refused. Shared libraries are not touched.
 //
-//     for (size_t k = 1;; k++) {
+//     for (size_t k = 1;; ++k) {
 //         failing_malloc::scope refused(k); // the k-th allocation from here on fails
 //         ... run; check the failure's result ...
 //         if (!refused.happened())

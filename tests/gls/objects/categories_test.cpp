@@ -36,7 +36,7 @@ protected:
     std::string set(int32_t category, const char *text) {
         lc->err = 0;
         char *names = set_categories(lc, category, text, directory.path().c_str());
-        std::string result = names ? names : "null";
+        std::string result = names != nullptr ? names : "null";
         gl_destroystring(names);
         return result;
     }

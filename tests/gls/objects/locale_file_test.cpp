@@ -185,7 +185,7 @@ TEST(Collation, RowsTellIgnoredAndEquivalentCharacters) {
     // the text of its expansion and "d".
     const std::pair<const char *, const char *> wanted[] = {{"ch", "c"}, {"b", "c"}, {"bc", "d"}};
     size_t i = 0;
-    for (; r.equiv_pairs[i].member; ++i) {
+    for (; r.equiv_pairs[i].member != nullptr; ++i) {
         ASSERT_LT(i, std::size(wanted));
         EXPECT_STREQ(r.equiv_pairs[i].member, wanted[i].first);
         EXPECT_STREQ(r.equiv_pairs[i].last, wanted[i].second);
