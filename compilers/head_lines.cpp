@@ -1,7 +1,6 @@
 #include "compilers/head_lines.h"
 
-#include "compilers/object_table.h"
-
+#include <stdio.h>
 #include <zlib.h>
 
 namespace kestrion {
@@ -16,16 +15,12 @@ std::string hash_of(const source_texts &read) {
     uLong value = 0;
     for (const auto &[name, text] : read) {
         value = add_bytes(value, name);
-        value =
-            add_bytes(value, std::string_view("\0", 1)); // names and texts must not run together
+        value = add_bytes(value, {"\0", 1}); // a name and its text must not run together
         value = add_bytes(value, text);
     }
-    const unsigned char bytes[] = {
-        static_cast<unsigned char>(value >> 24), static_cast<unsigned char>(value >> 16),
-        static_cast<unsigned char>(value >> 8), static_cast<unsigned char>(value)};
-    std::string out;
-    append_hex_bytes(out, bytes, sizeof bytes);
-    return out;
+    char digits[16];
+    snprintf(digits, sizeof digits, "%08lx", value);
+    return digits;
 }
 
 } // namespace

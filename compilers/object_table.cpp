@@ -42,9 +42,7 @@ void add_to_table(multi_arr *table, const code_sequence &sequence, const void *d
     memcpy(desc.bytes, sequence.bytes, sizeof desc.bytes);
     if (_gl_insert_desc_multi(&desc, datum, table) == 0)
         return;
-    std::string bytes;
-    append_hex_bytes(bytes, sequence.bytes, sequence.length);
-    throw compiler_failure("the character " + bytes +
+    throw compiler_failure("the character " + hex_text(sequence.text()) +
                            " is the beginning of another, or begins with one");
 }
 
@@ -54,13 +52,6 @@ std::string table_text(multi_arr *table, multi_datum_writer writer) {
         throw std::bad_alloc();
     std::string compressed = written_text(table, writer);
     return compressed.size() < plain.size() ? compressed : plain;
-}
-
-void append_hex_bytes(std::string &out, const unsigned char *bytes, size_t count) {
-    for (size_t i = 0; i < count; ++i) {
-        out += "0123456789abcdef"[bytes[i] >> 4];
-        out += "0123456789abcdef"[bytes[i] & 15];
-    }
 }
 
 } // namespace kestrion

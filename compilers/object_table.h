@@ -2,7 +2,7 @@
 // writer.
 #pragma once
 
-#include "compilers/posix/charmap.h"
+#include "compilers/posix/code_sequence.h"
 #include <kestrion/multi.h>
 #include <kestrion/multi_file.h>
 
@@ -25,8 +25,5 @@ void add_to_table(multi_arr *table, const code_sequence &sequence, const void *d
 
 // The table in the shorter of its two text forms; it is compressed afterwards.
 std::string table_text(multi_arr *table, multi_datum_writer writer);
-
-// Two hexadecimal digits a byte, lower case.
-void append_hex_bytes(std::string &out, const unsigned char *bytes, size_t count);
 
 } // namespace kestrion

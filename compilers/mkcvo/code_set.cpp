@@ -1,7 +1,6 @@
 #include "compilers/mkcvo/code_set.h"
 
 #include <algorithm>
-#include <charconv>
 #include <set>
 #include <string.h>
 
@@ -61,16 +60,6 @@ bool control_character(const code_sequence &sequence) {
 }
 
 } // namespace
-
-std::string character_name(char32_t character) {
-    char digits[16];
-    const auto end =
-        std::to_chars(digits, digits + sizeof digits, static_cast<uint32_t>(character), 16).ptr;
-    std::string text(digits, end);
-    for (char &c : text)
-        c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-    return "U+" + std::string(text.size() < 4 ? 4 - text.size() : 0, '0') + text;
-}
 
 const side_row *code_set_side::find(char32_t character) const {
     const auto found = writers_.find(character);

@@ -52,7 +52,4 @@ code_set_side shifted_side(const std::string &name, const charmap &map,
 constexpr char32_t last_of_two_bytes = 0xffff;
 code_set_side unicode_side(const code_set_side &other, int bytes);
 
-// "U+20AC".
-std::string character_name(char32_t character);
-
 } // namespace kestrion

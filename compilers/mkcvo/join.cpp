@@ -60,7 +60,7 @@ unsigned char control_byte(const written &out, char32_t first, bool inexact) {
 void tell_loss(const code_set_side &target, const side_row &row, diagnostics &said) {
     std::string what;
     for (const char32_t character : row.characters)
-        what += (what.empty() ? "" : " ") + character_name(character);
+        what += (what.empty() ? "" : " ") + code_point_text(character);
     what += " has no counterpart in " + target.name;
     constexpr char remedy[] = "--near, --translit or --substitute gives it an inexact one";
     if (row.place.file != nullptr)

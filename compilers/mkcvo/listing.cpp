@@ -26,9 +26,7 @@ namespace {
 constexpr std::string_view listing_mark = "conversion_listing 1";
 
 std::string hex(const code_sequence &sequence) {
-    std::string text;
-    append_hex_bytes(text, sequence.bytes, sequence.length);
-    return text.empty() ? "-" : text;
+    return sequence.length == 0 ? "-" : hex_text(sequence.text());
 }
 
 void append_entries(std::string &out, const char *keyword,
@@ -36,7 +34,7 @@ void append_entries(std::string &out, const char *keyword,
     for (const conversion_entry &entry : entries) {
         out += keyword;
         out += " " + hex(entry.source) + " ";
-        append_hex_bytes(out, &entry.control, 1);
+        out += hex_text({reinterpret_cast<const char *>(&entry.control), 1});
         if (entry.target.length != 0)
             out += " " + hex(entry.target);
         out += "\n";

@@ -34,26 +34,15 @@ char32_t parse_character(const std::string &text) {
     const char *const end = text.data() + text.size();
     if (text.starts_with("U+") && text.size() > 2) {
         const auto [stop, error] = std::from_chars(text.data() + 2, end, value, 16);
-        if (error == std::errc() && stop == end && value <= 0x10ffff)
+        if (error == std::errc() && stop == end && value < code_point_limit)
             return value;
     }
-    throw usage_error("'" + text + "' is no character; write it as U+003F");
+    throw usage_error("'" + text + "' is not a character; write it as U+003F");
 }
 
 code_sequence parse_bytes(const std::string &text) {
-    code_sequence bytes;
-    if (!text.empty() && text.size() % 2 == 0 && text.size() <= 2 * size_t{max_sequence_length}) {
-        size_t i = 0;
-        for (; i < text.size(); i += 2) {
-            const auto [stop, error] =
-                std::from_chars(text.data() + i, text.data() + i + 2, bytes.bytes[i / 2], 16);
-            if (error != std::errc() || stop != text.data() + i + 2)
-                break;
-        }
-        bytes.length = static_cast<uint8_t>(i / 2);
-        if (i == text.size())
-            return bytes;
-    }
+    if (const auto bytes = sequence_of_hex(text))
+        return *bytes;
     throw usage_error("'" + text + "' is not one to four bytes in hexadecimal, such as 0e");
 }
 

@@ -30,8 +30,7 @@ void append_numbers(std::string &out, const conversion_object &object) {
     out += std::to_string(object.source_stateful) + " " + std::to_string(object.target_stateful) +
            "\n";
     for (const code_sequence &shift : object.shifts) {
-        out += std::to_string(shift.length);
-        append_hex_bytes(out, shift.bytes, shift.length);
+        out += std::to_string(shift.length) + hex_text(shift.text());
     }
     out += "\n" + std::to_string(object.target_min) + " " + std::to_string(object.target_max) +
            " 0 0 " + std::to_string(object.source_min) + " " + std::to_string(object.source_max) +

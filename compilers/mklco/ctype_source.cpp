@@ -13,7 +13,6 @@ namespace {
 
 // Characters are known by keys: their code points, and behind those the rows of the charmap whose
 // names are none.
-constexpr uint32_t code_point_limit = 0x110000;
 // A class's line in the object has its bit and a blank in front of the name.
 constexpr size_t longest_class_name = lco_line_limit - 2;
 

@@ -21,7 +21,7 @@
 #pragma once
 
 #include "compilers/mklco/object.h"
-#include "compilers/posix/locale_source.h"
+#include "compilers/posix/source_library.h"
 
 namespace kestrion {
 

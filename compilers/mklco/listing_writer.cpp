@@ -14,20 +14,13 @@ std::string hex(uint64_t value) {
     return {digits, std::to_chars(digits, digits + sizeof digits, value, 16).ptr};
 }
 
-std::string bytes_of(const code_sequence &sequence) {
-    std::string text;
-    append_hex_bytes(text, sequence.bytes, sequence.length);
-    return text;
-}
-
 std::string quoted(std::string_view bytes) {
     std::string text = "\"";
     for (char c : bytes) {
         auto byte = static_cast<unsigned char>(c);
-        if (byte < ' ' || byte > '~') {
-            text.append("\\x");
-            append_hex_bytes(text, &byte, 1);
-        } else if (c == '"' || c == '\\')
+        if (byte < ' ' || byte > '~')
+            text.append("\\x").append(hex_text({&c, 1}));
+        else if (c == '"' || c == '\\')
             text.append("\\").append(1, c);
         else
             text += c;
@@ -58,9 +51,9 @@ void for_each_run(const locale_object &object, uint16_t object_character::*datum
             if (step != (up ? 1 : 0))
                 break;
         }
-        std::string range = bytes_of(all[begin].sequence);
+        std::string range = hex_text(all[begin].sequence.text());
         if (end - begin > 1)
-            range.append("..").append(bytes_of(all[end - 1].sequence));
+            range.append("..").append(hex_text(all[end - 1].sequence.text()));
         write(range, all[begin].*datum, up);
     }
 }

@@ -1,15 +1,6 @@
 #include "compilers/mklco/text_encoder.h"
 
-#include <stdio.h>
-
 namespace kestrion {
-namespace {
-
-void append_sequence(std::string &out, const code_sequence &sequence) {
-    out.append(reinterpret_cast<const char *>(sequence.bytes), sequence.length);
-}
-
-} // namespace
 
 // All of them or none.
 bool text_encoder::append_code_points(std::string &out, const std::u32string &text) const {
@@ -18,7 +9,7 @@ bool text_encoder::append_code_points(std::string &out, const std::u32string &te
         const charmap_row *row = map_.find(code_point);
         if (row == nullptr)
             return false;
-        append_sequence(bytes, row->sequence);
+        bytes += row->sequence.text();
     }
     out += bytes;
     return true;
@@ -28,8 +19,10 @@ void text_encoder::append(std::string &out, const locale_source &from, const tex
                           text_use use) {
     bool named = element.is == text_element::kind::name;
     const charmap_row *row = named ? map_.find_name(element.name) : map_.find(element.value);
-    if (row != nullptr)
-        return append_sequence(out, row->sequence);
+    if (row != nullptr) {
+        out += row->sequence.text();
+        return;
+    }
     if (!named) {
         if (!substitutes_)
             substitutes_.emplace(library_, source_);
@@ -40,13 +33,7 @@ void text_encoder::append(std::string &out, const locale_source &from, const tex
     }
     source_place place = from.place(element.offset);
     std::string what = "the code set lacks ";
-    if (named) {
-        what.append(element.name);
-    } else {
-        char text[16];
-        snprintf(text, sizeof text, "U+%04X", element.value);
-        what.append(text);
-    }
+    what += named ? std::string(element.name) : code_point_text(element.value);
     if (use == text_use::format)
         throw source_error(
             place, what,

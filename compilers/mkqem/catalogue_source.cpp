@@ -1,5 +1,6 @@
 #include "compilers/mkqem/catalogue_source.h"
 
+#include "compilers/utf8.h"
 #include "messages/message_file.h"
 
 #include <charconv>
@@ -27,28 +28,6 @@ std::vector<std::string_view> words_of(std::string_view text) {
 bool read_number(std::string_view word, int64_t &number) {
     const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
     return error == std::errc{} && end == word.data() + word.size();
-}
-
-struct utf8_character {
-    uint32_t code;
-    size_t length; // 0: not UTF-8
-};
-
-// The character at the start of `bytes`, by the well-formed sequences of the standard's table.
-utf8_character decode_utf8(std::string_view bytes) {
-    const auto byte = [&](size_t i) { return static_cast<unsigned char>(bytes[i]); };
-    const size_t length = byte(0) >= 0xF0 ? 4 : byte(0) >= 0xE0 ? 3 : 2;
-    if (byte(0) < 0xC2 || byte(0) > 0xF4 || bytes.size() < length)
-        return {0, 0};
-    uint32_t code = byte(0) & (0xFFU >> (length + 1));
-    for (size_t i = 1; i < length; ++i) {
-        if ((byte(i) & 0xC0U) != 0x80)
-            return {0, 0};
-        code = code << 6 | (byte(i) & 0x3FU);
-    }
-    constexpr uint32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-    const bool surrogate = code >= 0xD800 && code <= 0xDFFF;
-    return {code, code < least[length] || code > 0x10FFFF || surrogate ? 0 : length};
 }
 
 constexpr struct {
@@ -240,9 +219,11 @@ private:
     }
 
     bool read_character(source_message &message) {
-        const auto [code, length] = decode_utf8(line_.substr(column_));
+        uint32_t code = 0;
+        const size_t length = decode_utf8(line_.substr(column_), code);
         if (length == 0)
-            return error(here(), "the byte begins no UTF-8 character", "save the source in UTF-8");
+            return error(here(), "this byte does not begin a character of UTF-8",
+                         "save the source in UTF-8");
         if (target_ == code_set::utf_8) {
             for (const char c : line_.substr(column_, length))
                 add(message, here(), c);

@@ -1,18 +1,20 @@
 // Charmaps: which byte sequences a code set has and which character each of them is.
 //
 // A charmap is a POSIX character set description: a head of <name> value lines, the section CHARMAP
-// with a row per character, and optionally a section WIDTH. Every row is spelt out here, also where
-// the source names a range:
+// with a row per character, and optionally a section WIDTH. The record has a row for every
+// character, also where the source gives a range:
 //
-//     <U4E00>..<U4E02> /xb0/xa1    three rows: U+4E00 b0a1, U+4E01 b0a2, U+4E02 b0a3
-//     %IRREVERSIBLE%<U005C> /x81/x5f   a row that is read as U+005C, which is itself written
-//     otherwise
+//     <U4E00>..<U4E02> /xb0/xa1        three rows: U+4E00 b0a1, U+4E01 b0a2, U+4E02 b0a3
+//     %IRREVERSIBLE%<U005C> /x81/x5f   one-way: these bytes are read as U+005C, which is
+//                                      written by the bytes of another row
 //
 // Ranges of WIDTH run in the order of the byte sequences between the two ends, all of one length;
-// those with an end that has no row are passed over.
+// those with an end that has no row are ignored.
 #pragma once
 
+#include "compilers/posix/code_sequence.h"
 #include "compilers/posix/source_place.h"
+#include "compilers/posix/symbolic_name.h"
 
 #include <stdint.h>
 #include <string>
@@ -21,22 +23,6 @@
 #include <vector>
 
 namespace kestrion {
-
-constexpr uint32_t no_code_point = 0xFFFFFFFF;
-constexpr int max_sequence_length = 4;
-
-// The bytes of one character.
-struct code_sequence {
-    uint8_t length = 0; // 1 to 4
-    unsigned char bytes[max_sequence_length] = {};
-
-    // The bytes as a big-endian number: two bytes A1 B2 are A1B2.
-    uint32_t packed() const;
-    // The bytes from the highest place on: sequences sorted by it stand in the order of their
-    // bytes.
-    uint32_t order() const { return packed() << 8 * (max_sequence_length - length); }
-    bool operator==(const code_sequence &other) const = default;
-};
 
 struct charmap_row {
     uint32_t code_point = no_code_point; // no_code_point: the row's name is not of the form <Uxxxx>
@@ -74,15 +60,8 @@ private:
     void index_code_points();
 
     const source_file &source_;
-    std::vector<std::vector<uint32_t>> pages_; // by code point / 256, then by its low byte: row + 1
+    std::vector<std::vector<uint32_t>> pages_; // by code point / 256 and % 256: row + 1, or 0
     std::unordered_map<std::string, uint32_t> named_rows_;
 };
-
-// The code point of "U0041" or "U00010000" (4 or 8 hexadecimal digits), else no_code_point.
-uint32_t code_point_of_name(std::string_view name);
-
-// The names of a range such as j0101 to j0194, whose numbers count up in base 10 or 16; none when
-// the two make no range.
-std::vector<std::string> counted_names(std::string_view first, std::string_view last, int base);
 
 } // namespace kestrion

@@ -10,7 +10,7 @@
 // together are passed over.
 #pragma once
 
-#include "compilers/posix/locale_source.h"
+#include "compilers/posix/source_library.h"
 
 #include <set>
 #include <string>

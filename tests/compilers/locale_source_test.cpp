@@ -1,4 +1,6 @@
 #include "compilers/posix/locale_source.h"
+#include "compilers/posix/source_library.h"
+#include "compilers/posix/statement_reader.h"
 
 #include <filesystem>
 #include <fstream>

@@ -130,7 +130,7 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "./to"}, 2, "two code sets are needed"},
         {{"-o", "old.cvo", "UCS-2", "UCS-4"}, 2, "one of the code sets must be a charmap"},
         {{"./from", "./to"}, 2, "no output is named"},
-        {{"-o", "old.cvo", "-s", "?", "./from", "./to"}, 2, "'?' is no character"},
+        {{"-o", "old.cvo", "-s", "?", "./from", "./to"}, 2, "'?' is not a character"},
         {{"-o", "old.cvo", "-n", "U+0041", "./from", "./to"}, 2, "has no '='"},
         {{"-o", "old.cvo", "--shift-in=0e0f0e0f0e", "./from", "./to"}, 2, "'0e0f0e0f0e' is not"},
     };
