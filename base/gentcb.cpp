@@ -8,7 +8,7 @@ namespace {
 
 constinit gentcb *the_block = nullptr;
 
-// One way for every word of the block to be read and written: -406 stands for "no block".
+// The one way in which the words of the block are read and written.
 int32_t word_of_block(int32_t gentcb::*word) {
     const gentcb *block = CheckGenInit();
     return block == nullptr ? err_no_block : block->*word;

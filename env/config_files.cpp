@@ -4,6 +4,7 @@
 #include "env/language_setting.h"
 #include <kestrion/character_tables.h>
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/files.h>
 #include <kestrion/strings.h>
 
@@ -54,7 +55,7 @@ int next_line(byte_source &source, char **buffer, size_t *size, uint32_t *line) 
     enum { at_start, in_comment, in_text } state = at_start;
     size_t count = 0;
     if (*size < 2 && !grow_line(buffer, size))
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     for (int byte = source.next(); byte >= 0; byte = source.next()) {
         if (state == in_comment) {
             if (byte == '\n')
@@ -74,7 +75,7 @@ int next_line(byte_source &source, char **buffer, size_t *size, uint32_t *line) 
         }
         (*buffer)[count++] = static_cast<char>(byte);
         if (count == *size - 1 && !grow_line(buffer, size))
-            return ENV_NO_MEMORY;
+            return err_env_no_memory;
     }
     return file_ended;
 }
@@ -139,13 +140,13 @@ int load_lines(int descriptor, char **buffer, size_t size, const env_name_list *
     while ((result = next_line(source, buffer, &size, line)) == line_read) {
         char *value = split_line(*buffer);
         status = store_line(*buffer, value, ignore, flags);
-        if (status != 0 && status != ENV_UNKNOWN_VARIABLE)
+        if (status != 0 && status != err_env_unknown_name)
             return status;
     }
-    if (result == ENV_NO_MEMORY)
-        return ENV_NO_MEMORY;
+    if (result == err_env_no_memory)
+        return err_env_no_memory;
     // An unknown name goes unnoticed except here: as the last line it fails the file.
-    return status == ENV_UNKNOWN_VARIABLE ? ENV_TOO_LONG : 0;
+    return status == err_env_unknown_name ? err_env_value_size : 0;
 }
 
 } // namespace
@@ -168,7 +169,7 @@ int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint
     const int descriptor = kestrion::open_regular_file(path);
     if (descriptor < 0)
         return 0;
-    int status = ENV_NO_MEMORY;
+    int status = err_env_no_memory;
     auto *buffer = static_cast<char *>(malloc(line_step));
     if (buffer != nullptr)
         status = load_lines(descriptor, &buffer, line_step, ignore, line, flags);

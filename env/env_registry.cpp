@@ -3,6 +3,7 @@
 #include "base/locale_hooks.h"
 #include "base/owned_text.h"
 #include "env/variable_table.h"
+#include <kestrion/error_numbers.h>
 #include <kestrion/first_load.h>
 #include <kestrion/strings.h>
 
@@ -15,15 +16,15 @@ constinit char empty_text[1] = {};
 
 // Starts a lookup: clears gerrno, refuses a null name, loads the registry at the first one.
 bool lookup_ready(const char *name) {
-    gerrno = ENV_NO_ERROR;
+    gerrno = 0;
     if (name == nullptr) {
-        gerrno = ENV_NULL_NAME;
+        gerrno = err_env_null_name;
         return false;
     }
     if (Kes_EVars != nullptr)
         return true;
     const int status = greadenv();
-    if (status != 0 && gerrno == ENV_NO_ERROR)
+    if (status != 0 && gerrno == 0)
         gerrno = status;
     return status == 0;
 }
@@ -65,7 +66,7 @@ char *environment_value(const char *name, int32_t index) {
         value = converted;
     if (over_limit(value, name, index)) {
         free(converted);
-        gerrno = ENV_TOO_LONG;
+        gerrno = err_env_value_size;
         return nullptr;
     }
     return value;
@@ -77,7 +78,7 @@ constinit env_entry *Kes_EVars = nullptr;
 constinit int32_t Num_EVars = 0;
 constinit const env_variable *Kes_UDVars = nullptr;
 constinit char *const EnvEmptyVal = empty_text;
-constinit int32_t gerrno = ENV_NO_ERROR;
+constinit int32_t gerrno = 0;
 
 char *idx_ggetenv(const char *name, int32_t index) {
     if (!lookup_ready(name))
@@ -104,7 +105,7 @@ char *idx_ggetenv2(const char *name, int32_t index) {
 char *ggetenv2(const char *name) { return idx_ggetenv2(name, -1); }
 
 char *idx_getenv(const char *name, int32_t index) {
-    gerrno = name == nullptr ? ENV_NULL_NAME : ENV_NO_ERROR;
+    gerrno = name == nullptr ? err_env_null_name : 0;
     return name == nullptr ? nullptr : environment_value(name, index);
 }
 
@@ -119,7 +120,7 @@ char *idx_getdefault(const char *name, int32_t index) {
                                          : search_evar_enum(index, name, Kes_EVars, Num_EVars);
     if (entry != nullptr)
         return entry->value;
-    gerrno = ENV_UNKNOWN_VARIABLE;
+    gerrno = err_env_unknown_name;
     return nullptr;
 }
 
@@ -160,13 +161,13 @@ int32_t idx_get_timeout_value(void) { return -1; }
 
 int ginsenv(const char *name, const char *value, env_entry *entry) {
     if (name == nullptr)
-        return ENV_NULL_NAME;
+        return err_env_null_name;
     if (entry == nullptr)
         entry = search_evar(name, Kes_EVars, Num_EVars);
     if (entry == nullptr)
-        return ENV_UNKNOWN_VARIABLE;
+        return err_env_unknown_name;
     if (value != nullptr && entry->max_length >= 1 && longer_than(value, entry->max_length))
-        return ENV_TOO_LONG;
+        return err_env_value_size;
     if (entry->value == nullptr && value == nullptr)
         return 0;
     if (entry->value != nullptr && value != nullptr && stcmpr(entry->value, value) == 0)
@@ -180,7 +181,7 @@ int ginsenv(const char *name, const char *value, env_entry *entry) {
         entry->value = kestrion::joined_text(value);
         if (entry->value == nullptr) {
             entry->value = old;
-            return ENV_NO_MEMORY;
+            return err_env_no_memory;
         }
     } else if (value != nullptr || old == nullptr) {
         entry->value = EnvEmptyVal;
@@ -191,14 +192,14 @@ int ginsenv(const char *name, const char *value, env_entry *entry) {
 
 int gfeputenv(const char *name, const char *value) {
     if (name == nullptr)
-        return ENV_NULL_NAME;
+        return err_env_null_name;
     char *text = kestrion::joined_text(name, "=", value == nullptr ? "" : value);
     if (text == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     if (putenv(text) == 0)
         return 0;
     free(text);
-    return ENV_NO_MEMORY;
+    return err_env_no_memory;
 }
 
 int gputenv(const char *name, const char *value) { return gfeputenv(name, value); }

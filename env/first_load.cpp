@@ -5,6 +5,7 @@
 #include "env/variable_table.h"
 #include <kestrion/config_files.h>
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/os_control.h>
 #include <kestrion/strings.h>
 
@@ -24,7 +25,7 @@ int add_entry(const env_variable &row, int32_t index) {
              .index = index,
              .max_length = row.max_length};
     if (entry.name == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     ++Num_EVars;
     return ginsenv(row.name, row.default_value, &entry);
 }
@@ -49,7 +50,7 @@ int add_program_rows() {
     const size_t room = static_cast<size_t>(Num_EVars) + count;
     void *grown = realloc(Kes_EVars, room * sizeof(env_entry));
     if (grown == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     Kes_EVars = static_cast<env_entry *>(grown);
     int status = 0;
     for (size_t i = 0; i < count && status == 0; ++i)
@@ -63,13 +64,13 @@ int add_ignored_names(env_name_list *ignore) {
         return 0;
     char *copy = kestrion::joined_text(names); // cut up here, not in the environment
     if (copy == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     int status = 0;
     char *place = nullptr;
     for (char *name = qvt_strtok(copy, ":", &place); name != nullptr && status == 0;
          name = qvt_strtok(nullptr, ":", &place)) {
         if (_gaddnamelist(ignore, name) < 0)
-            status = ENV_NO_MEMORY;
+            status = err_env_no_memory;
     }
     free(copy);
     return status;
@@ -80,7 +81,7 @@ int read_system_file(const env_name_list *ignore, uint32_t *flags) {
     char *path = kestrion::joined_text(directory == nullptr ? "/usr/kestrion" : directory,
                                        "/etc/kestrion.rc");
     if (path == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     uint32_t line = 0;
     const int status = ldcffile(path, ignore, &line, flags);
     free(path);
@@ -90,7 +91,7 @@ int read_system_file(const env_name_list *ignore, uint32_t *flags) {
 int read_user_file(const env_name_list *ignore, uint32_t *flags) {
     char home[home_path_size];
     if (ggethomepath(home) != 0)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     char path[home_path_size + sizeof "/.kestrion"];
     stcopy(home, path);
     stcat("/.kestrion", path);
@@ -121,15 +122,15 @@ int settle_locale_variables(uint32_t flags) {
     return status;
 }
 
-// A file that failed with -4 is used as far as it was read. The user's file speaks for both then,
-// and the locale variables for all three.
+// A file that failed with err_env_value_size is used as far as it was read. The result is then that of
+// the user's file, and that of the locale variables where they are settled.
 int read_settings(const env_name_list *ignore) {
     uint32_t flags = 0;
     int status = read_system_file(ignore, &flags);
-    if (status == 0 || status == ENV_TOO_LONG)
+    if (status == 0 || status == err_env_value_size)
         status = read_user_file(ignore, &flags);
-    if (status != 0 && status != ENV_TOO_LONG)
-        return ENV_NO_MEMORY;
+    if (status != 0 && status != err_env_value_size)
+        return err_env_no_memory;
     if (kestrion::turns_language_on(getenv("DBNLS")))
         flags |= LANGUAGE_DBNLS;
     if ((flags & LANGUAGE_DBNLS) != 0)
@@ -143,14 +144,14 @@ int greadenv(void) {
     // The control block brings the locale up, and that looks settings up: the registry may be
     // loaded by the time the block is here. So the order of these two questions matters.
     const os_control *control = CheckOsInit();
-    gerrno = ENV_NO_ERROR; // those lookups left their own words
+    gerrno = 0; // those lookups left their own words
     if (control == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     if (Kes_EVars != nullptr)
         return 0;
     env_name_list *ignore = _ginitnamelist();
     if (ignore == nullptr)
-        return ENV_NO_MEMORY;
+        return err_env_no_memory;
     seed_built_in_rows();
     int status = add_program_rows();
     if (status == 0)
@@ -181,9 +182,9 @@ int ggethomepath(char *path) {
     const char *login = getlogin();
     const passwd *user = login != nullptr && *login != '\0' ? getpwnam(login) : getpwuid(getuid());
     if (user == nullptr)
-        return gerrno = ENV_NO_USER;
+        return gerrno = err_env_no_user;
     if (user->pw_dir == nullptr || *user->pw_dir == '\0')
-        return gerrno = ENV_TOO_LONG;
+        return gerrno = err_env_value_size;
     stncopy(user->pw_dir, path, home_path_size);
     return 0;
 }

@@ -46,7 +46,7 @@ bool fits(const language_slot &slot, const char *value) { return strlen(value) <
 
 int store(const language_slot &slot, const char *value) {
     if (!fits(slot, value))
-        return ENV_TOO_LONG;
+        return err_env_value_size;
     memmove(slot.text, value, strlen(value) + 1); // the value may be the slot's own text
     return 0;
 }

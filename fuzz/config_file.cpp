@@ -2,6 +2,7 @@
 
 #include <kestrion/config_files.h>
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/os_control.h>
 
 #include <algorithm>
@@ -48,9 +49,9 @@ int take_line(const std::string &line, values &all) {
     const std::string name = line.substr(0, name_end);
     const std::string value = line.substr(value_at);
     if (!all.contains(name))
-        return ENV_UNKNOWN_VARIABLE;
+        return err_env_unknown_name;
     if (value.size() > limit_of(name))
-        return ENV_TOO_LONG;
+        return err_env_value_size;
     if (!value.empty() || !language.contains(name))
         all[name] = value;
     return 0;
@@ -59,7 +60,7 @@ int take_line(const std::string &line, values &all) {
 // Reads a whole text into `all`; returns what ldcffile returns.
 int read_plainly(std::string_view text, values &all) {
     int last = 0;
-    while (!text.empty() && last != ENV_TOO_LONG) {
+    while (!text.empty() && last != err_env_value_size) {
         const bool comment = text[0] == '#';
         const bool blank = text[0] == '\n';
         const size_t end = text.find_first_of(comment ? "\n" : "\n\xFF", blank ? 0 : 1);
@@ -70,7 +71,7 @@ int read_plainly(std::string_view text, values &all) {
         if (!comment && !blank)
             last = take_line(line, all);
     }
-    return last == 0 ? 0 : ENV_TOO_LONG;
+    return last == 0 ? 0 : err_env_value_size;
 }
 
 } // namespace

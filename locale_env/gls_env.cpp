@@ -1,6 +1,7 @@
 #include <kestrion/gls_env.h>
 
 #include "base/owned_text.h"
+#include <kestrion/error_numbers.h>
 
 #include <stdlib.h>
 #include <string.h>
@@ -69,7 +70,7 @@ int gls_set_setting(new_gls_env_rec *state, gls_setting which, const char *text)
     if (text != nullptr) {
         copy = kestrion::joined_text(text);
         if (copy == nullptr)
-            return -2;
+            return err_env_no_memory;
     } else {
         state->defaulted &= ~(1 << which); // what is not there was not derived
     }

@@ -16,7 +16,7 @@ extern "C" {
 
 // Shifts source[0..length) into destination[0..length): CASE_UPPER to upper case, any other value
 // to lower case. What the text leaves over is filled with zero bytes. The two may be the same
-// block. Returns 0, or -941 for an invalid or cut-off character.
+// block. Returns 0, or err_bad_character for an invalid or cut-off character.
 int sqlcaseshift(int operation, const char *source, char *destination, ptrdiff_t length);
 
 // Gives each word an initial capital and lower case behind it; a word is a run of letters. As

@@ -14,7 +14,7 @@
 // one is lost. A byte 255 inside a line ends the file there and loses the line.
 // docs/formats/kestrion_rc.md tells it to whoever writes one.
 //
-// Results of type int are 0 or one of the env_error values of <kestrion/env_registry.h>.
+// Results of type int are 0 or one of the err_env_ numbers of <kestrion/error_numbers.h>.
 
 #pragma once
 
@@ -42,17 +42,18 @@ extern "C" {
 // ignore  names to pass over.
 // line    receives the number of the last line read, counted from 1.
 // flags   bits of language_flag are added.
-// Returns 0, also for what cannot be opened or is no regular file; -2; -4 for a value over its
-//         limit, which ends the reading at that line, and for an unknown name on the last line.
+// Returns 0, also for what cannot be opened or is not a regular file; err_env_no_memory;
+//         err_env_value_size for a value over its limit, which ends the reading at that line, and for
+//         an unknown name on the last line.
 int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint32_t *flags);
 
 // Reads a descriptor up to the end of the next line that is neither empty nor a comment, and not a
 // byte further.
 // buffer  from malloc, grown by 128 bytes whenever it is full; valid for free() after every result.
-// size    its size; 0 after -2.
+// size    its size; 0 after err_env_no_memory.
 // line    1 is added for each line begun.
 // Returns 0 for a line, terminated and without its line feed; -1 at the end of the file or when a
-//         read fails, an unfinished line being lost; -2 without memory.
+//         read fails, an unfinished line being lost; err_env_no_memory.
 int _ggetcfline(int descriptor, char **buffer, size_t *size, uint32_t *line);
 
 #ifdef __cplusplus

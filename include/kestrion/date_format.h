@@ -29,12 +29,13 @@ typedef struct dbdate_format {
 extern "C" {
 #endif
 
-// Parses a DBDATE text. Returns 0, or -1212 when it breaks the grammar, with *out undefined.
+// Parses a DBDATE text. Returns 0, or err_date_format when it breaks the grammar, with *out
+// undefined.
 int parse_dbdate(const char *text, dbdate_format *out);
 
 // Settles date_fmt and its companions in the current environment.
-// buffer  null: the format goes into a new allocation; else it goes there, and the buffer has 256
-// bytes. Returns 0, -1211 without memory or room, -1212 for a bad DBDATE.
+// buffer  null: the format goes into a new allocation; else it goes there, and the buffer has 256 bytes.
+// Returns 0, err_date_no_memory without memory or room, err_date_format for a bad DBDATE.
 int nogetenv_getglsfmt(void *ignored1, void *ignored2, char *buffer, int zero);
 
 // Settles all of the current environment that depends on dates: the format, the calendar, the

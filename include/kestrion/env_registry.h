@@ -9,7 +9,7 @@
 //
 // Example: KESTRIONDIR has the default "/usr/kestrion" and a limit of 256 characters. With 256 in
 // the environment ggetenv("KESTRIONDIR") returns them; with 257 it returns what a configuration
-// file says, else "/usr/kestrion", and gerrno is -4.
+// file says, else "/usr/kestrion", and gerrno is err_env_value_size.
 //
 // The first lookup loads the registry (greadenv in <kestrion/first_load.h>). When that load fails the
 // lookup returns null; the entries made so far stay, so that later lookups are answered.
@@ -19,24 +19,14 @@
 // (env/variable_table.h), or -1 to search by name. An index that is given decides by itself, the
 // name beside it is not compared.
 //
-// Results of type int are 0 or one of the env_error values. Nothing here locks: one thread, or all
-// loading done before threads start.
+// Results of type int, and gerrno, are 0 or one of the err_env_ numbers of <kestrion/error_numbers.h>.
+// Nothing here locks: one thread, or all loading done before threads start.
 
 #pragma once
 
 #include <kestrion/variable_table.h>
 
 #include <stdint.h>
-
-// Values of gerrno, and negative results.
-enum env_error {
-    ENV_NO_ERROR = 0,
-    ENV_NO_MEMORY = -2,
-    ENV_NO_USER = -3,          // the user has no account record
-    ENV_TOO_LONG = -4,         // value over the variable's limit, or an empty path
-    ENV_UNKNOWN_VARIABLE = -5, // not in the registry
-    ENV_NULL_NAME = -7,
-};
 
 // One live entry.
 typedef struct env_entry {
@@ -59,8 +49,9 @@ extern int32_t gerrno;                 // why the last lookup failed, or what it
 // ---- Lookups ----
 
 // Returns the variable's value, or null.
-// gerrno  0; -4, with a value or null, when the environment's value is over its limit; -5 for an
-//         unknown name without a value; -7 for a null name; the reason when the load failed.
+// gerrno  0; err_env_value_size, with a value or null, when the environment's value is over its limit;
+//         err_env_unknown_name for an unknown name without a value; err_env_null_name; the reason when
+//         the load failed.
 char *idx_ggetenv(const char *name, int32_t index);
 char *ggetenv(const char *name);       // idx_ggetenv by name
 char *getsesenv(const char *name);     // the same
@@ -73,14 +64,14 @@ char *ggetenv2(const char *name);
 // The first layer alone; does not load the registry. A value with bytes above 127 is converted when
 // the current locale environment converts texts of the operating system; such a copy is never
 // freed.
-// Returns null with gerrno 0 (not set), -4 (over the limit) or -7.
+// Returns null with gerrno 0 (not set), err_env_value_size or err_env_null_name.
 char *idx_getenv(const char *name, int32_t index);
 
 // The second layer alone. `name` in any mix of cases. Does not touch gerrno.
 char *ggetglsenv(const char *name);
 
 // The third layer alone. Returns null when the registry is not loaded, when the entry has no value,
-// or, with gerrno -5, when there is no such entry.
+// or, with gerrno err_env_unknown_name, when there is no such entry.
 char *idx_getdefault(const char *name, int32_t index);
 
 // Stores the built-in default of a variable, null if it has none, in *text. Returns 0, or -1 for a
@@ -102,13 +93,13 @@ int32_t idx_get_timeout_value(void);
 
 // Stores a value in the registry; the only writer of values. `entry` skips the search.
 // value   null makes the entry unset; the empty text makes it set and empty.
-// Returns 0, -2 (the old value stays; an entry that was set and empty becomes unset), -4 (over the
-//         limit, the old value stays), -5, -7.
+// Returns 0; err_env_no_memory: the old value stays, but an entry that was set and empty becomes
+//         unset; err_env_value_size: the old value stays; err_env_unknown_name; err_env_null_name.
 // Writes  an equal value keeps the stored pointer; any other invalidates it.
 int ginsenv(const char *name, const char *value, env_entry *entry);
 
 // Puts a value into the process environment; null is the empty text. The new text stays with the
-// environment. Returns 0, -2, or -7 for a null name.
+// environment. Returns 0, err_env_no_memory or err_env_null_name.
 int gfeputenv(const char *name, const char *value);
 int gputenv(const char *name, const char *value); // the same
 

@@ -31,14 +31,13 @@ int CheckExistingGlsEnv(const GlsEnvLocale *request, GlsEnv **out);
 
 // Makes an environment for `request` (null: from the variables alone) and appends it to the list.
 // init    non-zero: InitGlsEnv at once; a failure leaves the list and the current environment as
-// they
-//         were and is returned as a 16-bit value. What the record held of settings, and the raised
-//         count of environments, stay behind then.
-// Returns 0, or -406 without memory.
+//         they were and is returned as a 16-bit value. The texts of the record's settings stay
+//         allocated then, and the count of environments stays raised.
+// Returns 0, or err_no_block without memory.
 int CreateGlsEnv(const GlsEnvLocale *request, GlsEnv **out, int init);
 
 // Makes `env` current and starts it. On failure the environment before it is current again, with a
-// CLIENT_LOCALE of its own, and the error of the start is returned (-2: no memory for that text).
+// CLIENT_LOCALE of its own, and the error of the start is returned (err_env_no_memory: no memory for that text).
 int InitGlsEnv(GlsEnv *env);
 
 // The entry for a connection: reuses a matching environment or makes one, and makes it current.

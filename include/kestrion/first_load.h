@@ -5,7 +5,7 @@
 // ENVIGNORE in the process environment, names with ":" between them, keeps lines out of both files;
 // it does not touch the environment's own variables.
 //
-// Results of type int are 0 or one of the env_error values of <kestrion/env_registry.h>.
+// Results of type int are 0 or one of the err_env_ numbers of <kestrion/error_numbers.h>.
 
 #pragma once
 
@@ -22,9 +22,9 @@ extern "C" {
 
 // Loads the registry, once: defaults, the program's own variables, both files, and, where DBNLS
 // asks for it, the locale variables. What was loaded before a failure stays.
-// Returns 0; -2 without memory, home directory or control block; -4 when the user's file ended at a
-//         value over its limit or with an unknown name on its last line, also a program's own row
-//         whose default is over its limit.
+// Returns 0; err_env_no_memory without memory, home directory or control block; err_env_value_size
+//         when the user's file ended at a value over its limit or with an unknown name on its last
+//         line, and for a program's own row whose default is over its limit.
 // Ends the process with status 1 when there is no memory for the built-in defaults.
 int greadenv(void);
 
@@ -38,8 +38,8 @@ int gnlsenv(uint32_t flags, uint32_t bit, const char *name, const char *lang);
 // Stores the first 64 characters of the user's home directory in `path`, which has home_path_size
 // bytes. The user is the one who logged in, else the owner of the process: a root shell can stand
 // for another account.
-// Returns 0; -3 for a user without an account record, -4 for one whose directory is empty; gerrno
-//         is set to the same.
+// Returns 0; err_env_no_user for a user without an account record, err_env_value_size for one whose
+//         directory is empty; gerrno is set to the same.
 int ggethomepath(char *path);
 
 #ifdef __cplusplus

@@ -71,7 +71,7 @@ void genfill(gentcb *block);
 // Returns the block, making it at first use with `gen_err` 0; null when there is no memory.
 gentcb *CheckGenInit(void);
 
-// The error word, or -406 when there is no block to be had.
+// The error word, or err_no_block without a block.
 int32_t getgenerr(void);
 
 // Whether the database told its version: gset_dbver notes it, gget_dbver answers 1 or 0.
@@ -84,12 +84,13 @@ int32_t qvtGEN_getFloatType(void);
 
 void gen_setansidb(int32_t on);
 
-// The error word of the locale environment. Both yield -406 when there is no block;
-// set_glserror returns `code` else.
+// The error word of the locale environment. Both yield err_no_block without a block;
+// otherwise set_glserror returns `code`.
 int32_t get_glserror(void);
 int32_t set_glserror(int32_t code);
 
-// The conversion error of the value layer; -406 when there is no block. set_toerrno returns `code`.
+// The conversion error of the value layer. Both yield err_no_block without a block; otherwise
+// set_toerrno returns `code`.
 int32_t get_toerrno(void);
 int32_t set_toerrno(int32_t code);
 

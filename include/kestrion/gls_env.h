@@ -170,7 +170,7 @@ void SetGlsEnv(GlsEnv *env);
 
 // Stores a copy of `text` as setting `which` of `state`, replacing the old one; null clears it and
 // its bit in `defaulted`.
-// Returns 0, or -2 without memory, with the old value kept.
+// Returns 0, or err_env_no_memory with the old value kept.
 int gls_set_setting(new_gls_env_rec *state, enum gls_setting which, const char *text);
 
 #ifdef __cplusplus

@@ -1,9 +1,9 @@
 // The language settings of the current database: three text slots beside the registry, which a
 // connection sets to what the database was made with and resets to the client's own settings.
 //
-// A value that does not fit its slot is refused with -4 and the slot keeps what it held. A null
-// value and a variable without a value are the empty text. Results of type int are 0 or an error
-// value.
+// A value that does not fit its slot is refused with err_env_value_size and the slot keeps what it held.
+// A null value and a variable without a value are the empty text. Results of type int are 0 or one of
+// the numbers of <kestrion/error_numbers.h>.
 
 #pragma once
 
@@ -37,8 +37,8 @@ int OS_IsDbEnvSet(void);
 // Returns 0 or the first error, which ends it.
 int OS_resetlang(int apply);
 
-// Sets the collation of the process's own locale. Returns 0, or -7206 when the system refuses the
-// name.
+// Sets the collation of the process's own locale. Returns 0, or err_process_locale when the system
+// refuses the name.
 int _osetcollate(const char *locale_name);
 
 #ifdef __cplusplus

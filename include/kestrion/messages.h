@@ -134,7 +134,7 @@ char *rmsgfname_gls(const char *leaf, const char *locale);
 int32_t rmkmsgleafname(int32_t number, char *name);
 
 // Uses the file `path` for all messages from now on; null ends that.
-// Returns 0, or -406 without memory, nothing being changed.
+// Returns 0, or err_no_block without memory, nothing being changed.
 int32_t _setmsgfile(const char *path);
 
 // Forgets the open catalogue and the user's message directory; both are settled afresh.
@@ -147,7 +147,8 @@ int32_t gen_resetMessageFindFile(const char *kind);
 // -- Formats -----------------------------------------------------------------------------------
 
 // Turns the stored form of 64-bit format directives into this platform's, in place. They are the
-// same here, so the text comes back as it is. A null text gives null and -406 in *error.
+// same here, so the text comes back as it is. A null text gives null and
+// err_no_block in *error.
 char *rldmsg_fmtspecxtf(char *format, int32_t *error);
 
 #ifdef __cplusplus

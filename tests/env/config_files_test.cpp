@@ -1,6 +1,7 @@
 #include "environment.h"
 #include <kestrion/config_files.h>
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/first_load.h>
 
 #include <fcntl.h>
@@ -62,15 +63,15 @@ TEST_F(ConfigFile, LinesAreTakenByteByByte) {
         {"# \xFF\nW2 two\n", 0, nullptr, "two"}, // in a comment it is dropped
         // an unknown name goes unnoticed but on the last line
         {"NOT_KNOWN a\nW1 one\n", 0, "one", nullptr},
-        {"W1 one\nNOT_KNOWN a\n", ENV_TOO_LONG, "one", nullptr},
-        {"W1 one\nNOT_KNOWN a\n# the\n\n# end\n", ENV_TOO_LONG, "one", nullptr},
-        {"W1 one\nNOT_KNOWN a\nW2 lost", ENV_TOO_LONG, "one", nullptr},
-        {"W1 one\n W2 two\n", ENV_TOO_LONG, "one", nullptr},
+        {"W1 one\nNOT_KNOWN a\n", err_env_value_size, "one", nullptr},
+        {"W1 one\nNOT_KNOWN a\n# the\n\n# end\n", err_env_value_size, "one", nullptr},
+        {"W1 one\nNOT_KNOWN a\nW2 lost", err_env_value_size, "one", nullptr},
+        {"W1 one\n W2 two\n", err_env_value_size, "one", nullptr},
         {"NOT_KNOWN a\nLANG\n", 0, nullptr, nullptr}, // a language name without a value is a line
         // a value over its limit ends the reading
         {"W1 one\nKESTRIONSERVER " + std::string(128, 's') + "\nW2 two\n", 0, "one", "two"},
-        {"W1 one\nKESTRIONSERVER " + std::string(129, 's') + "\nW2 two\n", ENV_TOO_LONG, "one",
-         nullptr},
+        {"W1 one\nKESTRIONSERVER " + std::string(129, 's') + "\nW2 two\n", err_env_value_size,
+         "one", nullptr},
     };
     for (const auto &row : rows) {
         gFreeEVars();
@@ -127,7 +128,7 @@ TEST_F(ConfigFile, IgnoredNamesAreSkippedAndAreNoLastLine) {
 TEST_F(ConfigFile, CountsTheLinesItReads) {
     EXPECT_EQ(
         load("# one\n\nW1 three\n\n# five\nKESTRIONSERVER " + std::string(200, 's') + "\nW2\n"),
-        ENV_TOO_LONG);
+        err_env_value_size);
     EXPECT_EQ(line, 6U);
 }
 

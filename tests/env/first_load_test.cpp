@@ -1,6 +1,7 @@
 #include "environment.h"
 #include <kestrion/config_files.h>
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/first_load.h>
 #include <kestrion/os_control.h>
 
@@ -42,7 +43,7 @@ TEST_F(FirstLoad, IsEnteredAgainByTheStartOfTheLocale) {
     gFreeEVars();
     start = locale_start::looks_up_and_fails;
     EXPECT_EQ(ggetenv("W1"), nullptr);
-    EXPECT_EQ(gerrno, ENV_NO_MEMORY); // not what the inner lookup left
+    EXPECT_EQ(gerrno, err_env_no_memory); // not what the inner lookup left
     EXPECT_STREQ(ggetenv("W1"), "one");
 }
 
@@ -117,15 +118,15 @@ TEST_F(FirstLoad, HomePathIsCutAt64Characters) {
 // The lookup that loads fails, and says why; what is loaded by then answers the next one.
 TEST_F(FirstLoad, WithoutAHomeFailsOnce) {
     write_system_file("DBPATH system\nDBNLS 1\n");
-    for (const int reason : {ENV_NO_USER, ENV_TOO_LONG}) {
+    for (const int reason : {err_env_no_user, err_env_value_size}) {
         gFreeEVars();
-        test_account = {.owner_home = "", .exists = reason != ENV_NO_USER};
+        test_account = {.owner_home = "", .exists = reason != err_env_no_user};
         EXPECT_EQ(ggetenv("DBPATH"), nullptr);
         EXPECT_EQ(gerrno, reason);
         EXPECT_STREQ(ggetenv("DBPATH"), "system");
         EXPECT_EQ(stored("LC_TIME"), nullptr); // the locale variables were not reached
         gFreeEVars();
-        EXPECT_EQ(greadenv(), ENV_NO_MEMORY);
+        EXPECT_EQ(greadenv(), err_env_no_memory);
     }
 }
 
@@ -142,7 +143,7 @@ TEST_F(FirstLoad, UsersFileThatFailsMakesTheFirstLookupNull) {
         gFreeEVars();
         write_user_file(bytes);
         EXPECT_EQ(ggetenv("W2"), nullptr);
-        EXPECT_EQ(gerrno, ENV_TOO_LONG);
+        EXPECT_EQ(gerrno, err_env_value_size);
         EXPECT_STREQ(ggetenv("W2"), "kept");
         EXPECT_EQ(gerrno, 0);
     }

@@ -1,5 +1,6 @@
 #include "environment.h"
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/language_slots.h>
 
 #include <locale.h>
@@ -57,21 +58,21 @@ TEST_F(LanguageSlots, SettingPutsTheLocaleIntoForce) {
 
 TEST_F(LanguageSlots, WhatDoesNotFitIsRefusedBeforeAnythingChanges) {
     EXPECT_EQ(OS_setlang("DBNLS", "12345"), 0);
-    EXPECT_EQ(OS_setlang("DBNLS", "123456"), ENV_TOO_LONG);
+    EXPECT_EQ(OS_setlang("DBNLS", "123456"), err_env_value_size);
     EXPECT_STREQ(Kes_DBVars.dbnls, "12345");
     OS_setlang("LC_CTYPE", "C");
     const std::string long_value(65, 'x');
-    EXPECT_EQ(OS_setlang("LC_CTYPE", long_value.c_str()), ENV_TOO_LONG);
+    EXPECT_EQ(OS_setlang("LC_CTYPE", long_value.c_str()), err_env_value_size);
     EXPECT_STREQ(Kes_DBVars.lc_ctype, "C");
-    EXPECT_EQ(OS_setlang("LC_COLLATE", long_value.c_str()), ENV_TOO_LONG);
+    EXPECT_EQ(OS_setlang("LC_COLLATE", long_value.c_str()), err_env_value_size);
     EXPECT_EQ(OS_setlang("LC_CTYPE", long_value.c_str() + 1), locale_refused); // 64 fit
 
     setenv("DBNLS", "123456", 1);
-    EXPECT_EQ(OS_resetlang(0), ENV_TOO_LONG);
+    EXPECT_EQ(OS_resetlang(0), err_env_value_size);
     EXPECT_STREQ(Kes_DBVars.dbnls, "12345");
     unsetenv("DBNLS");
     setenv("LC_COLLATE", long_value.c_str(), 1);
-    EXPECT_EQ(OS_resetlang(1), ENV_TOO_LONG);
+    EXPECT_EQ(OS_resetlang(1), err_env_value_size);
 }
 
 TEST_F(LanguageSlots, ResetWithoutApplyingOnlyLoads) {

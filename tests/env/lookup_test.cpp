@@ -1,6 +1,7 @@
 #include "env/variable_table.h"
 #include "environment.h"
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/gls_env.h>
 
 #include <stdlib.h>
@@ -55,23 +56,23 @@ TEST_F(Lookup, ValueOverItsLimitCountsAsNotSet) {
     setenv("KESTRIONDIR", (fits + "d").c_str(), 1);
     for (const int32_t index : {-1, kestriondir}) {
         EXPECT_STREQ(idx_ggetenv("KESTRIONDIR", index), "/usr/kestrion");
-        EXPECT_EQ(gerrno, ENV_TOO_LONG);
+        EXPECT_EQ(gerrno, err_env_value_size);
         EXPECT_EQ(idx_getenv("KESTRIONDIR", index), nullptr);
-        EXPECT_EQ(gerrno, ENV_TOO_LONG);
+        EXPECT_EQ(gerrno, err_env_value_size);
     }
     ginsenv("KESTRIONDIR", "/configured", nullptr);
     EXPECT_STREQ(ggetenv("KESTRIONDIR"), "/configured");
 
     setenv("KESTRIONSERVER", std::string(129, 's').c_str(), 1);
     EXPECT_EQ(ggetenv("KESTRIONSERVER"), nullptr);
-    EXPECT_EQ(gerrno, ENV_TOO_LONG); // known but without a value: the reason stays
+    EXPECT_EQ(gerrno, err_env_value_size); // known but without a value: the reason stays
     setenv("W1", std::string(100000, 'w').c_str(), 1);
     EXPECT_EQ(strlen(ggetenv("W1")), 100000U);
 }
 
 TEST_F(Lookup, NamesOutsideTheTableComeFromTheEnvironmentAlone) {
     EXPECT_EQ(ggetenv("NOT_KNOWN"), nullptr);
-    EXPECT_EQ(gerrno, ENV_UNKNOWN_VARIABLE);
+    EXPECT_EQ(gerrno, err_env_unknown_name);
     const std::string value(5000, 'v');
     setenv("NOT_KNOWN", value.c_str(), 1);
     EXPECT_EQ(ggetenv("NOT_KNOWN"), value);
@@ -82,14 +83,14 @@ TEST_F(Lookup, NamesOutsideTheTableComeFromTheEnvironmentAlone) {
 
 TEST_F(Lookup, NullNameIsRefused) {
     EXPECT_EQ(ggetenv(nullptr), nullptr);
-    EXPECT_EQ(gerrno, ENV_NULL_NAME);
+    EXPECT_EQ(gerrno, err_env_null_name);
     EXPECT_EQ(Kes_EVars, nullptr); // nothing was loaded for it
     gerrno = 0;
     EXPECT_EQ(idx_getenv(nullptr, kestriondir), nullptr);
-    EXPECT_EQ(gerrno, ENV_NULL_NAME);
+    EXPECT_EQ(gerrno, err_env_null_name);
     EXPECT_EQ(ggetglsenv(nullptr), nullptr);
-    EXPECT_EQ(ginsenv(nullptr, "x", nullptr), ENV_NULL_NAME);
-    EXPECT_EQ(gfeputenv(nullptr, "x"), ENV_NULL_NAME);
+    EXPECT_EQ(ginsenv(nullptr, "x", nullptr), err_env_null_name);
+    EXPECT_EQ(gfeputenv(nullptr, "x"), err_env_null_name);
     const char *text = nullptr;
     EXPECT_EQ(gdefenv(nullptr, &text), -1);
 }
@@ -99,12 +100,12 @@ TEST_F(Lookup, NullNameIsRefused) {
 TEST_F(Lookup, IndexIsBelievedWithoutALookAtTheName) {
     setenv("W1", std::string(129, 'w').c_str(), 1);
     EXPECT_EQ(idx_getenv("W1", kestrionserver), nullptr);
-    EXPECT_EQ(gerrno, ENV_TOO_LONG);
+    EXPECT_EQ(gerrno, err_env_value_size);
     EXPECT_STREQ(idx_ggetenv("TREE", dbpath), ".");
 
     for (const int32_t index : {-2, int32_t{Num_DVals}, INT32_MAX, INT32_MIN}) {
         EXPECT_EQ(idx_ggetenv("DBTEMP", index), nullptr) << index;
-        EXPECT_EQ(gerrno, ENV_UNKNOWN_VARIABLE) << index;
+        EXPECT_EQ(gerrno, err_env_unknown_name) << index;
         EXPECT_EQ(strlen(idx_ggetenv("W1", index)), 129U) << index; // the row is searched by name
     }
 }

@@ -2,6 +2,7 @@
 #include "support/failing_malloc.h"
 #include <kestrion/config_files.h>
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/first_load.h>
 
 #include <fcntl.h>
@@ -64,7 +65,7 @@ TEST_F(Memory, NoneAtAnyLaterPointFailsTheLoadAndKeepsWhatThereIs) {
             EXPECT_EQ(status, 0);
             break;
         }
-        EXPECT_EQ(status, ENV_NO_MEMORY) << nth;
+        EXPECT_EQ(status, err_env_no_memory) << nth;
         EXPECT_STREQ(ggetenv("DBTEMP"), "/tmp") << nth;
         gFreeEVars();
         ASSERT_EQ(refused.live(), 0) << nth;
@@ -77,7 +78,7 @@ TEST_F(Memory, NoneForTheListOfIgnoredNamesLeavesTheRegistryUnloaded) {
     for (const size_t nth : {1u, 2u}) {
         const failing_malloc::scope refused(nth);
         EXPECT_EQ(ggetenv("DBTEMP"), nullptr);
-        EXPECT_EQ(gerrno, ENV_NO_MEMORY);
+        EXPECT_EQ(gerrno, err_env_no_memory);
         EXPECT_EQ(Kes_EVars, nullptr);
     }
     EXPECT_STREQ(ggetenv("DBTEMP"), "/tmp");
@@ -89,7 +90,7 @@ TEST_F(Memory, NoneForANewValueKeepsTheOld) {
     for (const char *old : {"old", ""}) {
         ginsenv("W1", old, nullptr);
         const failing_malloc::scope refused(1);
-        EXPECT_EQ(ginsenv("W1", "new", nullptr), ENV_NO_MEMORY);
+        EXPECT_EQ(ginsenv("W1", "new", nullptr), err_env_no_memory);
         EXPECT_STREQ(ggetenv("W1"), *old != '\0' ? old : nullptr);
     }
 }
@@ -97,7 +98,7 @@ TEST_F(Memory, NoneForANewValueKeepsTheOld) {
 TEST_F(Memory, NoneForTheEnvironmentFreesTheText) {
     for (const size_t nth : {1u, 2u}) {
         const failing_malloc::scope refused(nth);
-        EXPECT_EQ(gfeputenv("W1", "value"), ENV_NO_MEMORY);
+        EXPECT_EQ(gfeputenv("W1", "value"), err_env_no_memory);
         EXPECT_TRUE(refused.happened());
         EXPECT_EQ(getenv("W1"), nullptr);
         EXPECT_EQ(refused.live(), 0);
@@ -112,7 +113,7 @@ TEST_F(Memory, NoneForALongLineLeavesABufferToFree) {
     uint32_t line = 0;
     {
         const failing_malloc::scope refused(2);
-        EXPECT_EQ(_ggetcfline(descriptor, &buffer, &size, &line), ENV_NO_MEMORY);
+        EXPECT_EQ(_ggetcfline(descriptor, &buffer, &size, &line), err_env_no_memory);
     }
     EXPECT_EQ(size, 0U);
     free(buffer);

@@ -1,5 +1,6 @@
 #include "environment.h"
 #include <kestrion/env_registry.h>
+#include <kestrion/error_numbers.h>
 #include <kestrion/first_load.h>
 
 #include <stdlib.h>
@@ -56,14 +57,15 @@ TEST_F(Store, NullAndEmptyAreTwoThings) {
 
 TEST_F(Store, RefusesLongValuesAndUnknownNames) {
     EXPECT_EQ(ginsenv("KESTRIONSERVER", std::string(128, 'a').c_str(), nullptr), 0);
-    EXPECT_EQ(ginsenv("KESTRIONSERVER", std::string(129, 'b').c_str(), nullptr), ENV_TOO_LONG);
+    EXPECT_EQ(ginsenv("KESTRIONSERVER", std::string(129, 'b').c_str(), nullptr),
+              err_env_value_size);
     EXPECT_EQ(live("KESTRIONSERVER")->value, std::string(128, 'a'));
-    EXPECT_EQ(ginsenv("NOT_KNOWN", "x", nullptr), ENV_UNKNOWN_VARIABLE);
-    EXPECT_EQ(ginsenv("", "x", nullptr), ENV_UNKNOWN_VARIABLE);
+    EXPECT_EQ(ginsenv("NOT_KNOWN", "x", nullptr), err_env_unknown_name);
+    EXPECT_EQ(ginsenv("", "x", nullptr), err_env_unknown_name);
     EXPECT_EQ(ginsenv("W1", "given entry wins", live("W2")), 0);
     EXPECT_STREQ(live("W2")->value, "given entry wins");
     gFreeEVars();
-    EXPECT_EQ(ginsenv("W1", "x", nullptr), ENV_UNKNOWN_VARIABLE);
+    EXPECT_EQ(ginsenv("W1", "x", nullptr), err_env_unknown_name);
 }
 
 TEST_F(Store, PutsIntoTheProcessEnvironment) {
@@ -93,7 +95,7 @@ TEST_F(Store, ProgramsOwnVariablesStandBehindTheBuiltInOnes) {
     EXPECT_STREQ(idx_getdefault("MY_SWITCH", 344), nullptr); // entries of index -1 go by name
     EXPECT_STREQ(idx_getdefault("MY_OWN", 347), "its default");
 
-    EXPECT_EQ(ginsenv("MY_OWN", std::string(21, 'x').c_str(), nullptr), ENV_TOO_LONG);
+    EXPECT_EQ(ginsenv("MY_OWN", std::string(21, 'x').c_str(), nullptr), err_env_value_size);
     setenv("MY_OWN", std::string(21, 'x').c_str(), 1);
     EXPECT_EQ(ggetenv("MY_OWN"),
               std::string(21, 'x')); // its limit does not hold for the environment
@@ -108,7 +110,7 @@ TEST_F(Store, OwnDefaultOverItsOwnLimitFailsTheLoad) {
     gFreeEVars();
     gsetudenv(own);
     EXPECT_EQ(ggetenv("GOOD"), nullptr);
-    EXPECT_EQ(gerrno, ENV_TOO_LONG);
+    EXPECT_EQ(gerrno, err_env_value_size);
     EXPECT_STREQ(ggetenv("GOOD"), "fine");
 }
 

@@ -376,7 +376,7 @@ TEST(Startup, EightBitValuesAreConverted) {
 
     setenv("KESTRIONSERVER", (std::string(127, 's') + "\xe4").c_str(), 1);
     EXPECT_EQ(ggetenv("KESTRIONSERVER"), nullptr) << "129 bytes once converted";
-    EXPECT_EQ(gerrno, ENV_TOO_LONG);
+    EXPECT_EQ(gerrno, err_env_value_size);
 }
 
 TEST(Startup, AParkedLocaleComesBack) {
