@@ -1,11 +1,11 @@
 #include <kestrion/byte_blocks.h>
 
+#include "base/sign.h"
+
 #include <algorithm>
 #include <string.h>
 
 namespace {
-
-int sign(int difference) { return (difference > 0) - (difference < 0); }
 
 // Where a block goes whose first byte beyond the shorter block's blanks is `byte`. The comparison
 // is by signed bytes, so that the high half sorts with the control characters.
@@ -42,7 +42,7 @@ void byfill(void *block, ptrdiff_t count, int byte) {
 }
 
 int bycmpr(const void *a, const void *b, ptrdiff_t count) {
-    return count > 0 ? sign(memcmp(a, b, static_cast<size_t>(count))) : 0;
+    return count > 0 ? kestrion::sign(memcmp(a, b, static_cast<size_t>(count))) : 0;
 }
 
 int charcmp(const void *a, ptrdiff_t a_length, const void *b, ptrdiff_t b_length) {

@@ -1,4 +1,4 @@
-// New texts from malloc.
+// New texts.
 
 #pragma once
 
@@ -7,7 +7,15 @@
 
 namespace kestrion {
 
-// Returns the parts, one behind the other, as a new text that the caller owns; null without memory.
+// Returns a copy of `text` in a block of `allocate`, or null without memory.
+template <class Allocate> char *copied_text(const char *text, Allocate allocate) {
+    const size_t size = strlen(text) + 1;
+    void *const copy = allocate(size);
+    return copy != nullptr ? static_cast<char *>(memcpy(copy, text, size)) : nullptr;
+}
+
+// Returns the parts, one after the other, as a new text from malloc that the caller owns; null without
+// memory.
 inline char *joined_text(const char *first, const char *second = "", const char *third = "") {
     const size_t lengths[] = {strlen(first), strlen(second), strlen(third)};
     auto *text = static_cast<char *>(malloc(lengths[0] + lengths[1] + lengths[2] + 1));

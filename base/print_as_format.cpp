@@ -1,5 +1,7 @@
 #include "base/print_as_format.h"
 
+#include "base/ascii_class.h"
+
 #include <algorithm>
 #include <charconv>
 #include <string.h>
@@ -57,12 +59,10 @@ struct directive {
     size_t precision;
 };
 
-bool is_digit(char c) { return c >= '0' && c <= '9'; }
-
 // Reads digits at *at; returns format_width_limit for a number that reaches it.
 size_t read_number(const char **at) {
     size_t number = 0;
-    for (; is_digit(**at); ++*at)
+    for (; is_ascii_digit(**at); ++*at)
         number =
             std::min<size_t>(number * 10 + static_cast<size_t>(**at - '0'), format_width_limit);
     return number;

@@ -1,5 +1,6 @@
 #include <kestrion/strings.h>
 
+#include "base/sign.h"
 #include <kestrion/byte_blocks.h>
 #include <kestrion/character_tables.h>
 
@@ -7,8 +8,6 @@
 #include <string.h>
 
 namespace {
-
-int sign(int difference) { return (difference > 0) - (difference < 0); }
 
 bool ends_word(char c) { return c == ' ' || c == '\0'; }
 
@@ -28,14 +27,14 @@ void stncopy(const char *source, char *destination, ptrdiff_t size) {
     destination[length] = '\0';
 }
 
-int stcmpr(const char *a, const char *b) { return sign(strcmp(a, b)); }
+int stcmpr(const char *a, const char *b) { return kestrion::sign(strcmp(a, b)); }
 
 int stcmpri(const char *a, const char *b) {
     while (lower(*a) == lower(*b) && *a != '\0') {
         ++a;
         ++b;
     }
-    return sign(lower(*a) - lower(*b));
+    return kestrion::sign(lower(*a) - lower(*b));
 }
 
 ptrdiff_t stleng(const char *text) { return static_cast<ptrdiff_t>(strlen(text)); }

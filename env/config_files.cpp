@@ -127,7 +127,7 @@ int store_line(const char *name, const char *value, const env_name_list *ignore,
         return 0;
     const int status = ginsenv(name, value, nullptr);
     if (status == 0 && language != nullptr &&
-        (language->flag != LANGUAGE_DBNLS || kestrion::turns_language_on(value)))
+        (language->flag != LANGUAGE_DBNLS || kestrion::language_mode(value) != 0))
         *flags |= language->flag;
     return status;
 }
@@ -150,14 +150,6 @@ int load_lines(int descriptor, char **buffer, size_t size, const env_name_list *
 }
 
 } // namespace
-
-namespace kestrion {
-
-bool turns_language_on(const char *dbnls) {
-    return dbnls != nullptr && (stcmpr(dbnls, "1") == 0 || stcmpr(dbnls, "2") == 0);
-}
-
-} // namespace kestrion
 
 int _ggetcfline(int descriptor, char **buffer, size_t *size, uint32_t *line) {
     byte_source source{.descriptor = descriptor, .step = 1}; // the rest stays in the descriptor

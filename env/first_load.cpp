@@ -1,5 +1,7 @@
 #include <kestrion/first_load.h>
 
+#include "base/default_locale.h"
+#include "base/installation.h"
 #include "base/owned_text.h"
 #include "env/language_setting.h"
 #include "env/variable_table.h"
@@ -14,8 +16,6 @@
 #include <unistd.h>
 
 namespace {
-
-constexpr const char *fallback_locale = "en_US.819";
 
 // Appends an entry for a row to the registry, which has room for it.
 int add_entry(const env_variable &row, int32_t index) {
@@ -78,8 +78,8 @@ int add_ignored_names(env_name_list *ignore) {
 
 int read_system_file(const env_name_list *ignore, uint32_t *flags) {
     const char *directory = getenv("KESTRIONDIR");
-    char *path = kestrion::joined_text(directory == nullptr ? "/usr/kestrion" : directory,
-                                       "/etc/kestrion.rc");
+    char *path = kestrion::joined_text(
+        directory == nullptr ? kestrion::built_in_directory : directory, "/etc/kestrion.rc");
     if (path == nullptr)
         return err_env_no_memory;
     uint32_t line = 0;
@@ -131,7 +131,7 @@ int read_settings(const env_name_list *ignore) {
         status = read_user_file(ignore, &flags);
     if (status != 0 && status != err_env_value_size)
         return err_env_no_memory;
-    if (kestrion::turns_language_on(getenv("DBNLS")))
+    if (kestrion::language_mode(getenv("DBNLS")) != 0)
         flags |= LANGUAGE_DBNLS;
     if ((flags & LANGUAGE_DBNLS) != 0)
         status = settle_locale_variables(flags);
@@ -171,7 +171,8 @@ int gnlsenv(uint32_t flags, uint32_t bit, const char *name, const char *lang) {
             return present == nullptr ? 0 : gfeputenv(name, from_file);
     }
     // A variable that is set in the environment is shadowed here too: its own value wins at lookup.
-    const char *value = lang == nullptr || *lang == '\0' ? fallback_locale : lang;
+    const char *value =
+        lang == nullptr || *lang == '\0' ? kestrion::default_locale_by_number : lang;
     const int status = ginsenv(name, value, nullptr);
     if (status != 0 || present == nullptr || has_value)
         return status;

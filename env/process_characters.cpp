@@ -1,11 +1,11 @@
 #include <kestrion/process_characters.h>
 
+#include "env/language_setting.h"
 #include <kestrion/character_tables.h>
 #include <kestrion/env_registry.h>
 #include <kestrion/error_numbers.h>
 
 #include <locale.h>
-#include <string.h>
 
 namespace {
 
@@ -23,8 +23,7 @@ int rldctype(void) {
     if (set_up)
         return 0;
     set_up = true;
-    const char *dbnls = ggetenv("DBNLS");
-    if (dbnls == nullptr || (strcmp(dbnls, "1") != 0 && strcmp(dbnls, "2") != 0))
+    if (kestrion::language_mode(ggetenv("DBNLS")) == 0)
         return rld8bitarr();
     return rldnlsctype("") == 0 ? 0 : -1;
 }

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include "base/installation.h"
 #include <kestrion/variable_table.h>
 
 #include <iterator>

@@ -1,5 +1,6 @@
 #include "isi/error_stack.h"
 
+#include "base/owned_text.h"
 #include "isi/line_output.h"
 
 #include <stdarg.h>
@@ -87,14 +88,6 @@ void drop_text(const err_context &context, isi_err_stack *stack) {
     stack->text = nullptr;
 }
 
-char *copy_text(const err_context &context, const char *text) {
-    if (text == nullptr)
-        return nullptr;
-    size_t size = strlen(text) + 1;
-    void *copy = context.globals->allocate(size);
-    return copy != nullptr ? static_cast<char *>(memcpy(copy, text, size)) : nullptr;
-}
-
 __attribute__((format(printf, 2, 3))) void log_line(const err_context &context, const char *format,
                                                     ...) {
     va_list args;
@@ -125,7 +118,7 @@ void push_err_item(const err_context &context, isi_err_stack *stack, int32_t kin
         return;
     *item = {.kind = kind,
              .code = code,
-             .text = copy_text(context, text),
+             .text = text != nullptr ? copied_text(text, context.globals->allocate) : nullptr,
              .next = nullptr,
              .previous = stack->last};
     if (stack->last != nullptr)

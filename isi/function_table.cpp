@@ -1,5 +1,7 @@
 #include "isi/diagnostics.h"
 
+#include "base/ascii_class.h"
+
 #include <iterator>
 
 constinit struct isi_functab_row isi_functab[ISI_FUNCTION_COUNT] = {
@@ -28,12 +30,10 @@ constexpr const char *symbols[] = {
 #undef ISI_OPAQUE
 };
 
-constexpr char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 constexpr bool upper_names_match() {
     for (size_t row = 0; row < std::size(symbols); ++row)
         for (size_t i = 0; upper_names[row][i] != '\0' || symbols[row][i] != '\0'; ++i)
-            if (upper(symbols[row][i]) != upper_names[row][i])
+            if (kestrion::ascii_upper(symbols[row][i]) != upper_names[row][i])
                 return false;
     return true;
 }

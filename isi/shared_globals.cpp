@@ -1,3 +1,4 @@
+#include "base/owned_text.h"
 #include "isi/diagnostics.h"
 
 #include <stdlib.h>
@@ -34,11 +35,9 @@ int isi_setstr(char **slot, const char *text) {
         return 0;
     char *copy = nullptr;
     if (text != nullptr) {
-        size_t size = strlen(text) + 1;
-        copy = static_cast<char *>(isi_malloc(size));
+        copy = kestrion::copied_text(text, isi_malloc);
         if (copy == nullptr)
             return 2;
-        memcpy(copy, text, size);
     }
     isi_free(*slot);
     *slot = copy;

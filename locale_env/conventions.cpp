@@ -29,7 +29,7 @@ void rmoninit(void) {
     const GlsEnv *env = CheckGlsEnv();
     new_gls_env_rec &state = *env->state;
     state.mon_front[0] = state.mon_back[0] = '\0';
-    if (const char *given = idx_ggetenv("DBMONEY", -1); given != nullptr) {
+    if (const char *given = ggetenv("DBMONEY"); given != nullptr) {
         const size_t front = strcspn(given, ".,");
         take_symbol(state.mon_front, given, front);
         if (given[front] != '\0')

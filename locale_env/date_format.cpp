@@ -1,5 +1,6 @@
 #include <kestrion/date_format.h>
 
+#include "base/ascii_class.h"
 #include <kestrion/cached_names.h>
 #include <kestrion/categories.h>
 #include <kestrion/env_registry.h>
@@ -45,8 +46,6 @@ const era_row *find_era(char first, char second) {
     return nullptr;
 }
 
-char upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 // The parts of a DBDATE text while it is read.
 struct dbdate_reader {
     const char *at;
@@ -59,7 +58,7 @@ struct dbdate_reader {
     bool year_digits() {
         if (*at >= '2' && *at <= '4') {
             digits = *at++ - '0';
-        } else if (upper(*at) == 'Y') {
+        } else if (kestrion::ascii_upper(*at) == 'Y') {
             digits = 2;
             ++at;
         } else if (era != nullptr) {
@@ -71,7 +70,7 @@ struct dbdate_reader {
     }
 
     bool field() {
-        const char letter = upper(*at++);
+        const char letter = kestrion::ascii_upper(*at++);
         int32_t kind = letter == 'D'   ? gls_date_day
                        : letter == 'M' ? gls_date_month
                        : letter == 'Y' ? gls_date_year
@@ -101,7 +100,7 @@ struct dbdate_reader {
     bool suffix() {
         bool of_century = false;
         if (*at != '\0') {
-            era = find_era(upper(at[0]), at[1]);
+            era = find_era(kestrion::ascii_upper(at[0]), at[1]);
             if (at[1] == '\0' || era == nullptr || at[2] != '\0')
                 return false;
             of_century = era->first == 'C';
@@ -225,9 +224,9 @@ int parse_dbdate(const char *text, dbdate_format *out) {
 int nogetenv_getglsfmt(void *, void *, char *buffer, int) {
     GlsEnv *env = CheckGlsEnv();
     destination to{*env->state, buffer};
-    if (const char *dbdate = idx_ggetenv("DBDATE", -1); dbdate != nullptr)
+    if (const char *dbdate = ggetenv("DBDATE"); dbdate != nullptr)
         return take_dbdate(to, dbdate);
-    if (const char *gl_date = idx_ggetenv("GL_DATE", -1); gl_date != nullptr) {
+    if (const char *gl_date = ggetenv("GL_DATE"); gl_date != nullptr) {
         const int result = to.take(gl_date, 0);
         return result != 0 ? result : follow_setting(to.state, GLS_GL_DATE, to.state.date_fmt);
     }

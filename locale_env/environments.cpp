@@ -1,5 +1,6 @@
 #include <kestrion/environments.h>
 
+#include "base/default_locale.h"
 #include "base/owned_text.h"
 #include "locale_env/release.h"
 #include <kestrion/cached_names.h>
@@ -100,7 +101,7 @@ int fill_settings(new_gls_env_rec *state, const GlsEnvLocale *request) {
     for (size_t i = 0; i < GLS_SETTINGS; ++i) {
         const char *value = request != nullptr ? request->settings[i] : nullptr;
         if (value == nullptr)
-            value = idx_ggetenv2(gls_setting_names[i], -1);
+            value = ggetenv2(gls_setting_names[i]);
         if (value == nullptr)
             continue;
         state->settings[i] =
@@ -174,7 +175,7 @@ GlsEnvLocale *CreateGlsEnvLocale(void) {
     if (request == nullptr)
         return nullptr;
     for (size_t i = 0; i < GLS_SETTINGS; ++i) {
-        const char *value = idx_ggetenv2(gls_setting_names[i], -1);
+        const char *value = ggetenv2(gls_setting_names[i]);
         if (value != nullptr)
             request->settings[i] = is_locale_specifier(i) ? normalised_specifier(value) : value;
     }
@@ -261,7 +262,7 @@ int InitGlsEnv(GlsEnv *env) {
     gls_env_global = noted;
     new_gls_env_rec *state = noted->state;
     if (state->settings[GLS_CLIENT_LOCALE] == nullptr) {
-        state->settings[GLS_CLIENT_LOCALE] = normalised_specifier("en_US.8859-1");
+        state->settings[GLS_CLIENT_LOCALE] = normalised_specifier(kestrion::default_locale);
         if (state->settings[GLS_CLIENT_LOCALE] == nullptr)
             return err_env_no_memory;
         state->defaulted |= 1 << GLS_CLIENT_LOCALE;

@@ -14,7 +14,7 @@ constexpr size_t name_limit = 80;
 
 int32_t *cl_ext_errno(void *ctx) { return ctx != nullptr ? static_cast<int32_t *>(ctx) : &temperr; }
 
-char *cl_ext_getenv(const char *name) { return idx_ggetenv(name, -1); }
+char *cl_ext_getenv(const char *name) { return ggetenv(name); }
 
 int cl_ext_putenv(const char *text) {
     char name[name_limit + 1];

@@ -216,7 +216,7 @@ void mk1loccat(const char *value, int slot, char *out, int convert, const char *
 
 void get_nlscat(const char *name, int slot, int strict, int *missing, const char *) {
     char *own = CheckGlsEnv()->state->lc_spec[slot];
-    const char *value = strict != 0 ? getsesenv(name) : idx_ggetenv(name, -1);
+    const char *value = ggetenv(name);
     if (value != nullptr) {
         cut_copy(value, own, gls_spec_size);
     } else if (strict != 0) {

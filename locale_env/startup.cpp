@@ -1,5 +1,7 @@
 #include <kestrion/startup.h>
 
+#include "base/default_locale.h"
+#include "env/language_setting.h"
 #include "locale_env/release.h"
 #include <kestrion/categories.h>
 #include <kestrion/char_length.h>
@@ -142,10 +144,10 @@ int load_nls_locale(start &s) {
 
 // The text recorded is the one that users write; the one loaded names the code set by its number.
 int load_default_locale(start &s) {
-    if (get_locale(&s.env->cur_lc, "en_US.819", s.is_gls) != 0)
+    if (get_locale(&s.env->cur_lc, kestrion::default_locale_by_number, s.is_gls) != 0)
         return -1;
-    fill_slots(s, "en_US.819");
-    if (gls_set_setting(&s.state, GLS_CLIENT_LOCALE, "en_US.8859-1") != 0)
+    fill_slots(s, kestrion::default_locale_by_number);
+    if (gls_set_setting(&s.state, GLS_CLIENT_LOCALE, kestrion::default_locale) != 0)
         return err_env_no_memory;
     s.state.defaulted |= 1 << GLS_CLIENT_LOCALE;
     return 0;
@@ -154,7 +156,7 @@ int load_default_locale(start &s) {
 int load_client_locale(start &s) {
     const char *client = s.state.settings[GLS_CLIENT_LOCALE];
     if (client == nullptr)
-        client = idx_ggetenv("CLIENT_LOCALE", -1);
+        client = ggetenv("CLIENT_LOCALE");
     if (client != nullptr)
         return load_given_locale(s, client);
     return s.dbnls != 0 ? load_nls_locale(s) : load_default_locale(s);
@@ -196,7 +198,7 @@ int record_categories(start &s) {
 }
 
 int settle_database_specifier(start &s, char *spec) {
-    const char *given = idx_ggetenv("DB_LOCALE", -1);
+    const char *given = ggetenv("DB_LOCALE");
     if (given != nullptr)
         return normalise_setting(s, GLS_DB_LOCALE, given, spec);
     stncopy(s.state.lc_spec[GLS_SLOT_CTYPE], spec, gls_spec_size);
@@ -224,18 +226,18 @@ int init_server() {
     GlsEnv *env = CheckGlsEnv();
     start s{env, *env->state};
     s.state.lc_flags |= 1;
-    if (get_locale(&env->cur_lc, "en_US.819", s.is_gls) != 0)
+    if (get_locale(&env->cur_lc, kestrion::default_locale_by_number, s.is_gls) != 0)
         return -1;
-    fill_slots(s, "en_US.819");
-    const char *server = idx_ggetenv("SERVER_LOCALE", -1);
+    fill_slots(s, kestrion::default_locale_by_number);
+    const char *server = ggetenv("SERVER_LOCALE");
     if (server == nullptr) {
-        const int result = ginsenv("SERVER_LOCALE", "en_US.819", nullptr);
+        const int result = ginsenv("SERVER_LOCALE", kestrion::default_locale_by_number, nullptr);
         if (result != 0)
             return result;
-        server = "en_US.819";
+        server = kestrion::default_locale_by_number;
     }
     if (get_locale(&s.state.client_lc, server, s.is_gls) != 0 ||
-        initcscdesc(nullptr, nullptr, server, "en_US.819") != 0)
+        initcscdesc(nullptr, nullptr, server, kestrion::default_locale_by_number) != 0)
         return -1;
     return initdatetime() == 0 ? 0 : -1;
 }
@@ -250,7 +252,7 @@ int init_mode(int16_t mode) {
 }
 
 void settle_file_names() {
-    const char *value = idx_ggetenv("GLS8BITFSYS", -1);
+    const char *value = ggetenv("GLS8BITFSYS");
     if (value == nullptr)
         return;
     if (strcmp(value, "1") == 0)
@@ -350,9 +352,4 @@ int getiniterr(void) {
     return stored;
 }
 
-int DBNLSset(void) {
-    const char *value = idx_ggetenv("DBNLS", -1);
-    if (value == nullptr)
-        return 0;
-    return strcmp(value, "1") == 0 ? 1 : strcmp(value, "2") == 0 ? 2 : 0;
-}
+int DBNLSset(void) { return kestrion::language_mode(ggetenv("DBNLS")); }

@@ -1,5 +1,7 @@
 #include "messages/message_paths.h"
 
+#include "base/default_locale.h"
+#include "base/installation.h"
 #include "base/owned_text.h"
 #include "env/variable_table.h"
 #include <kestrion/env_registry.h>
@@ -17,7 +19,6 @@
 
 namespace {
 
-constexpr const char *default_install_dir = "/usr/kestrion";
 constexpr size_t room_for_directories = 21; // what installation directory and leaf must leave
 constexpr size_t locale_name_limit = 260;   // a longer name is dropped
 
@@ -51,7 +52,8 @@ constexpr attempt attempts[] = {
 const char *install_dir(gentcb *block) {
     if (block->install_dir == nullptr) {
         const char *value = idx_ggetenv("KESTRIONDIR", kestrion::variable_index("KESTRIONDIR"));
-        block->install_dir = kestrion::joined_text(value != nullptr ? value : default_install_dir);
+        block->install_dir =
+            kestrion::joined_text(value != nullptr ? value : kestrion::built_in_directory);
     }
     return block->install_dir;
 }
@@ -132,7 +134,7 @@ char *rmsgfname_gls(const char *leaf, const char *locale) {
     middles[LOCALE_DIR] = locale;
     middles[LOCALE_NAME] = locale_name;
     middles[ENGLISH_NAME] = "en_us/0333";
-    middles[ENGLISH_LOCALE] = "en_US.8859-1";
+    middles[ENGLISH_LOCALE] = kestrion::default_locale;
     middles[ENGLISH_WORD] = "english";
     for (const attempt &row : attempts)
         if (build_path(block->path, base, row, middles[row.middle], leaf) &&

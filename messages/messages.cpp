@@ -1,5 +1,6 @@
 #include <kestrion/messages.h>
 
+#include "base/default_locale.h"
 #include "base/owned_text.h"
 #include "base/print_as_format.h"
 #include "env/variable_table.h"
@@ -22,7 +23,6 @@ using namespace kestrion;
 
 namespace {
 
-constexpr const char *english_locale = "en_US.8859-1"; // whose catalogues stand in
 constexpr int32_t no_stand_in = -1; // the text for a failed lookup is itself missing
 constexpr const char *unknown_number_text = "Unknown error message number '%d'\n";
 constexpr const char *unknown_file_text = "Cannot open file '%s'\n";
@@ -108,7 +108,7 @@ bool was_found(int32_t status) { return status == 0 || status == err_message_too
 
 bool english_is_the_users() {
     const char *language = idx_ggetenv("DBLANG", variable_index("DBLANG"));
-    return language != nullptr && strcmp(language, english_locale) == 0;
+    return language != nullptr && strcmp(language, default_locale) == 0;
 }
 
 // The leaf name is cleared on every way out, so that the next lookup searches in the user's
@@ -117,7 +117,7 @@ int32_t fetch_english(gentcb *block, int32_t number, char *buffer, int32_t size,
                       int32_t status) {
     if (!english_is_the_users()) {
         forget_leaf(block);
-        status = fetch_message(block, number, english_locale, buffer, size, length);
+        status = fetch_message(block, number, default_locale, buffer, size, length);
     }
     forget_leaf(block);
     return status;
