@@ -1,18 +1,17 @@
-#include "messages/message_paths.h"
+#include <kestrion/message_paths.h>
 
 #include "base/default_locale.h"
 #include "base/installation.h"
 #include "base/owned_text.h"
 #include "env/variable_table.h"
 #include <kestrion/env_registry.h>
-#include <kestrion/messages.h>
+#include <kestrion/gentcb.h>
 #include <kestrion/specifiers.h>
 #include <kestrion/startup.h>
 #include <kestrion/strings.h>
 
 #include <errno.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -41,7 +40,7 @@ struct attempt {
 };
 
 // The places in the order in which they are tried. Rows 6 and 7 repeat 1 and 2: a file that is
-// installed meanwhile is found in front of the English ones.
+// installed meanwhile is found before the English ones.
 constexpr attempt attempts[] = {
     {"msg/", LANGUAGE_DIR}, {"", LANGUAGE_DIR},     {"msg/", LANGUAGE_NAME},
     {"msg/", LOCALE_NAME},  {"msg/", LOCALE_DIR},   {"msg/", LANGUAGE_DIR},
@@ -88,15 +87,6 @@ bool build_path(char (&path)[gen_path_size], const char *base, const attempt &ro
 }
 
 } // namespace
-
-namespace kestrion {
-
-void forget_language_directory() {
-    free(msg_langdir);
-    msg_langdir = nullptr;
-}
-
-} // namespace kestrion
 
 constinit char *msg_langdir = nullptr;
 

@@ -1,7 +1,5 @@
-#include <kestrion/messages.h>
+#include "messages/message_ranges.h"
 
-#include "messages/message_paths.h"
-#include <kestrion/error_numbers.h>
 #include <kestrion/strings.h>
 
 namespace {
@@ -37,6 +35,8 @@ int32_t rmkmsgleafname(int32_t number, char *name) {
 }
 
 namespace kestrion {
+
+constexpr char default_leaf[] = "os.qem";
 
 const char *leaf_of_message(int32_t number) {
     const uint32_t magnitude =

@@ -1,7 +1,8 @@
-#include <kestrion/messages.h>
+#include <kestrion/message_slots.h>
 
 #include <kestrion/error_numbers.h>
 #include <kestrion/gentcb.h>
+#include <kestrion/messages.h>
 #include <kestrion/strings.h>
 #include <kestrion/value_heap.h>
 

@@ -5,10 +5,11 @@
 #include "base/print_as_format.h"
 #include "env/variable_table.h"
 #include "messages/message_file.h"
-#include "messages/message_paths.h"
+#include "messages/message_ranges.h"
 #include <kestrion/env_registry.h>
 #include <kestrion/error_numbers.h>
 #include <kestrion/gentcb.h>
+#include <kestrion/message_paths.h>
 #include <kestrion/startup.h>
 #include <kestrion/strings.h>
 
@@ -260,7 +261,8 @@ int32_t _setmsgfile(const char *path) {
 }
 
 void rmsg_init(void) {
-    forget_language_directory();
+    free(msg_langdir);
+    msg_langdir = nullptr;
     if (gentcb *block = CheckGenInit())
         catalogue_close(catalogue_of(block));
 }

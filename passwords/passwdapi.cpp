@@ -3,7 +3,7 @@
 #include "base/print_as_format.h"
 #include "passwords/lock_hooks.h"
 #include "passwords/memory.h"
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 #include "passwords/password_text.h"
 #include <kestrion/env_registry.h>
 #include <kestrion/isi_api.h>

@@ -2,7 +2,7 @@
 
 #include "base/print_as_format.h"
 #include "passwords/memory.h"
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 #include <kestrion/strings.h>
 
 #include <stdio.h>

@@ -1,7 +1,7 @@
 #include "passwords/whole_files.h"
 
 #include "base/print_as_format.h"
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 #include <kestrion/files.h>
 
 #include <errno.h>

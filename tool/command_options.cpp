@@ -1,6 +1,6 @@
 #include "tool/command_options.h"
 
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 #include "tool/command_run.h"
 
 #include <stdio.h>

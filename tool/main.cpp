@@ -4,10 +4,10 @@
 // It prints to standard error alone, and on success nothing. Until the messages are loaded its
 // words are fixed English.
 
-#include <kestrion/messages.h>
+#include <kestrion/message_slots.h>
 
 #include "passwords/keys.h"
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 #include "passwords/password_text.h"
 #include "passwords/sealed_file.h"
 #include "passwords/whole_files.h"

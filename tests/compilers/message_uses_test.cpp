@@ -2,7 +2,7 @@
 // compiler holds the texts of all languages against the same declarations.
 
 #include "compilers/mkqem/catalogue_source.h"
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>

@@ -13,7 +13,7 @@
 #include <kestrion/gls_env.h>
 #include <kestrion/locale_rec.h>
 #include <kestrion/locale_specifiers.h>
-#include <kestrion/messages.h>
+#include <kestrion/message_slots.h>
 #include <kestrion/os_control.h>
 #include <kestrion/parked_locale.h>
 #include <kestrion/startup.h>

@@ -3,6 +3,8 @@
 
 #include <kestrion/messages.h>
 
+#include <kestrion/message_slots.h>
+
 #include <charconv>
 #include <fstream>
 #include <gtest/gtest.h>

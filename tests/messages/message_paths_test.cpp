@@ -1,9 +1,10 @@
 // Where catalogues are searched, and in which order.
 
-#include "messages/message_paths.h"
 #include "support/temp_dir.h"
 #include <kestrion/code_set_registry.h>
 #include <kestrion/gls_env.h>
+#include <kestrion/message_paths.h>
+#include <kestrion/message_ranges.h>
 #include <kestrion/messages.h>
 
 #include <errno.h>

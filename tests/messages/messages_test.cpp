@@ -7,6 +7,8 @@
 #include <kestrion/error_numbers.h>
 #include <kestrion/gentcb.h>
 #include <kestrion/gls_env.h>
+#include <kestrion/message_ranges.h>
+#include <kestrion/message_slots.h>
 #include <kestrion/messages.h>
 #include <kestrion/value_heap.h>
 

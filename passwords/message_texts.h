@@ -4,7 +4,7 @@
 
 #pragma once
 
-#include <kestrion/messages.h>
+#include <kestrion/message_slots.h>
 
 #include <stdint.h>
 

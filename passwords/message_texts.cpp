@@ -1,4 +1,4 @@
-#include "passwords/message_slots.h"
+#include "passwords/message_texts.h"
 
 #include <iterator>
 
