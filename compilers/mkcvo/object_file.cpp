@@ -1,6 +1,7 @@
 #include "compilers/mkcvo/conversion.h"
 
 #include "compilers/object_table.h"
+#include "gls/conversion/conversion_object.h"
 #include <kestrion/conversion_file.h>
 #include <kestrion/ext_funcs.h>
 
@@ -13,15 +14,14 @@ namespace kestrion {
 
 namespace {
 
-constexpr size_t fixed_head_lines = 3;
-constexpr size_t head_line_limit = 126; // with its line end it fits the reader's 128 bytes
-
 void append_head(std::string &out, const conversion_object &object) {
-    out += "FILE_TYPE=codeset_conversion_object\nCOMPILER_VERSION=9\nHEADER_LINES=" +
-           std::to_string(fixed_head_lines + object.head.size()) + "\n";
+    out += cvo_file_type;
+    out += cvo_version;
+    out += "HEADER_LINES=" + std::to_string(cvo_head_lines + object.head.size()) + "\n";
     for (const std::string &line : object.head) {
-        if (line.size() > head_line_limit)
-            throw compiler_failure("a head line of more than 126 characters: " + line);
+        if (line.size() > size_t{cvo_line_limit})
+            throw compiler_failure("a head line of more than " + std::to_string(cvo_line_limit) +
+                                   " characters: " + line);
         out += line + "\n";
     }
 }
@@ -122,12 +122,12 @@ std::vector<conversion_entry> entries_of(const multi_arr *table) {
 
 // The lines that the runtime skips, from the text itself.
 std::vector<std::string> head_of(const source_file &source) {
-    const std::string_view count = source.line(fixed_head_lines);
+    const std::string_view count = source.line(cvo_head_lines);
     size_t lines = 0;
     if (const size_t equals = count.find('='); equals != std::string_view::npos)
         std::from_chars(count.data() + equals + 1, count.data() + count.size(), lines);
     std::vector<std::string> head;
-    for (size_t i = fixed_head_lines + 1; i <= lines && i <= source.line_count(); ++i)
+    for (size_t i = cvo_head_lines + 1; i <= lines && i <= source.line_count(); ++i)
         head.emplace_back(source.line(i));
     return head;
 }

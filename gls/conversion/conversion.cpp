@@ -1,5 +1,6 @@
 #include <kestrion/conversion.h>
 
+#include "gls/conversion/conversion_object.h"
 #include "gls/conversion/conversion_tables.h"
 #include <kestrion/categories.h>
 #include <kestrion/code_set_registry.h>
@@ -16,12 +17,12 @@
 #include <stdio.h>
 #include <string.h>
 
+using namespace kestrion;
+
 namespace {
 
 constexpr size_t cs_name_size = 1024; // a code-set name in a specifier, terminator included
 constexpr size_t names_limit = 1019;  // two names are shorter than this together
-constexpr char object_dir[] = "cv";
-constexpr char object_version[] = "9";
 
 int32_t fail(cv_rec **out, cv_rec *stand_in) {
     *out = stand_in;
@@ -49,7 +50,7 @@ void lc_spec2cs_name(const char *spec, char (&name)[cs_name_size]) {
 
 FILE *open_object(cv_rec *cv, const char *name, const char *dir) {
     return dir != nullptr ? gl_open_file(cv, name)
-                          : gl_path_search(cv, name, object_dir, object_version);
+                          : gl_path_search(cv, name, cvo_directory, cvo_directory_version);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include <kestrion/conversion_file.h>
 
+#include "gls/conversion/conversion_object.h"
 #include <kestrion/conversion_routines.h>
 #include <kestrion/ext_funcs.h>
 #include <kestrion/gls_errors.h>
@@ -15,11 +16,11 @@
 #include <stdlib.h>
 #include <string.h>
 
+using namespace kestrion;
+
 namespace {
 
-constexpr int head_line_size = 128;
-constexpr int fixed_head_lines = 3;
-constexpr int longest_character = 4;
+constexpr int head_line_size = cvo_line_limit + 2; // the line feed and the terminator
 
 // A head line with its line end; false for none, or a line that has no end within the limit.
 bool read_head_line(FILE *file, char (&line)[head_line_size]) {
@@ -38,18 +39,18 @@ int32_t read_head(cv_rec *cv, FILE *file) {
     char line[head_line_size];
     if (!read_head_line(file, line))
         return refuse(cv, GLS_ERR_FILE, nullptr);
-    if (strcmp(line, "FILE_TYPE=codeset_conversion_object\n") != 0)
+    if (strcmp(line, cvo_file_type) != 0)
         return refuse(cv, GLS_ERR_FILE, "Invalid CVO file. Wrong FILE_TYPE.");
     if (!read_head_line(file, line))
         return refuse(cv, GLS_ERR_FILE, nullptr);
-    if (strcmp(line, "COMPILER_VERSION=9\n") != 0)
+    if (strcmp(line, cvo_version) != 0)
         return refuse(cv, GLS_ERR_FILE, "Invalid CVO file. Wrong Version.");
     if (!read_head_line(file, line))
         return refuse(cv, GLS_ERR_FILE, nullptr);
     const char *equals = strchr(line, '=');
     if (equals == nullptr)
         return refuse(cv, GLS_ERR_FILE, nullptr);
-    for (long count = strtol(equals + 1, nullptr, 10); count > fixed_head_lines; --count)
+    for (long count = strtol(equals + 1, nullptr, 10); count > cvo_head_lines; --count)
         if (!read_head_line(file, line))
             return refuse(cv, GLS_ERR_FILE, nullptr);
     return 0;
@@ -105,17 +106,17 @@ int32_t read_parameters(cv_rec *cv, FILE *file) {
     if (!(fabs(expansion) <= FLT_MAX))
         return refuse(cv, GLS_ERR_FILE, nullptr);
     cv->expansion = static_cast<float>(expansion);
-    if (cv->target_max_len < 1 || cv->target_max_len > longest_character)
+    if (cv->target_max_len < 1 || cv->target_max_len > cvo_max_char)
         return refuse(cv, GLS_OK, "cv->target_max_len should be in range 1..4");
     return 0;
 }
 
 int32_t read_table(cv_rec *cv, multi_arr *&table, FILE *file) {
-    const unsigned char unmapped[1 + longest_character] = {};
+    const unsigned char unmapped[1 + cvo_max_char] = {};
     table = _gl_create_multi(static_cast<uint32_t>(cv->target_max_len) + 1, 0, unmapped);
     if (table == nullptr)
         return refuse(cv, GLS_ERR_NO_MEMORY, nullptr);
-    if (_gl_fscanf_multi(file, table, longest_character, conv_reader) != 0)
+    if (_gl_fscanf_multi(file, table, cvo_max_char, conv_reader) != 0)
         return refuse(cv, _gl_multi_err(table), nullptr);
     return 0;
 }
