@@ -7,6 +7,8 @@
 #include <string.h>
 #include <time.h>
 
+using namespace kestrion;
+
 namespace {
 
 // The function to call for `slot`: the host's where there is one, else the built-in.
@@ -35,10 +37,8 @@ constinit const gl_file_functions gl_reg_functions = {
     .allocate = malloc, .release = free, .open = fopen, .close = fclose};
 
 int gl_setextfunc(void *ctx, uint32_t slot, gl_function function) {
-    if (slot >= GL_SLOTS) {
-        kestrion::set_engine_error(ctx, GLS_ERR_ARGUMENT);
-        return -1;
-    }
+    if (slot >= GL_SLOTS)
+        return fail(ctx, GLS_ERR_ARGUMENT);
     funcptr_arr[slot] = function;
     _gl_ext_func = 1;
     return 0;

@@ -8,6 +8,8 @@
 #include <string.h>
 #include <string_view>
 
+using namespace kestrion;
+
 namespace {
 
 constexpr size_t max_base_length = 256;
@@ -32,10 +34,8 @@ public:
         if (size <= capacity_)
             return true;
         char *const bigger = static_cast<char *>(functions_->allocate(size));
-        if (bigger == nullptr) {
-            kestrion::set_engine_error(ctx_, GLS_ERR_NO_MEMORY);
-            return false;
-        }
+        if (bigger == nullptr)
+            return refuse(ctx_, GLS_ERR_NO_MEMORY);
         if (heap_ != nullptr)
             functions_->release(heap_);
         heap_ = bigger;
@@ -61,9 +61,9 @@ private:
 
 FILE *open_file(void *ctx, const char *name, const gl_file_functions *functions) {
     FILE *const file = functions->open(name, "r");
-    kestrion::log_with_name(file != nullptr ? "Opened: " : "Could not open: ", name);
+    log_with_name(file != nullptr ? "Opened: " : "Could not open: ", name);
     if (file == nullptr && ctx != nullptr)
-        kestrion::set_engine_error(ctx, GLS_ERR_FILE);
+        set_engine_error(ctx, GLS_ERR_FILE);
     return file;
 }
 
@@ -84,7 +84,7 @@ struct search {
     FILE *in_directory(path_buffer &path);
     void restore_word() const {
         if (ctx != nullptr)
-            kestrion::set_engine_error(ctx, word_before);
+            set_engine_error(ctx, word_before);
     }
     bool keep_directory(const char *text) {
         out_of_memory = rpath != nullptr && gl_fix_rpath(ctx, rpath, text, functions) != 0;
@@ -118,9 +118,7 @@ FILE *search::in_directories(std::string_view list) {
             return file;
     }
     // Said here once more, since a list of nothing but colons tries nothing.
-    if (ctx != nullptr)
-        kestrion::set_engine_error(ctx, GLS_ERR_FILE);
-    return nullptr;
+    return ctx != nullptr ? fail_with_null(ctx, GLS_ERR_FILE) : nullptr;
 }
 
 FILE *search::in_installation(std::string_view base) {
@@ -148,9 +146,8 @@ FILE *search::run() {
     const char *const set_base = _gl_ext_getenv("KESTRIONDIR");
     const std::string_view base = set_base != nullptr ? set_base : default_base;
     if (base.size() > max_base_length) {
-        kestrion::set_engine_error(ctx, GLS_ERR_FILE);
         gl_message("Environment variable KESTRIONDIR cannot be greater than 256 characters");
-        return nullptr;
+        return fail_with_null(ctx, GLS_ERR_FILE);
     }
     if (name.find(gl_directory_mark) != name.npos)
         return gl_open_file(ctx, name.data());
@@ -224,10 +221,8 @@ int gl_fix_rpath(void *ctx, char **slot, const char *text, const gl_file_functio
         functions->release(*slot);
     const size_t size = strlen(text) + 1;
     *slot = static_cast<char *>(functions->allocate(size));
-    if (*slot == nullptr) {
-        kestrion::set_engine_error(ctx, GLS_ERR_NO_MEMORY);
-        return -1;
-    }
+    if (*slot == nullptr)
+        return fail(ctx, GLS_ERR_NO_MEMORY);
     memcpy(*slot, text, size);
     return 0;
 }

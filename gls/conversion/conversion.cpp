@@ -24,7 +24,8 @@ namespace {
 constexpr size_t cs_name_size = 1024; // a code-set name in a specifier, terminator included
 constexpr size_t names_limit = 1019;  // two names are shorter than this together
 
-int32_t fail(cv_rec **out, cv_rec *stand_in) {
+// Hands out a stand-in for the record that could not be made.
+int32_t no_record(cv_rec **out, cv_rec *stand_in) {
     *out = stand_in;
     return -1;
 }
@@ -62,18 +63,18 @@ constinit cv_rec cd_einval = {.cv_err = GLS_ERR_SPECIFIER};
 int32_t gl_cv_load(cv_rec **out, const char *to, const char *from, const char *regfile,
                    const char *dir) {
     if (gl_init_glu(nullptr) != 0)
-        return fail(out, &cd_fileerr);
+        return no_record(out, &cd_fileerr);
     const int to_number = gl_lc_spec2cs_num(nullptr, to, regfile);
     const int from_number = gl_lc_spec2cs_num(nullptr, from, regfile);
     if (to_number == gl_unknown_code_set || from_number == gl_unknown_code_set)
-        return fail(out, &cd_einval);
+        return no_record(out, &cd_einval);
     *out = nullptr;
     if (to_number == from_number)
         return 0;
     auto *name = static_cast<char *>(
         _gl_ext_malloc((dir != nullptr ? strlen(dir) : 0) + gl_cv_fname_size + 1));
     if (name == nullptr)
-        return fail(out, &cd_enomem);
+        return no_record(out, &cd_enomem);
     gl_cs_nums2cv_fname(nullptr, from_number, to_number, name, dir);
     cv_rec *cv = new_record();
     *out = cv != nullptr ? cv : &cd_enomem;
@@ -88,7 +89,7 @@ int32_t gl_cv_open(cv_rec **out, const char *to, const char *from) {
     lc_spec2cs_name(to, to_name);
     lc_spec2cs_name(from, from_name);
     if (to_name[0] == '\0' || from_name[0] == '\0')
-        return fail(out, &cd_fileerr);
+        return no_record(out, &cd_fileerr);
     *out = nullptr;
     if (strcmp(to_name, from_name) == 0)
         return 0;
@@ -99,14 +100,14 @@ int32_t gl_iconv_open(cv_rec **out, const char *to, const char *from) {
     char name[names_limit + sizeof "_.cvo" - 1];
     const int length = snprintf(name, sizeof name, "%s_%s.cvo", from, to);
     if (length < 0 || static_cast<size_t>(length) >= sizeof name || strcmp(to, from) == 0)
-        return fail(out, &cd_fileerr);
+        return no_record(out, &cd_fileerr);
     return gl_iconv_open1(out, name);
 }
 
 int32_t gl_iconv_open1(cv_rec **out, const char *file_name) {
     cv_rec *cv = new_record();
     if (cv == nullptr)
-        return fail(out, &cd_enomem);
+        return no_record(out, &cd_enomem);
     *out = cv;
     return read_cv_file(cv, file_name != nullptr ? open_object(cv, file_name, nullptr) : nullptr);
 }

@@ -1,9 +1,9 @@
 #include <kestrion/conversion_file.h>
 
+#include "gls/base/engine_error.h"
 #include "gls/conversion/conversion_object.h"
 #include <kestrion/conversion_routines.h>
 #include <kestrion/ext_funcs.h>
-#include <kestrion/gls_errors.h>
 #include <kestrion/gls_log.h>
 #include <kestrion/multi.h>
 #include <kestrion/multi_file.h>
@@ -27,32 +27,28 @@ bool read_head_line(FILE *file, char (&line)[head_line_size]) {
     return _gl_ext_fgets(line, sizeof line, file) != nullptr && strchr(line, '\n') != nullptr;
 }
 
-int32_t refuse(cv_rec *cv, int32_t error, const char *message) {
-    if (message != nullptr)
-        gl_message(message);
-    if (error != GLS_OK)
-        cv->cv_err = error;
-    return -1;
-}
-
 int32_t read_head(cv_rec *cv, FILE *file) {
     char line[head_line_size];
     if (!read_head_line(file, line))
-        return refuse(cv, GLS_ERR_FILE, nullptr);
-    if (strcmp(line, cvo_file_type) != 0)
-        return refuse(cv, GLS_ERR_FILE, "Invalid CVO file. Wrong FILE_TYPE.");
+        return fail(cv, GLS_ERR_FILE);
+    if (strcmp(line, cvo_file_type) != 0) {
+        gl_message("Invalid CVO file. Wrong FILE_TYPE.");
+        return fail(cv, GLS_ERR_FILE);
+    }
     if (!read_head_line(file, line))
-        return refuse(cv, GLS_ERR_FILE, nullptr);
-    if (strcmp(line, cvo_version) != 0)
-        return refuse(cv, GLS_ERR_FILE, "Invalid CVO file. Wrong Version.");
+        return fail(cv, GLS_ERR_FILE);
+    if (strcmp(line, cvo_version) != 0) {
+        gl_message("Invalid CVO file. Wrong Version.");
+        return fail(cv, GLS_ERR_FILE);
+    }
     if (!read_head_line(file, line))
-        return refuse(cv, GLS_ERR_FILE, nullptr);
+        return fail(cv, GLS_ERR_FILE);
     const char *equals = strchr(line, '=');
     if (equals == nullptr)
-        return refuse(cv, GLS_ERR_FILE, nullptr);
+        return fail(cv, GLS_ERR_FILE);
     for (long count = strtol(equals + 1, nullptr, 10); count > cvo_head_lines; --count)
         if (!read_head_line(file, line))
-            return refuse(cv, GLS_ERR_FILE, nullptr);
+            return fail(cv, GLS_ERR_FILE);
     return 0;
 }
 
@@ -80,7 +76,7 @@ int32_t read_sequences(cv_rec *cv, FILE *file) {
         read_sequence(file, cv->source_shift_in_len, cv->source_shift_in) &&
         read_sequence(file, cv->source_shift_out_len, cv->source_shift_out))
         return 0;
-    return refuse(cv, GLS_ERR_FILE, nullptr);
+    return fail(cv, GLS_ERR_FILE);
 }
 
 // The lines of numbers between the head and the tables. A missing line end leaves the error word
@@ -104,20 +100,22 @@ int32_t read_parameters(cv_rec *cv, FILE *file) {
     if (!_gl_skip_nl(file))
         return -1;
     if (!(fabs(expansion) <= FLT_MAX))
-        return refuse(cv, GLS_ERR_FILE, nullptr);
+        return fail(cv, GLS_ERR_FILE);
     cv->expansion = static_cast<float>(expansion);
-    if (cv->target_max_len < 1 || cv->target_max_len > cvo_max_char)
-        return refuse(cv, GLS_OK, "cv->target_max_len should be in range 1..4");
+    if (cv->target_max_len < 1 || cv->target_max_len > gl_char_bytes) {
+        gl_message("cv->target_max_len should be in range 1..4"); // the error word stays as it is
+        return -1;
+    }
     return 0;
 }
 
 int32_t read_table(cv_rec *cv, multi_arr *&table, FILE *file) {
-    const unsigned char unmapped[1 + cvo_max_char] = {};
+    const unsigned char unmapped[1 + gl_char_bytes] = {};
     table = _gl_create_multi(static_cast<uint32_t>(cv->target_max_len) + 1, 0, unmapped);
     if (table == nullptr)
-        return refuse(cv, GLS_ERR_NO_MEMORY, nullptr);
-    if (_gl_fscanf_multi(file, table, cvo_max_char, conv_reader) != 0)
-        return refuse(cv, _gl_multi_err(table), nullptr);
+        return fail(cv, GLS_ERR_NO_MEMORY);
+    if (_gl_fscanf_multi(file, table, gl_char_bytes, conv_reader) != 0)
+        return fail(cv, _gl_multi_err(table));
     return 0;
 }
 
@@ -141,7 +139,7 @@ int datum_byte(FILE *stream) {
 
 int32_t read_cv_file(cv_rec *cv, FILE *file) {
     if (file == nullptr)
-        return refuse(cv, GLS_ERR_FILE, nullptr);
+        return fail(cv, GLS_ERR_FILE);
     if (read_head(cv, file) != 0 || read_parameters(cv, file) != 0 ||
         read_table(cv, cv->table_normal, file) != 0)
         return -1;

@@ -13,6 +13,8 @@
 #include <limits.h>
 #include <string.h>
 
+using namespace kestrion;
+
 namespace {
 
 constexpr int32_t byte_values = 256;
@@ -46,17 +48,19 @@ struct walk {
         *room -= count;
     }
 
-    int32_t fail(int32_t error, const char *message) {
-        if (error != GLS_OK)
-            cv->cv_err = error;
-        gl_message(message);
+    // Ways to fail, each with its line in the log. A failed lookup has set its error already.
+    int32_t fail_lookup() {
+        gl_message("Error in Translation.");
         return -1;
     }
-    int32_t fail_lookup() { return fail(GLS_OK, "Error in Translation."); }
     int32_t fail_unmapped() {
-        return fail(GLS_ERR_BAD_CHARACTER, "Error in Translation (GL_EILSEQ)");
+        gl_message("Error in Translation (GL_EILSEQ)");
+        return fail(cv, GLS_ERR_BAD_CHARACTER);
     }
-    int32_t fail_room() { return fail(GLS_ERR_NO_ROOM, "Error in Translation (GL_E2BIG)"); }
+    int32_t fail_room() {
+        gl_message("Error in Translation (GL_E2BIG)");
+        return fail(cv, GLS_ERR_NO_ROOM);
+    }
 };
 
 walk start_walk(cv_rec *cv, const char **source, int32_t *length, char **target, int32_t *room,
@@ -114,10 +118,8 @@ const unsigned char *find_before_terminator(const multi_arr *table, const walk &
         limit += unit;
     limit = std::max(limit, unit);
     const void *datum = _gl_retrieve_text_multi_limit(*w.source, table, limit, &used, w.cv);
-    if (datum != nullptr && used % unit != 0) {
-        kestrion::set_engine_error(w.cv, GLS_ERR_BAD_CHARACTER);
-        return nullptr;
-    }
+    if (datum != nullptr && used % unit != 0)
+        return fail_with_null(w.cv, GLS_ERR_BAD_CHARACTER);
     return static_cast<const unsigned char *>(datum);
 }
 
@@ -223,14 +225,12 @@ void build_sb_table(cv_rec *cv) {
 const void *_gl_retrieve_little_endian_unicode_limit(const char *text, const multi_arr *table,
                                                      int32_t limit, cv_rec *cv) {
     const int32_t unit = cv->source_min_len == 4 && cv->source_max_len == 4 ? 4 : 2;
-    if (limit < unit) {
-        kestrion::set_engine_error(cv, GLS_ERR_SPECIFIER);
-        return nullptr;
-    }
+    if (limit < unit)
+        return fail_with_null(cv, GLS_ERR_SPECIFIER);
     uint32_t number = 0;
     for (int32_t i = unit; i-- > 0;)
         number = number << 8 | static_cast<unsigned char>(text[i]);
-    return kestrion::unit_datum(table, number, unit, cv);
+    return unit_datum(table, number, unit, cv);
 }
 
 void set_iconv_fps(cv_rec *cv) {
@@ -243,18 +243,18 @@ void set_iconv_fps(cv_rec *cv) {
         cv->convert = sb_miconv;
         if (cv->no_sb_table == 0)
             build_sb_table(cv);
-        kestrion::make_single_byte_tables(cv);
+        make_single_byte_tables(cv);
     } else {
         cv->convert = mb_miconv;
         if (cv->source_stateful == 0)
-            kestrion::make_flat_tables(cv);
+            make_flat_tables(cv);
     }
 }
 
 int32_t sb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
                   int32_t *room, int32_t *lossy) {
     const walk w = start_walk(cv, source, source_length, target, room, lossy);
-    kestrion::convert_fast(cv, source, source_length, w.target, room, lossy);
+    convert_fast(cv, source, source_length, w.target, room, lossy);
     return convert_each<find_byte>(w, lossy, [](const unsigned char *datum) {
         return output{datum + 1, 1, 1};
     });
@@ -263,7 +263,7 @@ int32_t sb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char 
 int32_t mb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
                   int32_t *room, int32_t *lossy) {
     const walk w = start_walk(cv, source, source_length, target, room, lossy);
-    kestrion::convert_fast(cv, source, source_length, w.target, room, lossy);
+    convert_fast(cv, source, source_length, w.target, room, lossy);
     return convert_each<find_character>(w, lossy, whole_datum());
 }
 
@@ -292,9 +292,8 @@ int32_t mb_smiconv(cv_rec *cv, cv_state *state, const char **source, int32_t *so
     while (!w.done()) {
         const multi_arr *table = state->source_shifted != 0 ? cv->table_shifted : cv->table_normal;
         int32_t used = 0;
-        if (table == nullptr)
-            return w.fail(GLS_ERR_BAD_CHARACTER, "Error in Translation.");
-        const unsigned char *datum = find_in(table, w, used);
+        const unsigned char *datum =
+            table != nullptr ? find_in(table, w, used) : fail_with_null(cv, GLS_ERR_BAD_CHARACTER);
         if (datum == nullptr)
             return w.fail_lookup();
         const unsigned char control = datum[0];

@@ -100,8 +100,7 @@ inline found walk_terminated(const multi_arr *table, const char *text) {
 inline const void *datum_or_error(const found &end, void *ctx) {
     if (end.flag == MULTI_END)
         return end.datum;
-    set_engine_error(ctx, GLS_ERR_BAD_CHARACTER);
-    return nullptr;
+    return fail_with_null(ctx, GLS_ERR_BAD_CHARACTER);
 }
 
 // Bytes of a wide character that are not leading zeros, at least one.
@@ -153,15 +152,12 @@ const void *_gl_retrieve_text_multi_limit(const char *text, const multi_arr *tab
                                           int32_t *used, void *ctx) {
     if (limit <= 0) {
         *used = 0;
-        set_engine_error(ctx, GLS_ERR_SPECIFIER);
-        return nullptr;
+        return fail_with_null(ctx, GLS_ERR_SPECIFIER);
     }
     const found end = walk(table, text_bytes{reinterpret_cast<const unsigned char *>(text)}, limit);
     *used = end.used;
-    if (end.flag == MULTI_CHILD) {
-        set_engine_error(ctx, GLS_ERR_SPECIFIER);
-        return nullptr;
-    }
+    if (end.flag == MULTI_CHILD)
+        return fail_with_null(ctx, GLS_ERR_SPECIFIER);
     return datum_or_error(end, ctx);
 }
 
@@ -175,9 +171,7 @@ const void *_gl_retrieve_wchar_multi_nl(void *ctx, gl_wchar character, const mul
     int32_t levels = significant_bytes(character);
     if (levels == 1 || levels < table->min_len)
         levels = table->min_len;
-    if (levels < 1 || levels > gl_char_bytes) {
-        set_engine_error(ctx, GLS_ERR_BAD_CHARACTER);
-        return nullptr;
-    }
+    if (levels < 1 || levels > gl_char_bytes)
+        return fail_with_null(ctx, GLS_ERR_BAD_CHARACTER);
     return unit_datum(table, character, levels, ctx);
 }

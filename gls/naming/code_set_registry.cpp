@@ -252,7 +252,7 @@ void gl_cache_registry(void *ctx, const char *regfile) {
     const int32_t error = read_list(file, &list);
     if (error != GLS_OK) {
         free_list(list);
-        kestrion::set_engine_error(ctx, error);
+        set_engine_error(ctx, error);
         return;
     }
     gls_registry_list_cache = list;
@@ -279,7 +279,7 @@ int gl_cs_name2cs_num(void *ctx, const char *name, const char *regfile) {
     }
     if (error == GLS_OK)
         return number;
-    kestrion::set_engine_error(ctx, error);
+    set_engine_error(ctx, error);
     return gl_unknown_code_set;
 }
 

@@ -71,7 +71,7 @@ void widen_names(const char (&names)[gl_category_count][size],
 
 int32_t gl_make_null_category(locale_rec *lc, int32_t category) {
     if (!is_single_category(category))
-        return failed(lc, GLS_ERR_ARGUMENT);
+        return fail(lc, GLS_ERR_ARGUMENT);
     int32_t slot = category - gl_first_category;
     lc->shared[slot] = 0;
     lc->cs_names[slot][0] = 0;
@@ -98,8 +98,7 @@ int32_t update_locale(locale_rec *lc) {
         return -1;
     if (same_code_sets(lc))
         return 0;
-    set_engine_error(lc, GLS_ERR_MIXED_CODE_SETS);
-    return -1;
+    return fail(lc, GLS_ERR_MIXED_CODE_SETS);
 }
 
 void init_locale_info(locale_rec *lc) {
@@ -122,7 +121,7 @@ void copy_category(locale_rec *dest, const locale_rec *source, int32_t category)
 
 int32_t gl_copy_cat(locale_rec *dest, const locale_rec *source, int32_t category) {
     if (!is_single_category(category))
-        return failed(dest, GLS_ERR_ARGUMENT);
+        return fail(dest, GLS_ERR_ARGUMENT);
     copy_category(dest, source, category);
     int32_t result = update_locale(dest);
     init_locale_info(dest);

@@ -26,6 +26,9 @@ extern gl_wchar no_wide_text[1];
 
 // ---- Fields
 
+// What the public readers return: 0, or 1 with the error word set.
+inline int32_t reader_result(bool read) { return read ? 0 : 1; }
+
 // A line feed where there must be one; else 11.
 bool read_line_end(locale_rec *lc, FILE *file);
 

@@ -74,10 +74,8 @@ bool climbs(const char *name) {
 FILE *open_below(locale_rec *lc, const char *dir, const char *name) {
     size_t size = strlen(dir) + strlen(name) + 2;
     char *path = static_cast<char *>(_gl_ext_malloc(size));
-    if (path == nullptr) {
-        set_engine_error(lc, GLS_ERR_NO_MEMORY);
-        return nullptr;
-    }
+    if (path == nullptr)
+        return fail_with_null(lc, GLS_ERR_NO_MEMORY);
     snprintf(path, size, "%s/%s", dir, name);
     FILE *file = gl_open_file(lc, path);
     _gl_free_ptr(path);
@@ -103,11 +101,8 @@ bool set_one(locale_rec *lc, int32_t category, const char *text, const char *dir
 
 bool set_all(locale_rec *lc, const char *text, const char *dir) {
     for (int32_t i = 0; i < gl_category_count; ++i)
-        if (!set_one(lc, gl_first_category + i, text, dir)) {
-            if (*_gl_ext_errno(lc) == GLS_OK)
-                set_engine_error(lc, GLS_ERR_CATEGORY);
-            return false;
-        }
+        if (!set_one(lc, gl_first_category + i, text, dir))
+            return *_gl_ext_errno(lc) == GLS_OK ? refuse(lc, GLS_ERR_CATEGORY) : false;
     return true;
 }
 
@@ -141,12 +136,12 @@ void query_locname(const locale_rec *lc, int32_t category, char *out) {
 int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *out,
                       const char *dir) {
     if (!is_single_category(category))
-        return failed(lc, GLS_ERR_ARGUMENT);
+        return fail(lc, GLS_ERR_ARGUMENT);
     const char *keyword = category_params[category - gl_first_category];
     bool named =
         *text != 0 ? name_of_category(text, keyword, out) : name_of_environment(keyword, out);
     if (!named || climbs(out))
-        return failed(lc, GLS_ERR_FILE);
+        return fail(lc, GLS_ERR_FILE);
     if (out[0] == 0)
         strcpy(out, native_name);
     FILE *file = open_object(lc, out, dir);
@@ -163,10 +158,8 @@ int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *
 
 char *set_categories(locale_rec *lc, int32_t category, const char *text, const char *dir) {
     char *result = static_cast<char *>(_gl_ext_malloc(result_size));
-    if (result == nullptr) {
-        set_engine_error(lc, GLS_ERR_NO_MEMORY);
-        return nullptr;
-    }
+    if (result == nullptr)
+        return fail_with_null(lc, GLS_ERR_NO_MEMORY);
     bool known = category == GL_CAT_ALL || is_single_category(category);
     bool done = known ? text == nullptr || apply_setting(lc, category, text, dir)
                       : refuse(lc, GLS_ERR_ARGUMENT);

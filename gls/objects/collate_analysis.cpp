@@ -144,10 +144,8 @@ void row_analysis::classify_rows() {
 
 char *row_analysis::copy_of(const char *text, size_t length) {
     char *copy;
-    if (member_count + ignored_count >= saved_limit) {
-        set_engine_error(lc, GLS_ERR_MALFORMED);
-        return nullptr;
-    }
+    if (member_count + ignored_count >= saved_limit)
+        return fail_with_null(lc, GLS_ERR_MALFORMED);
     if (make_array(lc, copy, length + text_tail))
         memcpy(copy, text, length);
     return copy;

@@ -345,7 +345,7 @@ int32_t read_ctype(locale_rec *lc, FILE *file) {
     bool read = read_table(lc, file, ct.class_table) && read_class_names(lc, file, ct) &&
                 read_table(lc, file, ct.case_index) && read_case_pairs(lc, file, ct) &&
                 read_growth(lc, file) && prepare_lookups(lc, ct);
-    return read ? 0 : 1;
+    return reader_result(read);
 }
 
 int32_t set_function_pointers(locale_rec *lc) {

@@ -109,12 +109,6 @@ constexpr section_row sections[gl_category_count] = {
      "Failed to initialize messages information\n"},
 };
 
-// Stores an error and gives the result of a reader that failed.
-int32_t refused(locale_rec *lc, int32_t error) {
-    set_engine_error(lc, error);
-    return 1;
-}
-
 bool log_failure(const char *text) {
     if (text != nullptr)
         gl_message(text);
@@ -224,7 +218,7 @@ int32_t read_file_header(FILE *file, char *cs_name, int32_t *error) {
 
 int32_t read_one_category(locale_rec *lc, int32_t category, FILE *file) {
     if (!is_single_category(category))
-        return refused(lc, GLS_ERR_ARGUMENT);
+        return reader_result(refuse(lc, GLS_ERR_ARGUMENT));
     if (read_and_init(lc, category - gl_first_category, file))
         return 0;
     // Nothing half read stays: lookups rely on what the readers have checked.
@@ -252,7 +246,7 @@ int32_t str_readallc(locale_rec *lc, FILE *file, char **out) {
     }
     if (_gl_skip_nl(file) != 1) {
         _gl_free_ptr(text);
-        return refused(lc, GLS_ERR_FILE);
+        return reader_result(refuse(lc, GLS_ERR_FILE));
     }
     *out = text;
     return 0;
@@ -261,7 +255,7 @@ int32_t str_readallc(locale_rec *lc, FILE *file, char **out) {
 int32_t read_group(locale_rec *lc, FILE *file, group_rec *out) {
     int64_t count = _gl_get_int(file);
     if (count < 0 || count > gl_group_limit)
-        return refused(lc, GLS_ERR_COUNT);
+        return reader_result(refuse(lc, GLS_ERR_COUNT));
     *out = {.count = static_cast<int32_t>(count)};
     for (int64_t i = 0; i < count; ++i) {
         // A size is unsigned; -1 is another way to write the one that ends grouping.
@@ -270,7 +264,7 @@ int32_t read_group(locale_rec *lc, FILE *file, group_rec *out) {
             return 1;
         out->sizes[i] = static_cast<uint32_t>(size);
     }
-    return read_line_end(lc, file) ? 0 : 1;
+    return reader_result(read_line_end(lc, file));
 }
 
 gl_wchar _gl_read_gl_wchar(FILE *file) { return _gl_get_hex(file, 8); }

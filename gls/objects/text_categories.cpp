@@ -42,14 +42,13 @@ constexpr text_field<messages_rec> message_texts[] = {
     {&messages_rec::nostr, &messages_rec::wide_nostr},
 };
 
-int32_t result(bool done) { return done ? 0 : 1; }
-
 } // namespace
 
 int32_t read_numeric(locale_rec *lc, FILE *file) {
     numeric_rec &r = lc->numeric_cat;
-    return result(read_texts(lc, file, r, numeric_separators) &&
-                  read_group(lc, file, &r.grouping) == 0 && read_texts(lc, file, r, numeric_signs));
+    return reader_result(read_texts(lc, file, r, numeric_separators) &&
+                         read_group(lc, file, &r.grouping) == 0 &&
+                         read_texts(lc, file, r, numeric_signs));
 }
 
 int32_t read_monetary(locale_rec *lc, FILE *file) {
@@ -64,24 +63,24 @@ int32_t read_monetary(locale_rec *lc, FILE *file) {
 }
 
 int32_t read_messages(locale_rec *lc, FILE *file) {
-    return result(read_texts(lc, file, lc->messages_cat, message_texts));
+    return reader_result(read_texts(lc, file, lc->messages_cat, message_texts));
 }
 
 int32_t init_numeric_info(locale_rec *lc) {
     numeric_rec &r = lc->numeric_cat;
-    return result(set_function_pointers(lc) == 0 && widen_texts(lc, r, numeric_separators) &&
-                  widen_texts(lc, r, numeric_signs));
+    return reader_result(set_function_pointers(lc) == 0 && widen_texts(lc, r, numeric_separators) &&
+                         widen_texts(lc, r, numeric_signs));
 }
 
 int32_t init_monetary_info(locale_rec *lc) {
     monetary_rec &r = lc->monetary_cat;
-    return result(set_function_pointers(lc) == 0 && widen_texts(lc, r, monetary_symbols) &&
-                  widen_texts(lc, r, monetary_signs));
+    return reader_result(set_function_pointers(lc) == 0 && widen_texts(lc, r, monetary_symbols) &&
+                         widen_texts(lc, r, monetary_signs));
 }
 
 int32_t init_message_info(locale_rec *lc) {
-    return result(set_function_pointers(lc) == 0 &&
-                  widen_texts(lc, lc->messages_cat, message_texts));
+    return reader_result(set_function_pointers(lc) == 0 &&
+                         widen_texts(lc, lc->messages_cat, message_texts));
 }
 
 namespace kestrion {

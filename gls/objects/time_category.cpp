@@ -133,10 +133,10 @@ int32_t read_time(locale_rec *lc, FILE *file) {
                 read_text_list(lc, file, r.era_texts, r.era_count) &&
                 read_texts(lc, file, r, era_formats) &&
                 read_text_list(lc, file, r.alt_digits, r.alt_digit_count);
-    return read ? 0 : 1;
+    return reader_result(read);
 }
 
-int32_t init_time_info(locale_rec *lc) { return init_time(lc) ? 0 : 1; }
+int32_t init_time_info(locale_rec *lc) { return reader_result(init_time(lc)); }
 
 namespace kestrion {
 

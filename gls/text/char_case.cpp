@@ -251,7 +251,7 @@ int32_t multibyte_text(locale_rec *lc, char *dst, const char *src, uint32_t coun
         return static_cast<int32_t>(run.written);
     }
     if (!convert_multibyte<to>(l.ctype_cat, run, count, lc))
-        return failed(lc, GLS_ERR_BAD_CHARACTER);
+        return fail(lc, GLS_ERR_BAD_CHARACTER);
     gl_mbsterm(lc, dst + run.written);
     return static_cast<int32_t>(run.written);
 }
@@ -265,7 +265,7 @@ template <letter_case to> int32_t wide_text(locale_rec *lc, gl_wchar *dst, const
         if (!map)
             step = wide_step(ct, ct.case_walk, ct.case_prefixes, *src);
         if (map ? *src > 0xff : step.next != multi_end)
-            return failed(lc, GLS_ERR_BAD_CHARACTER);
+            return fail(lc, GLS_ERR_BAD_CHARACTER);
         *dst = map ? map[*src] : partner_of<to>(ct, step, *src);
     }
     *dst = 0;

@@ -29,7 +29,7 @@ namespace {
 inline int32_t decode_one(locale_rec *lc, gl_wchar *out, const char *text, int32_t limit) {
     decoded_char c = decode_limited(ctype_of(lc).class_walk, text, limit);
     if (!is_char(c))
-        return failed(lc, decode_error(c));
+        return fail(lc, decode_error(c));
     *out = c.wide;
     return c.wide == 0 ? 0 : c.length;
 }
@@ -49,7 +49,7 @@ inline int32_t decode_one(locale_rec *lc, gl_wchar *out, const char *text, int32
 int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit) {
     if (s == nullptr)
         return 0;
-    return limit >= 1 ? decode_one(lc, out, s, limit) : failed(lc, GLS_ERR_SPECIFIER);
+    return limit >= 1 ? decode_one(lc, out, s, limit) : fail(lc, GLS_ERR_SPECIFIER);
 }
 
 // Long text is walked by this. A processor mispredicts where text turns from ASCII to other
@@ -98,7 +98,7 @@ int32_t _qvt_gl_full_mbdescribe(locale_rec *lc, gl_wchar *out, const char *s, ui
         return -1;
     decoded_char c = decode_limited(ctype_of(lc).class_walk, s, limit);
     if (!is_char(c))
-        return failed(lc, decode_error(c));
+        return fail(lc, decode_error(c));
     *mask_out = c.step.datum & mask;
     *out = c.wide;
     return c.wide == 0 ? 0 : c.length;
@@ -106,7 +106,7 @@ int32_t _qvt_gl_full_mbdescribe(locale_rec *lc, gl_wchar *out, const char *s, ui
 
 int32_t gl_full_wctomb(locale_rec *lc, char *dst, gl_wchar wc) {
     int32_t length = encode_wide(ctype_of(lc), reinterpret_cast<unsigned char *>(dst), wc);
-    return length > 0 ? length : failed(lc, GLS_ERR_BAD_CHARACTER);
+    return length > 0 ? length : fail(lc, GLS_ERR_BAD_CHARACTER);
 }
 
 int32_t gl_mbsterm(locale_rec *lc, char *dst) {
@@ -159,7 +159,7 @@ int32_t _qvt_gl_im_mbfstowcfs(locale_rec *lc, gl_wchar *dst, const char *src, in
             counted ? decode_limited(ct.class_walk, s, static_cast<int32_t>(length - position))
                     : decode_text(ct, ct.class_walk, s);
         if (!is_char(c))
-            return failed(lc, GLS_ERR_BAD_CHARACTER);
+            return fail(lc, GLS_ERR_BAD_CHARACTER);
         dst[finished] = c.wide;
         position += c.length;
         if (counted ? position == length : c.wide == 0)
@@ -184,7 +184,7 @@ int32_t _qvt_gl_is_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int3
             return i;
         }
         if (src[i] > 0xff)
-            return failed(lc, GLS_ERR_BAD_CHARACTER);
+            return fail(lc, GLS_ERR_BAD_CHARACTER);
         dst[i] = static_cast<char>(src[i]);
         if (length >= 0 && i + 1 >= length)
             return i + 1;
@@ -213,7 +213,7 @@ int32_t _qvt_gl_full_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, in
         if (l.is_single_byte)
             out[bytes] = static_cast<unsigned char>(src[i]);
         else if (encode_wide(ct, out + bytes, src[i]) == 0)
-            return failed(lc, GLS_ERR_BAD_CHARACTER);
+            return fail(lc, GLS_ERR_BAD_CHARACTER);
         bytes += needed;
         if (length >= 0 && i + 1 >= length)
             return bytes;

@@ -14,15 +14,12 @@ namespace {
 
 // Decodes the first character for the length operations. Returns false with the error word set.
 bool decode_for_length(locale_rec *lc, const char *s, int32_t limit, decoded_char &c) {
-    if (limit < 1) {
-        set_engine_error(lc, GLS_ERR_SPECIFIER);
-        return false;
-    }
+    if (limit < 1)
+        return refuse(lc, GLS_ERR_SPECIFIER);
     c = decode_limited(ctype_of(lc).class_walk, s, limit);
     if (is_char(c))
         return true;
-    set_engine_error(lc, decode_error(c));
-    return false;
+    return refuse(lc, decode_error(c));
 }
 
 // Walks terminated text to its zero character. Returns false at an invalid character, else the
@@ -32,10 +29,8 @@ bool measure_text(locale_rec *lc, const char *s, int32_t &bytes, int32_t &charac
     bytes = characters = 0;
     for (;;) {
         decoded_char c = decode_text(ct, ct.class_walk, s + bytes);
-        if (!is_char(c)) {
-            set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-            return false;
-        }
+        if (!is_char(c))
+            return refuse(lc, GLS_ERR_BAD_CHARACTER);
         if (c.wide == 0)
             return true;
         bytes += c.length;
@@ -52,7 +47,7 @@ bool measure_text(locale_rec *lc, const char *s, int32_t &bytes, int32_t &charac
         return c.wide == 0 ? 0 : c.length;
     // A character still open at its fourth byte has the length 1; no table that loads holds one.
     bool open = ct.mb_loc_min == 1 && c.step.next != multi_stop;
-    return open ? 1 : failed(state->lc, GLS_ERR_BAD_CHARACTER);
+    return open ? 1 : fail(state->lc, GLS_ERR_BAD_CHARACTER);
 }
 
 } // namespace
@@ -121,7 +116,7 @@ int32_t _qvt_gl_im_mbfslen(locale_rec *lc, const char *s, int32_t length) {
     for (int32_t position = 0; position < length; ++characters) {
         decoded_char c = decode_limited(ctype_of(lc).class_walk, s + position, length - position);
         if (!is_char(c))
-            return failed(lc, GLS_ERR_BAD_CHARACTER);
+            return fail(lc, GLS_ERR_BAD_CHARACTER);
         position += c.length;
     }
     return characters;
@@ -142,16 +137,12 @@ int32_t gl_mb_loc_max(locale_rec *lc) { return ctype_of(lc).mb_loc_max; }
 int32_t gl_mb_loc_min(locale_rec *lc) { return ctype_of(lc).mb_loc_min; }
 
 const char *gl_full_mbsnext(locale_rec *lc, const char *s) {
-    if (s == nullptr) {
-        set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
-        return nullptr;
-    }
+    if (s == nullptr)
+        return fail_with_null(lc, GLS_ERR_NULL_ARGUMENT);
     const ctype_rec &ct = ctype_of(lc);
     decoded_char c = decode_text(ct, ct.class_walk, s);
-    if (!is_char(c)) {
-        set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-        return nullptr;
-    }
+    if (!is_char(c))
+        return fail_with_null(lc, GLS_ERR_BAD_CHARACTER);
     return c.wide == 0 ? nullptr : s + c.length;
 }
 
@@ -169,14 +160,14 @@ int32_t gl_full_fgetmb(locale_rec *lc, char *buffer, FILE *file) {
     do {
         int byte = _gl_ext_fgetc(file);
         if (byte < 0 && _gl_ext_ferror(file))
-            return failed(lc, GLS_ERR_READ);
+            return fail(lc, GLS_ERR_READ);
         if (byte < 0)
-            return failed(lc, length == 0 ? GLS_ERR_END_OF_FILE : GLS_ERR_BAD_CHARACTER);
+            return fail(lc, length == 0 ? GLS_ERR_END_OF_FILE : GLS_ERR_BAD_CHARACTER);
         size_t state = length == 0 ? 0 : step.next;
         step = walk[state << 8 | static_cast<unsigned char>(byte)];
         buffer[length++] = static_cast<char>(byte);
     } while (step.next >= multi_first_state && length < longest_character);
-    return step.next == multi_end ? length : failed(lc, GLS_ERR_BAD_CHARACTER);
+    return step.next == multi_end ? length : fail(lc, GLS_ERR_BAD_CHARACTER);
 }
 
 int32_t _qvt_gl_mbsntsbytes(locale_rec *lc, const char *text, int32_t length) {

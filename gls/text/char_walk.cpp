@@ -1,15 +1,9 @@
 #include "gls/text/char_walk.h"
 
-#include "gls/base/engine_error.h"
 #include <kestrion/char_convert.h>
 #include <kestrion/ctype_masks.h>
 
 namespace kestrion {
-
-int32_t failed(locale_rec *lc, int32_t error) {
-    set_engine_error(lc, error);
-    return -1;
-}
 
 decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int32_t min_len) {
     decoded_char c = decode_limited(walk, text, min_len);

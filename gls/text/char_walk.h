@@ -44,10 +44,6 @@ struct decoded_char {
 
 inline bool is_char(const decoded_char &c) { return c.step.next == multi_end; }
 
-// Stores an error and gives the result of an operation that failed. Out of line, so that the ways
-// that succeed carry nothing for it.
-[[gnu::cold]] int32_t failed(locale_rec *lc, int32_t error);
-
 inline bool is_ascii_above_zero(unsigned char byte) { return static_cast<signed char>(byte) > 0; }
 
 // The error that a walk without a character means.

@@ -39,7 +39,7 @@ int32_t wide_columns(locale_rec *lc, const gl_wchar *s, int64_t count) {
     for (int64_t i = 0; i < count && s[i] != 0; ++i) {
         int32_t width = columns(wide_mask(lc, s[i]), full_width);
         if (width < 0)
-            return failed(lc, GLS_ERR_SPECIFIER);
+            return fail(lc, GLS_ERR_SPECIFIER);
         sum = add_columns(sum, width);
     }
     return sum;
@@ -82,20 +82,20 @@ int32_t gl_wcwidth(locale_rec *lc, gl_wchar wc) {
         return 0;
     uint32_t mask = wide_mask(lc, wc);
     if (!(mask & CT_PRINT))
-        return failed(lc, GLS_ERR_SPECIFIER);
+        return fail(lc, GLS_ERR_SPECIFIER);
     return columns(mask, gl_ctype(lc, ct_full_width));
 }
 
 int32_t gl_mbwidth(locale_rec *lc, const char *s) {
     if (s == nullptr)
-        return failed(lc, GLS_ERR_NULL_ARGUMENT);
+        return fail(lc, GLS_ERR_NULL_ARGUMENT);
     if (gl_ismbsterm(lc, s))
         return 0;
     const ctype_rec &ct = ctype_of(lc);
     decoded_char c = decode_text(ct, ct.class_walk, s);
     if (is_char(c) && c.step.datum & CT_PRINT)
         return columns(c.step.datum, gl_ctype(lc, ct_full_width));
-    return is_char(c) && c.length == 1 ? 1 : failed(lc, GLS_ERR_SPECIFIER);
+    return is_char(c) && c.length == 1 ? 1 : fail(lc, GLS_ERR_SPECIFIER);
 }
 
 int32_t gl_mbwidth_PUA(locale_rec *lc, const char *s) {
@@ -117,21 +117,21 @@ int32_t gl_mbwidth_PUA(locale_rec *lc, const char *s) {
 
 int32_t gl_wcswidth(locale_rec *lc, const gl_wchar *s, int32_t count) {
     if (s == nullptr)
-        return failed(lc, GLS_ERR_NULL_ARGUMENT);
-    return count < 0 ? failed(lc, GLS_ERR_COUNT) : wide_columns(lc, s, count);
+        return fail(lc, GLS_ERR_NULL_ARGUMENT);
+    return count < 0 ? fail(lc, GLS_ERR_COUNT) : wide_columns(lc, s, count);
 }
 
 int32_t gl_wcspwidth(locale_rec *lc, const gl_wchar *s, const gl_wchar *end) {
     if (s == nullptr || end == nullptr)
-        return failed(lc, GLS_ERR_NULL_ARGUMENT);
-    return end < s ? failed(lc, GLS_ERR_END_BEFORE_START) : wide_columns(lc, s, end - s);
+        return fail(lc, GLS_ERR_NULL_ARGUMENT);
+    return end < s ? fail(lc, GLS_ERR_END_BEFORE_START) : wide_columns(lc, s, end - s);
 }
 
 int32_t gl_mbswidth(locale_rec *lc, const char *s, int32_t count) {
     if (s == nullptr)
-        return failed(lc, GLS_ERR_NULL_ARGUMENT);
+        return fail(lc, GLS_ERR_NULL_ARGUMENT);
     if (count < 0)
-        return failed(lc, GLS_ERR_COUNT);
+        return fail(lc, GLS_ERR_COUNT);
     uint32_t full_width = gl_ctype(lc, ct_full_width);
     const ctype_rec &ct = ctype_of(lc);
     int32_t sum = 0;
@@ -139,7 +139,7 @@ int32_t gl_mbswidth(locale_rec *lc, const char *s, int32_t count) {
         decoded_char c = decode_text(ct, ct.class_walk, s);
         int32_t width = is_char(c) ? columns(c.step.datum, full_width) : -1;
         if (width < 0)
-            return failed(lc, GLS_ERR_SPECIFIER);
+            return fail(lc, GLS_ERR_SPECIFIER);
         sum = add_columns(sum, width);
         s += c.length;
     }
@@ -149,9 +149,9 @@ int32_t gl_mbswidth(locale_rec *lc, const char *s, int32_t count) {
 int32_t gl_mbspwidth(locale_rec *lc, const char *s, const char *end) {
     set_engine_error(lc, GLS_OK);
     if (s == nullptr || end == nullptr)
-        return failed(lc, GLS_ERR_NULL_ARGUMENT);
+        return fail(lc, GLS_ERR_NULL_ARGUMENT);
     if (end < s)
-        return failed(lc, GLS_ERR_END_BEFORE_START);
+        return fail(lc, GLS_ERR_END_BEFORE_START);
     uint32_t full_width = gl_ctype(lc, ct_full_width);
     const ctype_rec &ct = ctype_of(lc);
     int32_t sum = 0;
@@ -160,10 +160,10 @@ int32_t gl_mbspwidth(locale_rec *lc, const char *s, const char *end) {
         decoded_char c =
             decode_limited(ct.class_walk, s, left < 4 ? static_cast<int32_t>(left) : 4);
         if (!is_char(c))
-            return failed(lc, decode_error(c));
+            return fail(lc, decode_error(c));
         int32_t width = columns(c.step.datum, full_width);
         if (width < 0)
-            return failed(lc, GLS_ERR_SPECIFIER);
+            return fail(lc, GLS_ERR_SPECIFIER);
         sum = add_columns(sum, width);
         s += c.length;
     }

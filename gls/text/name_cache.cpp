@@ -106,11 +106,6 @@ bool at_end(locale_rec *lc, const char *text, int32_t left) {
     return left < 0 ? gl_ismbsterm(lc, text) != 0 : left == 0;
 }
 
-int no_memory(locale_rec *lc) {
-    set_engine_error(lc, GLS_ERR_NO_MEMORY);
-    return -1;
-}
-
 // Keeps the error word over a lookup: text behind a name is no concern of the caller's.
 class kept_error_word {
 public:
@@ -134,13 +129,13 @@ int _gl_cache_mb_string(locale_rec *lc, gl_mb_name_node **cache, const char *nam
         for (int32_t i = 0; i < folded.length; ++i) {
             node = find_or_make(level, folded.bytes[i]);
             if (node == nullptr)
-                return no_memory(lc);
+                return fail(lc, GLS_ERR_NO_MEMORY);
             level = &node->next_level;
         }
         name += folded.read;
     }
     if (node == nullptr && (node = find_or_make(cache, static_cast<unsigned char>(0))) == nullptr)
-        return no_memory(lc);
+        return fail(lc, GLS_ERR_NO_MEMORY);
     end_name(node, value);
     return 0;
 }
@@ -152,11 +147,11 @@ int _gl_cache_wc_string(locale_rec *lc, gl_wc_name_node **cache, const gl_wchar 
     for (; *name != 0; ++name) {
         node = find_or_make(level, fold(lc, *name));
         if (node == nullptr)
-            return no_memory(lc);
+            return fail(lc, GLS_ERR_NO_MEMORY);
         level = &node->next_level;
     }
     if (node == nullptr && (node = find_or_make(cache, gl_wchar{0})) == nullptr)
-        return no_memory(lc);
+        return fail(lc, GLS_ERR_NO_MEMORY);
     end_name(node, value);
     return 0;
 }
