@@ -1,5 +1,6 @@
 #include <kestrion/locale_specifiers.h>
 
+#include "gls/naming/category_words.h"
 #include <kestrion/categories.h>
 #include <kestrion/env_registry.h>
 #include <kestrion/error_numbers.h>
@@ -15,15 +16,6 @@
 #include <string.h>
 
 namespace {
-
-constexpr const char *cat_names[GLS_SLOTS] = {
-    "GL_CTYPE",    // GLS_SLOT_CTYPE
-    "GL_COLLATE",  // GLS_SLOT_COLLATE
-    "GL_NUMERIC",  // GLS_SLOT_NUMERIC
-    "GL_MONETARY", // GLS_SLOT_MONETARY
-    "GL_TIME",     // GLS_SLOT_TIME
-    "GL_MESSAGES", // GLS_SLOT_MESSAGES
-};
 
 struct alias_row {
     const char *alias;
@@ -59,7 +51,7 @@ void append(char *out, const char *text) {
 // The value of `slot` in a composite, into value[0..size); empty when the keyword is missing.
 void composite_value(const char *composite, int slot, char *value, size_t size) {
     value[0] = '\0';
-    const char *found = strstr(composite, cat_names[slot]);
+    const char *found = strstr(composite, kestrion::category_words[slot].text);
     if (found == nullptr)
         return;
     char keyword[257];
@@ -79,7 +71,7 @@ bool name_to_load(locale_rec *lc, const char *spec, bool as_os_name, char *name,
         is_gls[slot] = whole;
     if (whole)
         return false;
-    if (strstr(spec, cat_names[GLS_SLOT_CTYPE]) == nullptr) {
+    if (strstr(spec, kestrion::category_words[GLS_SLOT_CTYPE].text) == nullptr) {
         prependos(spec, name);
         return true;
     }
@@ -199,7 +191,7 @@ void mk1loccat(const char *value, int slot, char *out, int convert, const char *
     char *own = CheckGlsEnv()->state->lc_spec[slot];
     if (slot == GLS_SLOT_CTYPE)
         out[0] = '\0';
-    append(out, cat_names[slot]);
+    append(out, kestrion::category_words[slot].text);
     append(out, " = ");
     if (value != nullptr) {
         append(out, value);

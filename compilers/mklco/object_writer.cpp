@@ -192,7 +192,7 @@ void check_by_loading(std::string &bytes) {
         if (read_one_category(record, gl_first_category + i, file.get()) != 0)
             throw compiler_failure(std::string("the runtime would refuse the object: error ") +
                                    std::to_string(record->err) + " in the section " +
-                                   category_params[i]);
+                                   category_words[i].text);
     }
 }
 

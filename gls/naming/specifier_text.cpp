@@ -1,6 +1,9 @@
 #include "gls/naming/specifier_text.h"
 
 #include "base/ascii_class.h"
+#include "gls/naming/category_words.h"
+
+#include <string.h>
 
 using namespace kestrion;
 
@@ -17,12 +20,6 @@ bool is_simple(text_view body, gl_spec_pieces &pieces) {
 
 namespace kestrion {
 
-constexpr keyword_row category_keywords[gl_category_count] = {
-    {"GL_CTYPE", GL_KEYWORD_CTYPE},     {"GL_COLLATE", GL_KEYWORD_COLLATE},
-    {"GL_NUMERIC", GL_KEYWORD_NUMERIC}, {"GL_MONETARY", GL_KEYWORD_MONETARY},
-    {"GL_TIME", GL_KEYWORD_TIME},       {"GL_MESSAGES", GL_KEYWORD_MESSAGES},
-};
-
 size_t language_and_territory(text_view text) {
     size_t language = 0;
     while (language < text.size() && language < 4 && is_ascii_letter(text[language]))
@@ -35,7 +32,7 @@ size_t language_and_territory(text_view text) {
 
 int keyword_slot(text_view text) {
     for (int slot = 0; slot < gl_category_count; ++slot) {
-        if (text.starts_with(category_keywords[slot].text))
+        if (text.starts_with(category_words[slot].text))
             return slot;
     }
     return -1;
@@ -55,7 +52,7 @@ bool cut_spec(text_view text, spec_items &found) {
         if (slot < 0 || (seen & 1u << slot) != 0)
             return false;
         seen |= 1u << slot;
-        const text_view keyword = category_keywords[slot].text;
+        const text_view keyword = category_words[slot].text;
         text.remove_prefix(keyword.size());
         if (!text.starts_with(spec_equals))
             return false;
@@ -122,8 +119,8 @@ void parsed_spec::add_file_name(out_text &out, int32_t i) const {
 int _gl_is_category(const char *text, int32_t *length) {
     const int slot = keyword_slot(text);
     if (length != nullptr)
-        *length = slot < 0 ? 0 : static_cast<int32_t>(category_keywords[slot].text.size());
-    return slot < 0 ? GL_KEYWORD_NONE : category_keywords[slot].keyword;
+        *length = slot < 0 ? 0 : static_cast<int32_t>(strlen(category_words[slot].text));
+    return slot < 0 ? GL_KEYWORD_NONE : category_words[slot].keyword;
 }
 
 int32_t _gl_is_xopen_spec(const char *text, int32_t length, gl_spec_pieces *pieces) {

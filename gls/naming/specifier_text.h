@@ -59,13 +59,6 @@ inline std::string_view view_of(const char *text) {
     return text != nullptr ? std::string_view(text) : std::string_view();
 }
 
-// Keyword of a category, by its slot in a record.
-struct keyword_row {
-    std::string_view text;
-    gl_keyword keyword;
-};
-extern const keyword_row category_keywords[gl_category_count];
-
 inline constexpr std::string_view spec_equals = " = ";
 inline constexpr std::string_view spec_separator = " ; ";
 

@@ -1,6 +1,7 @@
 #include <kestrion/specifiers.h>
 
 #include "base/ascii_class.h"
+#include "gls/naming/category_words.h"
 #include "gls/naming/specifier_text.h"
 
 #include <string.h>
@@ -161,7 +162,7 @@ int gl_lc_short2lc_long(void *ctx, const char *short_spec, char *out, const char
         another = piece.size() < rest.size();
         rest.remove_prefix(piece.size() + (another ? 1 : 0));
         text.add(slot == 0 ? text_view() : spec_separator);
-        text.add(category_keywords[slot].text).add(spec_equals);
+        text.add(category_words[slot].text).add(spec_equals);
         text.add(piece.empty() ? first : piece);
     }
     parsed_spec parsed;

@@ -130,14 +130,14 @@ void query_locname(const locale_rec *lc, int32_t category, char *out) {
     if (category != GL_CAT_ALL)
         return;
     for (int32_t i = 0; i < gl_category_count; ++i)
-        out += sprintf(out, "%s = %s ; ", category_params[i], lc->file_names[i]);
+        out += sprintf(out, "%s = %s ; ", category_words[i].text, lc->file_names[i]);
 }
 
 int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *out,
                       const char *dir) {
     if (!is_single_category(category))
         return fail(lc, GLS_ERR_ARGUMENT);
-    const char *keyword = category_params[category - gl_first_category];
+    const char *keyword = category_words[category - gl_first_category].text;
     bool named =
         *text != 0 ? name_of_category(text, keyword, out) : name_of_environment(keyword, out);
     if (!named || climbs(out))

@@ -42,8 +42,8 @@ protected:
     }
     static std::string all(const std::string &name) {
         std::string text;
-        for (const char *keyword : category_params)
-            text += std::string(keyword) + " = " + name + " ; ";
+        for (const category_word &word : category_words)
+            text += std::string(word.text) + " = " + name + " ; ";
         return text;
     }
 
