@@ -129,7 +129,7 @@ double object_reader::growth() {
 
 multi_table object_reader::table() {
     multi_table result = make_table(sizeof(uint16_t));
-    if (_gl_fscanf_multi(file_.get(), result.get(), lco_max_char, ub2_reader) != 0)
+    if (_gl_fscanf_multi(file_.get(), result.get(), gl_char_bytes, ub2_reader) != 0)
         fail("a table is damaged");
     return result;
 }

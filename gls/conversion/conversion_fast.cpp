@@ -65,7 +65,7 @@ template <typename Entry>
 inline Entry character(const Entry *__restrict entries, const unsigned char *text, size_t &used) {
     Entry entry = entries[text[0]];
 #pragma GCC unroll 4
-    for (size_t length = 1; length <= widest_character; ++length) {
+    for (size_t length = 1; length <= gl_char_bytes; ++length) {
         if ((entry & 0xff) != 0) {
             used = length;
             return entry;
@@ -162,7 +162,7 @@ bool overlap(const piece &text) {
 // Length of a terminated text, as far as the room can take it: a text converted in small pieces
 // must not be looked through whole for each.
 int64_t length_ahead(const char *source, int32_t room) {
-    const int64_t most = std::min<int64_t>(int64_t{room} * widest_character, INT32_MAX);
+    const int64_t most = std::min<int64_t>(int64_t{room} * gl_char_bytes, INT32_MAX);
     return static_cast<int64_t>(strnlen(source, static_cast<size_t>(most)));
 }
 

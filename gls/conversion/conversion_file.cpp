@@ -1,5 +1,6 @@
 #include <kestrion/conversion_file.h>
 
+#include "base/ascii_class.h"
 #include "gls/base/engine_error.h"
 #include "gls/conversion/conversion_object.h"
 #include <kestrion/conversion_routines.h>
@@ -120,11 +121,7 @@ int32_t read_table(cv_rec *cv, multi_arr *&table, FILE *file) {
 }
 
 // One digit of a datum: a decimal digit as such, anything else taken as a letter.
-int datum_digit(int c) {
-    if (c >= '0' && c <= '9')
-        return c - '0';
-    return (c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) - 87;
-}
+int datum_digit(int c) { return is_ascii_digit(c) ? c - '0' : ascii_lower(c) - 'a' + 10; }
 
 // A pair of digits modulo 256, or -1 at the end of the file.
 int datum_byte(FILE *stream) {

@@ -112,9 +112,9 @@ bool may_pass_terminator(const cv_rec *cv) {
 // The next character of a terminated text: it ends in front of the terminator, or is it. Both are
 // whole units of the source's shortest character.
 const unsigned char *find_before_terminator(const multi_arr *table, const walk &w, int32_t &used) {
-    const int32_t unit = std::clamp<int32_t>(w.cv->source_min_len, 1, cv_sequence_size);
+    const int32_t unit = std::clamp<int32_t>(w.cv->source_min_len, 1, gl_char_bytes);
     int32_t limit = 0;
-    while (limit < cv_sequence_size && !zero_bytes(*w.source + limit, unit))
+    while (limit < gl_char_bytes && !zero_bytes(*w.source + limit, unit))
         limit += unit;
     limit = std::max(limit, unit);
     const void *datum = _gl_retrieve_text_multi_limit(*w.source, table, limit, &used, w.cv);
@@ -157,7 +157,7 @@ struct reversed_unit {
     int32_t size;
     int32_t wanted;
     int32_t datum_size;
-    unsigned char bytes[cv_sequence_size] = {};
+    unsigned char bytes[gl_char_bytes] = {};
 
     output operator()(const unsigned char *datum) {
         for (int32_t i = 0; i < size; ++i)
@@ -189,7 +189,7 @@ template <auto find, typename Write> int32_t convert_each(walk w, int32_t *lossy
 
 // A converted character and what stands around it when a state changes.
 struct shifted_output {
-    unsigned char bytes[3 * cv_sequence_size];
+    unsigned char bytes[2 * cv_sequence_size + gl_char_bytes];
     int32_t length = 0;
 
     void add(const unsigned char *from, int32_t count) {

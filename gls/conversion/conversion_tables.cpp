@@ -160,7 +160,7 @@ void make_flat_tables(cv_rec *cv) {
     const multi_arr *table = cv->table_normal;
     if constexpr (std::endian::native != std::endian::little)
         return; // entries hold target bytes, and words of text are taken apart, in this order
-    if (table->max_len > widest_character || table->min_len != 1)
+    if (table->max_len > gl_char_bytes || table->min_len != 1)
         return;
     const bool wide = cv->target_max_len > 3;
     const size_t units = count_units(table->root, true) + 1;

@@ -36,8 +36,6 @@ inline constexpr uint32_t state_quarter_mark = 3u << 10;
 inline constexpr uint32_t state_base_shift = 12;
 // No such character, or no mapping: a state that never ends one.
 inline constexpr uint32_t absent_entry = empty_unit << state_base_shift | state_quarter_mark;
-inline constexpr int32_t widest_character = 4;
-
 inline constexpr uint32_t utf8_leads = 16;
 
 enum class table_form : unsigned char { single, narrow, wide };

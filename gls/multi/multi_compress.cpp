@@ -104,13 +104,6 @@ void share_below(multi_node *node, array_list &flags, array_list &data) {
     }
 }
 
-int32_t count_children(const unsigned char *flags) {
-    int32_t count = 0;
-    for (size_t b = 0; b < gl_bytes; ++b)
-        count += flags[b] == MULTI_CHILD;
-    return count;
-}
-
 } // namespace
 
 int _gl_compress_multi(multi_arr *table) {
@@ -129,7 +122,7 @@ int _gl_compress_multi(multi_arr *table) {
     multi_drop_flat(table);
     share_below(table->root, flags, data);
     for (int32_t i = 0; i < flags.count; ++i)
-        children[i] = count_children(flags.arrays[i]);
+        children[i] = multi_count_children(flags.arrays[i]);
     table->flags |= multi_compressed;
     table->flag_count = flags.count;
     table->data_count = data.count;

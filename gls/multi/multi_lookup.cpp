@@ -103,11 +103,6 @@ inline const void *datum_or_error(const found &end, void *ctx) {
     return fail_with_null(ctx, GLS_ERR_BAD_CHARACTER);
 }
 
-// Bytes of a wide character that are not leading zeros, at least one.
-int32_t significant_bytes(gl_wchar character) {
-    return character > 0xFFFFFF ? 4 : character > 0xFFFF ? 3 : character > 0xFF ? 2 : 1;
-}
-
 } // namespace
 
 namespace kestrion {

@@ -40,13 +40,6 @@ int read_flag(FILE *stream, void *flag, uint32_t) {
     return value == MULTI_NONE || value == MULTI_CHILD || value == MULTI_END ? 0 : -1;
 }
 
-int32_t count_children(const unsigned char *flags) {
-    int32_t count = 0;
-    for (size_t b = 0; b < gl_bytes; ++b)
-        count += flags[b] == MULTI_CHILD;
-    return count;
-}
-
 class table_reader {
 public:
     table_reader(FILE *stream, multi_arr *table, multi_datum_reader reader)
@@ -143,7 +136,7 @@ bool table_reader::read_plain_node(multi_node *node, int32_t depth) {
         if (!read_data(node->data))
             return false;
     }
-    const int32_t children = has_flags != 0 ? count_children(node->flag_bytes) : 0;
+    const int32_t children = has_flags != 0 ? multi_count_children(node->flag_bytes) : 0;
     return children == 0 || (node->child_count = children, read_children(node, depth));
 }
 
@@ -166,7 +159,7 @@ bool table_reader::read_shared_arrays() {
         ++table_->flag_count;
         if (!read_flags(flags))
             return false;
-        table_->shared_flag_children[at] = count_children(flags);
+        table_->shared_flag_children[at] = multi_count_children(flags);
     }
     while (table_->data_count < data_count) {
         const int32_t at = table_->data_count;

@@ -29,6 +29,14 @@ inline unsigned char multi_flag_at(const multi_node *node, unsigned char b) {
                                        : static_cast<unsigned char>(MULTI_NONE);
 }
 
+// Entries of a flag array that go on in a child.
+inline int32_t multi_count_children(const unsigned char *flags) {
+    int32_t count = 0;
+    for (size_t b = 0; b < gl_bytes; ++b)
+        count += flags[b] == MULTI_CHILD;
+    return count;
+}
+
 // Child of a node for a byte whose entry is MULTI_CHILD.
 inline multi_node *multi_child_at(const multi_node *node, unsigned char b) {
     return node->children[node->child_slot[b]];
@@ -42,6 +50,11 @@ inline size_t multi_data_array_size(const multi_arr *table) {
 // Datum of a number of exactly `levels` bytes, walked from the highest; or null, with the error word
 // of `ctx` set.
 const void *unit_datum(const multi_arr *table, uint32_t number, int32_t levels, void *ctx);
+
+// Bytes of a wide character that are not leading zeros, at least one.
+inline int32_t significant_bytes(gl_wchar character) {
+    return character > 0xFFFFFF ? 4 : character > 0xFFFF ? 3 : character > 0xFF ? 2 : 1;
+}
 
 // Slot b of a data array.
 inline unsigned char *multi_slot(const multi_arr *table, unsigned char *data, size_t b) {

@@ -4,6 +4,8 @@
 
 #include <kestrion/code_set_registry.h>
 
+#include "base/ascii_class.h"
+
 #include <iterator>
 #include <string_view>
 
@@ -142,6 +144,8 @@ namespace {
 // "greek" stands here twice; look-ups are in order, and the first of equal names wins.
 static_assert(std::size(gls_canned_registry) == 123 + 1);
 
+using kestrion::is_ascii_upper;
+
 constexpr bool rows_are_well_formed() {
     for (size_t i = 0; i + 1 < std::size(gls_canned_registry); ++i) {
         const std::string_view name = gls_canned_registry[i].name;
@@ -149,7 +153,7 @@ constexpr bool rows_are_well_formed() {
             gls_canned_registry[i].number > 0xFFFF)
             return false;
         for (const char c : name) {
-            if (c >= 'A' && c <= 'Z')
+            if (is_ascii_upper(c))
                 return false;
         }
     }

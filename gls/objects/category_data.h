@@ -21,7 +21,7 @@ namespace kestrion {
 // end may take three of them, and the terminator behind it four.
 inline constexpr size_t text_tail = 7;
 
-extern char no_text[4];
+extern char no_text[gl_char_bytes];
 extern gl_wchar no_wide_text[1];
 
 // ---- Fields

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int32_t no_class = -1;
 constexpr int32_t longest_sequence = 15;
-constexpr size_t text_room = 4 * longest_sequence;
+constexpr size_t text_room = gl_char_bytes * longest_sequence;
 constexpr size_t saved_limit = 1 << 20; // far more than any code set has characters
 
 // A text and the class that it goes to.
@@ -213,7 +213,7 @@ bool row_analysis::save_characters(const multi_node *node, char *text, int32_t d
                    sizeof row);
             if (!save(text, static_cast<size_t>(depth) + 1, row))
                 return false;
-        } else if (flag == MULTI_CHILD && depth + 1 < lco_max_char &&
+        } else if (flag == MULTI_CHILD && depth + 1 < gl_char_bytes &&
                    !save_characters(multi_child_at(node, byte), text, depth + 1)) {
             return false;
         }
@@ -231,7 +231,7 @@ bool row_analysis::save_texts() {
         if (expansion_row[i] >= 0 && !save_sequence(r->expansions[i].chars, r->expansions[i].length,
                                                     static_cast<uint16_t>(expansion_row[i])))
             return false;
-    char text[4];
+    char text[gl_char_bytes];
     return save_characters(r->row_table->root, text, 0);
 }
 

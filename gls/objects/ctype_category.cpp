@@ -2,6 +2,7 @@
 
 #include <kestrion/categories.h>
 
+#include "base/ascii_class.h"
 #include "gls/base/c_locale_number.h"
 #include "gls/multi/multi_tree.h"
 #include "gls/objects/category_data.h"
@@ -187,12 +188,9 @@ bool has_ascii_case(const ctype_rec &ct, int byte) {
         return false;
     const case_text &upper = ct.case_texts[2 * step.datum];
     const case_text &lower = ct.case_texts[2 * step.datum + 1];
-    bool small = byte >= 'a' && byte <= 'z';
-    bool capital = byte >= 'A' && byte <= 'Z';
-    return small ? upper.length != 0 && is_spelled(upper, byte - 0x20) && is_spelled(lower, byte)
-           : capital
-               ? lower.length != 0 && is_spelled(lower, byte + 0x20) && is_spelled(upper, byte)
-               : is_spelled(upper, byte) && is_spelled(lower, byte);
+    if ((is_ascii_lower(byte) && upper.length == 0) || (is_ascii_upper(byte) && lower.length == 0))
+        return false;
+    return is_spelled(upper, ascii_upper(byte)) && is_spelled(lower, ascii_lower(byte));
 }
 
 bool all_have_ascii_case(const ctype_rec &ct) {

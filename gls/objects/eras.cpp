@@ -92,7 +92,7 @@ bool keep_field(locale_rec *lc, const wide_piece &field, char *&text, gl_wchar *
     wide = wide_copy;
     for (size_t i = 0; i < length; ++i)
         wide[i] = field.at[i];
-    size_t size = 4 * length + text_tail;
+    size_t size = gl_char_bytes * length + text_tail;
     char *copy;
     if (!make_array(lc, copy, size))
         return false;

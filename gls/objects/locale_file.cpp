@@ -133,7 +133,7 @@ bool read_and_init(locale_rec *lc, int32_t slot, FILE *file) {
 
 namespace kestrion {
 
-constinit char no_text[4] = {};
+constinit char no_text[gl_char_bytes] = {};
 constinit gl_wchar no_wide_text[1] = {};
 
 bool read_line(FILE *file, char *line, size_t size) {
@@ -170,7 +170,7 @@ bool read_table(locale_rec *lc, FILE *file, multi_arr *&table) {
     _gl_free_multi(table);
     if (!make_empty_table(lc, table))
         return false;
-    if (_gl_fscanf_multi(file, table, lco_max_char, ub2_reader) == 0)
+    if (_gl_fscanf_multi(file, table, gl_char_bytes, ub2_reader) == 0)
         return true;
     return refuse(lc, _gl_multi_err(table));
 }

@@ -18,7 +18,6 @@ inline constexpr char lco_default_name[] = "default.lco";
 inline constexpr int32_t lco_head_lines = 3;     // lines before the skipped ones
 inline constexpr int32_t lco_line_limit = 127;   // characters of a head, marker or name line
 inline constexpr int32_t lco_cs_name_limit = 19; // characters of the code-set line
-inline constexpr int32_t lco_max_char = 4;       // bytes of the longest character
 inline constexpr int32_t lco_text_limit = 65535; // bytes of one text
 inline constexpr int32_t lco_pair_limit = 65535; // case pairs
 inline constexpr int32_t lco_list_limit = 1000;  // months, eras, alternative digits

@@ -146,7 +146,7 @@ struct case_run {
 template <letter_case to>
 int32_t store_case(const ctype_rec &ct, const decoded_char &c, char *dst, const char *src) {
     spelling other = other_case<to>(ct, c, src);
-    memcpy(dst, other.bytes, longest_character);
+    memcpy(dst, other.bytes, gl_char_bytes);
     return other.length;
 }
 
@@ -171,12 +171,12 @@ template <letter_case to> bool convert_until(const ctype_rec &ct, case_run &run,
             convert_ascii_word<to>(run);
             continue;
         }
-        decoded_char c = decode_limited(ct.case_walk, src, longest_character);
+        decoded_char c = decode_limited(ct.case_walk, src, gl_char_bytes);
         if (!is_char(c))
             return false;
         char *dst = run.dst + run.written;
         int32_t written;
-        if (end - run.read >= longest_character)
+        if (end - run.read >= gl_char_bytes)
             written = store_case<to>(ct, c, dst, src);
         else
             written = write_case<to>(ct, c, dst, src);

@@ -232,6 +232,6 @@ int32_t gl_wcsbytes(locale_rec *lc, const gl_wchar *s) {
 }
 
 int32_t gl_wclen(locale_rec *lc, gl_wchar wc) {
-    char scratch[4];
+    char scratch[gl_char_bytes];
     return locale_or_ascii(lc).is_single_byte ? 1 : gl_full_wctomb(lc, scratch, wc);
 }

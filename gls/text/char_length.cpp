@@ -166,7 +166,7 @@ int32_t gl_full_fgetmb(locale_rec *lc, char *buffer, FILE *file) {
         size_t state = length == 0 ? 0 : step.next;
         step = walk[state << 8 | static_cast<unsigned char>(byte)];
         buffer[length++] = static_cast<char>(byte);
-    } while (step.next >= multi_first_state && length < longest_character);
+    } while (step.next >= multi_first_state && length < gl_char_bytes);
     return step.next == multi_end ? length : fail(lc, GLS_ERR_BAD_CHARACTER);
 }
 

@@ -1,5 +1,6 @@
 #include "gls/text/char_walk.h"
 
+#include "base/ascii_class.h"
 #include <kestrion/char_convert.h>
 #include <kestrion/ctype_masks.h>
 
@@ -16,7 +17,7 @@ decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int
         c.step.next = multi_stop;
         return c;
     }
-    return decode_limited(walk, text, longest_character);
+    return decode_limited(walk, text, gl_char_bytes);
 }
 
 multi_step walk_wide(const multi_step *walk, gl_wchar wc, int32_t min_len) {
@@ -33,13 +34,13 @@ namespace {
 
 constexpr uint16_t ascii_class(int byte) {
     constexpr uint32_t letter = CT_ALPHA | CT_GRAPH | CT_PRINT;
-    if (byte >= 'A' && byte <= 'Z')
+    if (is_ascii_upper(byte))
         return static_cast<uint16_t>(letter | CT_UPPER | (byte <= 'F' ? CT_XDIGIT : 0));
-    if (byte >= 'a' && byte <= 'z')
+    if (is_ascii_lower(byte))
         return static_cast<uint16_t>(letter | CT_LOWER | (byte <= 'f' ? CT_XDIGIT : 0));
-    if (byte >= '0' && byte <= '9')
+    if (is_ascii_digit(byte))
         return CT_DIGIT | CT_XDIGIT | CT_GRAPH | CT_PRINT;
-    if (byte > ' ' && byte < 0x7f)
+    if (is_ascii_graphic(byte))
         return CT_PUNCT | CT_GRAPH | CT_PRINT;
     if (byte == ' ')
         return CT_SPACE | CT_PRINT | CT_BLANK;
@@ -64,11 +65,9 @@ struct ascii_tables {
 constexpr ascii_tables make_ascii() {
     ascii_tables t = {};
     for (int i = 0; i < 256; ++i) {
-        bool up = i >= 'A' && i <= 'Z';
-        bool low = i >= 'a' && i <= 'z';
-        int letter = up ? i - 'A' + 1 : low ? i - 'a' + 1 : 0;
-        t.upper[i] = static_cast<uint8_t>(low ? i - 0x20 : i);
-        t.lower[i] = static_cast<uint8_t>(up ? i + 0x20 : i);
+        const int letter = is_ascii_letter(i) ? ascii_upper(i) - 'A' + 1 : 0;
+        t.upper[i] = static_cast<uint8_t>(ascii_upper(i));
+        t.lower[i] = static_cast<uint8_t>(ascii_lower(i));
         t.classes[i] = ascii_class(i);
         t.class_walk[i] = {ascii_class(i), multi_end};
         t.case_walk[i] = {static_cast<uint16_t>(letter), multi_end};

@@ -7,6 +7,7 @@
 
 #pragma once
 
+#include "gls/multi/multi_tree.h"
 #include <kestrion/gls_errors.h>
 #include <kestrion/locale_rec.h>
 #include <kestrion/multi.h>
@@ -33,8 +34,6 @@ inline const locale_rec &locale_or_ascii(const locale_rec *lc) {
 }
 
 inline const ctype_rec &ctype_of(const locale_rec *lc) { return locale_or_ascii(lc).ctype_cat; }
-
-constexpr int32_t longest_character = 4; // bytes
 
 struct decoded_char {
     multi_step step; // the last step of the walk
@@ -85,12 +84,12 @@ decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int
 inline decoded_char decode_text(const ctype_rec &ct, const multi_step *walk, const char *text) {
     if (ct.mb_loc_min != 1)
         return decode_wide_unit_text(walk, text, ct.mb_loc_min);
-    return decode_limited(walk, text, longest_character);
+    return decode_limited(walk, text, gl_char_bytes);
 }
 
 // Bytes of a wide character by its value: as many as it needs, and no fewer than `min_len`.
 inline int32_t wide_length(gl_wchar wc, int32_t min_len) {
-    int32_t needed = wc <= 0xff ? 1 : wc <= 0xffff ? 2 : wc <= 0xffffff ? 3 : 4;
+    const int32_t needed = significant_bytes(wc);
     return needed > min_len ? needed : min_len;
 }
 
@@ -113,7 +112,7 @@ inline multi_step wide_step(const ctype_rec &ct, const multi_step *walk, const u
                               : walk_wide(walk, wc, ct.mb_loc_min);
 }
 
-// Writes the bytes of a wide character to dst[0..4). Returns their count, 0 when there is no such
+// Writes the bytes of a wide character to dst[0..gl_char_bytes). Returns their count, 0 when there is no such
 // character; what was written up to the byte that does not fit stays.
 inline int32_t encode_wide(const ctype_rec &ct, unsigned char *dst, gl_wchar wc) {
     int32_t length = wide_length(wc, ct.mb_loc_min);

@@ -7,6 +7,7 @@
 #include <kestrion/char_length.h>
 #include <kestrion/ctype_masks.h>
 
+#include <algorithm>
 #include <stdio.h>
 #include <string.h>
 
@@ -51,7 +52,7 @@ bool same_character(const char *a, const char *b, int32_t length) {
 
 // Finds the wanted character in the map and leaves the file behind it.
 bool find_in_map(locale_rec *lc, FILE *map, const char *wanted, int32_t wanted_length) {
-    char found[4];
+    char found[gl_char_bytes];
     for (;;) {
         int32_t length = gl_full_fgetmb(lc, found, map);
         if (length < 0)
@@ -64,7 +65,7 @@ bool find_in_map(locale_rec *lc, FILE *map, const char *wanted, int32_t wanted_l
 
 // Reads the digit behind a character of the map.
 int32_t map_columns(locale_rec *lc, FILE *map) {
-    char found[4];
+    char found[gl_char_bytes];
     int32_t length;
     do
         length = gl_full_fgetmb(lc, found, map);
@@ -156,9 +157,8 @@ int32_t gl_mbspwidth(locale_rec *lc, const char *s, const char *end) {
     const ctype_rec &ct = ctype_of(lc);
     int32_t sum = 0;
     while (s < end && !(end - s >= ct.mb_loc_min && gl_ismbsterm(lc, s))) {
-        int64_t left = end - s;
-        decoded_char c =
-            decode_limited(ct.class_walk, s, left < 4 ? static_cast<int32_t>(left) : 4);
+        const auto left = std::min<int64_t>(end - s, gl_char_bytes);
+        decoded_char c = decode_limited(ct.class_walk, s, static_cast<int32_t>(left));
         if (!is_char(c))
             return fail(lc, decode_error(c));
         int32_t width = columns(c.step.datum, full_width);

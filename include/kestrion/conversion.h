@@ -20,7 +20,7 @@ typedef struct multi_arr multi_arr;
 typedef struct cv_rec cv_rec;
 
 enum {
-    cv_sequence_size = 4 // longest shift sequence and longest character
+    cv_sequence_size = 4 // bytes of the longest shift sequence
 };
 
 // Bits of the control byte in front of each datum.

@@ -63,7 +63,7 @@ typedef struct case_pair {
 
 // A partner's bytes in the code set.
 typedef struct case_text {
-    unsigned char bytes[4];
+    unsigned char bytes[gl_char_bytes];
     int32_t length; // 0: no partner in this direction, or one that is no character
 } case_text;
 
