@@ -1,5 +1,6 @@
 #include <kestrion/portable_values.h>
 
+#include "base/byte_order.h"
 #include <kestrion/byte_blocks.h>
 #include <kestrion/strings.h>
 
@@ -24,19 +25,11 @@ constexpr bool host_is_network = host_format == "IEEEM";
 constexpr bool host_is_reversed = host_format == "IEEEI";
 
 template <typename Unsigned> Unsigned load_high_first(const void *source) {
-    unsigned char bytes[sizeof(Unsigned)];
-    memcpy(bytes, source, sizeof bytes);
-    Unsigned value = 0;
-    for (unsigned char byte : bytes)
-        value = static_cast<Unsigned>(value << 8 | byte);
-    return value;
+    return kestrion::load_big_endian<Unsigned>(static_cast<const unsigned char *>(source));
 }
 
 template <typename Unsigned> void store_high_first(Unsigned value, void *destination) {
-    unsigned char bytes[sizeof(Unsigned)];
-    for (size_t i = sizeof bytes; i-- > 0; value = static_cast<Unsigned>(value >> 8))
-        bytes[i] = static_cast<unsigned char>(value);
-    memcpy(destination, bytes, sizeof bytes);
+    kestrion::store_big_endian(value, static_cast<unsigned char *>(destination));
 }
 
 template <typename Float> double load(const void *bytes) {
@@ -90,10 +83,8 @@ uint64_t ldptr(const void *bytes) { return load_high_first<uint64_t>(bytes); }
 void stptr(uint64_t value, void *bytes) { store_high_first(value, bytes); }
 
 void stshort(int16_t value, void *bytes) {
-    const uint16_t bits = static_cast<uint16_t>(value);
-    const unsigned char low_first[] = {static_cast<unsigned char>(bits),
-                                       static_cast<unsigned char>(bits >> 8)};
-    memcpy(bytes, low_first, sizeof low_first);
+    kestrion::store_little_endian(static_cast<uint16_t>(value),
+                                  static_cast<unsigned char *>(bytes));
 }
 
 double ldfloat(const void *bytes) { return load<float>(bytes); }

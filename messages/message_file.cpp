@@ -1,5 +1,6 @@
 #include "messages/message_file.h"
 
+#include "base/byte_order.h"
 #include "base/regular_file.h"
 #include <kestrion/error_numbers.h>
 
@@ -17,13 +18,11 @@ namespace {
 constexpr int64_t image_limit = 256 * 1024;
 
 int32_t big_endian_16(const unsigned char *bytes) {
-    return static_cast<int16_t>(bytes[0] << 8 | bytes[1]);
+    return static_cast<int16_t>(load_big_endian<uint16_t>(bytes));
 }
 
 int32_t big_endian_32(const unsigned char *bytes) {
-    return static_cast<int32_t>(static_cast<uint32_t>(bytes[0]) << 24 |
-                                static_cast<uint32_t>(bytes[1]) << 16 |
-                                static_cast<uint32_t>(bytes[2]) << 8 | bytes[3]);
+    return static_cast<int32_t>(load_big_endian<uint32_t>(bytes));
 }
 
 bool read_fully(int fd, void *bytes, int64_t count, int64_t offset) {

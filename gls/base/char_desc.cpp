@@ -1,5 +1,8 @@
 #include <kestrion/char_desc.h>
 
+#include "base/byte_order.h"
+
+#include <algorithm>
 #include <string.h>
 
 void _gl_desc_offset(const gl_char_desc *desc, int32_t offset, gl_char_desc *out) {
@@ -7,9 +10,8 @@ void _gl_desc_offset(const gl_char_desc *desc, int32_t offset, gl_char_desc *out
     if (desc->length < 1 || desc->length > gl_char_bytes)
         return;
     // Adding the offset as a two's complement number borrows and carries by itself.
-    uint32_t value = _gl_desc_to_gl_wchar(desc) + static_cast<uint32_t>(offset);
-    for (int32_t i = desc->length; i-- > 0; value >>= 8)
-        out->bytes[i] = static_cast<unsigned char>(value);
+    kestrion::store_big_endian(_gl_desc_to_gl_wchar(desc) + static_cast<uint32_t>(offset),
+                               out->bytes, static_cast<size_t>(desc->length));
 }
 
 int _gl_desc_eq(const gl_char_desc *a, const gl_char_desc *b) {
@@ -20,10 +22,8 @@ int _gl_desc_eq(const gl_char_desc *a, const gl_char_desc *b) {
 }
 
 gl_wchar _gl_desc_to_gl_wchar(const gl_char_desc *desc) {
-    gl_wchar value = 0;
-    for (int32_t i = 0; i < desc->length && i < gl_char_bytes; ++i)
-        value = value << 8 | desc->bytes[i];
-    return value;
+    const auto length = std::clamp<int32_t>(desc->length, 0, gl_char_bytes);
+    return kestrion::load_big_endian<gl_wchar>(desc->bytes, static_cast<size_t>(length));
 }
 
 int _gl_digits(int64_t n, int base) {

@@ -1,5 +1,6 @@
 #include <kestrion/conversion_routines.h>
 
+#include "base/byte_order.h"
 #include "gls/base/engine_error.h"
 #include "gls/conversion/conversion_fast.h"
 #include "gls/conversion/conversion_tables.h"
@@ -227,9 +228,8 @@ const void *_gl_retrieve_little_endian_unicode_limit(const char *text, const mul
     const int32_t unit = cv->source_min_len == 4 && cv->source_max_len == 4 ? 4 : 2;
     if (limit < unit)
         return fail_with_null(cv, GLS_ERR_SPECIFIER);
-    uint32_t number = 0;
-    for (int32_t i = unit; i-- > 0;)
-        number = number << 8 | static_cast<unsigned char>(text[i]);
+    const auto *bytes = reinterpret_cast<const unsigned char *>(text);
+    const auto number = load_little_endian<uint32_t>(bytes, static_cast<size_t>(unit));
     return unit_datum(table, number, unit, cv);
 }
 
