@@ -1,8 +1,5 @@
-#include <kestrion/ext_funcs.h>
+#include "gls/engine_test.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
-#include <string.h>
 #include <time.h>
 
 namespace {

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Writes two lines in a directory of its own and gives the log back; each test is a fresh process.
+// Writes two lines in a directory of its own and gives the log back.
 std::string logged_with(const char *glslog, const char *glsdebug) {
     const temp_dir dir;
     std::filesystem::current_path(dir.path());
@@ -65,6 +65,8 @@ TEST(Log, IsOpenedAsTheRealUser) {
     EXPECT_EQ(openlogfile(dir.at("roots/own").c_str(), "a"), nullptr);
     EXPECT_EQ(geteuid(), 0u) << "the identity comes back";
     EXPECT_EQ(getegid(), 0u);
+    ASSERT_EQ(setresuid(0, 0, 0), 0);
+    ASSERT_EQ(setresgid(0, 0, 0), 0);
 }
 
 TEST(DynamicLoad, HandleRemembersWhatWentWrong) {

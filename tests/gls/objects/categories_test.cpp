@@ -24,9 +24,6 @@ protected:
         directory.write("other.lco", other.all());
         directory.write("wide.lco", object_of(two_byte()).all());
         directory.write("default.lco", latin.all());
-        unsetenv("GL_PATH");
-        for (const char *name : {"GL_ALL", "GL_LANG", "GL_CTYPE", "GL_TIME"})
-            unsetenv(name);
         gl_cache_registry(nullptr, "/nonexistent"); // the built-in one
         gl_create_null_locale_4(&lc);
     }
