@@ -119,7 +119,7 @@ int32_t gl_cv_unload(cv_rec *cv) {
         return 0;
     _gl_free_multi(cv->table_normal);
     _gl_free_multi(cv->table_shifted);
-    kestrion::free_fast_tables(cv);
+    free_fast_tables(cv);
     _gl_ext_free(cv);
     return 0;
 }

@@ -14,6 +14,5 @@ inline constexpr char cvo_directory_version[] = "9"; // tried after the word fir
 
 inline constexpr int32_t cvo_head_lines = 3;   // lines before the skipped ones
 inline constexpr int32_t cvo_line_limit = 126; // characters of a head line
-inline constexpr int32_t cvo_max_char = 4;     // bytes of the longest character, and sequence
 
 } // namespace kestrion
