@@ -1,7 +1,8 @@
-// Integers in a stated byte order, which files and stored values have whatever the machine's own is.
+// Integers in a stated byte order, which files and stored values have whatever the machine's own
+// is.
 //
-// load_big_endian<uint32_t>(bytes) of 12 34 56 78 is 0x12345678, load_little_endian is 0x78563412. The
-// forms with a count take an integer of fewer bytes than the type has.
+// load_big_endian<uint32_t>(bytes) of 12 34 56 78 is 0x12345678, load_little_endian is 0x78563412.
+// The forms with a count take an integer of fewer bytes than the type has.
 
 #pragma once
 

@@ -34,7 +34,7 @@ std::string utf8(uint32_t code) {
 }
 
 // All characters up to the last of the planes in use, in classes that change every few characters
-// in the alphabets and seldom behind them.
+// in the alphabets and seldom after them.
 multi_arr *utf8_table() {
     const uint16_t none = 0;
     multi_arr *const table = _gl_create_multi(2, 0, &none);

@@ -4,8 +4,8 @@
 
 namespace kestrion {
 
-// The number at the start of a text, and where it ends. A text that is no number gives 0 and ends at
-// its start. The C++ library's own conversion would bring the whole of the mathematical library into
+// The number at the start of a text, and where it ends. Any other text gives 0 and ends at its
+// start. The C++ library's own conversion would bring the whole of the mathematical library into
 // every program's start.
 double c_locale_number(const char *text, const char **end);
 

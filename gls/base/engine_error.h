@@ -17,8 +17,8 @@ inline void set_engine_error(void *ctx, int32_t code) { *_gl_ext_errno(ctx) = co
     set_engine_error(ctx, code);
 }
 
-// The ways to fail. They store the error and give the result of a failed operation: -1 from one that
-// returns a number, false from one that asks, null from one that finds or makes something.
+// The ways to fail. They store the error and give the result of a failed operation: -1 from one
+// that returns a number, false from one that asks, null from one that finds or makes something.
 inline int fail(void *ctx, int32_t code) {
     store_failure(ctx, code);
     return -1;

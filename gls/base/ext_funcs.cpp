@@ -11,7 +11,7 @@ using namespace kestrion;
 
 namespace {
 
-// The function to call for `slot`: the host's where there is one, else the built-in.
+// The function to call for `slot`: the host's if it has filled the slot, else the built-in.
 template <typename Function> Function *of_slot(gl_ext_slot slot, Function *built_in) {
     const gl_function hosts = _gl_ext_func != 0 ? funcptr_arr[slot] : nullptr;
     return hosts != nullptr ? reinterpret_cast<Function *>(hosts) : built_in;

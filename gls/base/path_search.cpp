@@ -28,7 +28,7 @@ public:
             functions_->release(heap_);
     }
 
-    // Empties the path and makes room for `size` bytes; false with the error word 3.
+    // Empties the path and makes room for `size` bytes; false with GLS_ERR_NO_MEMORY.
     bool start(size_t size) {
         length_ = 0;
         if (size <= capacity_)

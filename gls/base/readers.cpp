@@ -12,7 +12,7 @@ using namespace kestrion;
 
 namespace {
 
-constexpr int max_kept_digits = 39;  // behind the first character of an integer
+constexpr int max_kept_digits = 39;  // after the first character of an integer
 constexpr int max_float_length = 80; // characters of a floating number
 constexpr int max_hex_digits = 8;
 
@@ -47,9 +47,9 @@ uint64_t append_digit(uint64_t magnitude, unsigned digit, uint64_t limit) {
 
 double kestrion::c_locale_number(const char *text, const char **end) {
     locale_t c_locale = newlocale(LC_ALL_MASK, "C", nullptr); // the C library's own: no memory
-    char *behind = nullptr;
-    const double value = strtod_l(text, &behind, c_locale);
-    *end = behind;
+    char *rest = nullptr;
+    const double value = strtod_l(text, &rest, c_locale);
+    *end = rest;
     return value;
 }
 

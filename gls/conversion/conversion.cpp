@@ -126,7 +126,7 @@ int32_t gl_cv_unload(cv_rec *cv) {
 
 int32_t gl_cv_mconv(cv_rec *cv, cv_state *state, const char **source, int32_t *source_length,
                     char **target, int32_t *room, int32_t *lossy) {
-    if (cv->convert == nullptr) // a stand-in or a failed record: its word tells why already
+    if (cv->convert == nullptr) // a stand-in or a failed record: its word says why already
         return -1;
     if (cv->source_stateful == 0)
         return cv->convert(cv, source, source_length, target, room, lossy);

@@ -60,7 +60,7 @@ template <bool Storing> uint32_t run_single(const single_tables &fast, piece &te
     return controls;
 }
 
-// The entry of the character at `text`, with its length; 0 when there is none.
+// The entry of the character at `text`, with its length; 0 for what is not a character.
 template <typename Entry>
 inline Entry character(const Entry *__restrict entries, const unsigned char *text, size_t &used) {
     Entry entry = entries[text[0]];
@@ -181,7 +181,7 @@ void convert_fast(const cv_rec *cv, const char **source, int32_t *source_length,
                   .target =
                       target != nullptr ? reinterpret_cast<unsigned char *>(*target) : nullptr,
                   .room = static_cast<size_t>(*room)};
-    if (overlap(text)) // blocks would be read behind what was written of the last
+    if (overlap(text)) // a block would be read after the last one was written over it
         return;
     const uint32_t controls = target != nullptr ? run<true>(fast, text) : run<false>(fast, text);
     if ((controls & CV_INEXACT) != 0)

@@ -1,4 +1,5 @@
-// The fast way through the inside of a text, by the derived tables of gls/conversion/conversion_tables.h.
+// The fast way through the inside of a text, by the derived tables of
+// gls/conversion/conversion_tables.h.
 //
 // It stops at whatever needs a decision: near either end, at an error, at a terminator; what it did
 // is exactly what the routine would have done.

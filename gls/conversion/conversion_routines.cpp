@@ -110,8 +110,8 @@ bool may_pass_terminator(const cv_rec *cv) {
            (cv->table_shifted != nullptr && cv->table_shifted->min_len > 1);
 }
 
-// The next character of a terminated text: it ends in front of the terminator, or is it. Both are
-// whole units of the source's shortest character.
+// The next character of a terminated text: it ends before the terminator, or is the terminator.
+// Both are whole units of the source's shortest character.
 const unsigned char *find_before_terminator(const multi_arr *table, const walk &w, int32_t &used) {
     const int32_t unit = std::clamp<int32_t>(w.cv->source_min_len, 1, gl_char_bytes);
     int32_t limit = 0;
@@ -188,7 +188,7 @@ template <auto find, typename Write> int32_t convert_each(walk w, int32_t *lossy
     return 0;
 }
 
-// A converted character and what stands around it when a state changes.
+// A converted character and the shift sequences around it.
 struct shifted_output {
     unsigned char bytes[2 * cv_sequence_size + gl_char_bytes];
     int32_t length = 0;

@@ -44,7 +44,7 @@ size_t count_units(const multi_node *node, bool root) {
     return units;
 }
 
-// Lays the states out, a node in front of its children.
+// Lays the states out, a node before its children.
 template <typename Entry> struct layout {
     const multi_arr *table;
     Entry *entries;
@@ -67,7 +67,7 @@ template <typename Entry> struct layout {
     Entry place(const multi_node *node, bool root) {
         const state_range range = range_of(node, root);
         const uint32_t base = used_units;
-        used_units += root ? root_units + 1 : range.units; // the empty unit lies behind the root
+        used_units += root ? root_units + 1 : range.units; // the empty unit follows the root
         Entry *own = entries + static_cast<size_t>(base) * state_unit;
         for (uint32_t i = 0; i < range.units * state_unit; ++i) {
             const uint32_t b = range.first + i;

@@ -18,7 +18,7 @@
 // to itself, so that a walk has nothing to test but its end.
 //
 // Trail bytes of most code sets lie in one quarter, which keeps the tables in the cache. Three-byte
-// characters of UTF-8 get there by one step more directly: rows[] has the state behind their first
+// characters of UTF-8 get there by one step more directly: rows[] has the state after their first
 // two bytes. Runs of ASCII that stay as they are move eight bytes at a time.
 
 #pragma once
@@ -30,7 +30,7 @@ namespace kestrion {
 
 inline constexpr uint32_t state_unit = 64; // entries
 inline constexpr uint32_t root_units = 4;
-inline constexpr uint32_t empty_unit = root_units; // behind the root: leads to itself alone
+inline constexpr uint32_t empty_unit = root_units; // after the root: leads to itself alone
 inline constexpr uint32_t state_quarter_shift = 8;
 inline constexpr uint32_t state_quarter_mark = 3u << 10;
 inline constexpr uint32_t state_base_shift = 12;
@@ -73,7 +73,7 @@ template <typename Entry> uint32_t first_entry(Entry state) {
 }
 
 // Make the tables of a record with a complete table_normal and no shift states. Without memory, or
-// for a tree that would take too much of it, there are none, and convert_fast does nothing.
+// for a tree that would take too much of it, they make nothing, and then convert_fast does nothing.
 void make_single_byte_tables(cv_rec *cv);
 void make_flat_tables(cv_rec *cv);
 void free_fast_tables(cv_rec *cv);

@@ -8,7 +8,7 @@ using namespace kestrion;
 
 namespace {
 
-// The most children that the one byte of a child slot can tell apart.
+// The most children that the one byte of a child slot can number.
 constexpr int32_t max_children = 256;
 
 // Smallest shift whose slots hold `size` bytes.

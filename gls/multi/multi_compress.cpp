@@ -22,7 +22,7 @@ public:
 
     // Makes room for as many arrays as there are; the only step that can fail.
     bool reserve(int32_t present);
-    // Index of the first equal array, or of this one behind the last.
+    // Index of the first equal array, or of this one after the last.
     int32_t index_of(unsigned char *array);
 
     unsigned char **arrays = nullptr; // taken over by the table in the end

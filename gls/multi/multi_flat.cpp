@@ -103,7 +103,7 @@ bool flattening::place(const multi_node *node, uint32_t &state) {
             return true;
         }
     }
-    // The row behind the root's is that of the number 1, the end of a sequence, and stays empty.
+    // The row after the root's is that of the number 1, the end of a sequence, and stays empty.
     state = states == 0 ? 0 : states;
     states = states == 0 ? uint32_t{multi_first_state} : states + 1;
     if (states > max_states || (states > capacity && !grow()))

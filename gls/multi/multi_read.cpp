@@ -98,7 +98,7 @@ bool table_reader::read_array(unsigned char *array, int32_t shift, uint32_t size
         const uint32_t repeats = _gl_get_hex(stream_, 3);
         if (stream_ended(stream_))
             return false;
-        // The end is seven zeros; the line end behind them was the last digit of `repeats`.
+        // The end is seven zeros; the line end after them was the last digit of `repeats`.
         if (length == 0)
             return true;
         if (length > gl_bytes || start + length * repeats > gl_bytes)

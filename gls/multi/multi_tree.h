@@ -47,8 +47,8 @@ inline size_t multi_data_array_size(const multi_arr *table) {
     return static_cast<size_t>(gl_bytes) << table->shift;
 }
 
-// Datum of a number of exactly `levels` bytes, walked from the highest; or null, with the error word
-// of `ctx` set.
+// Datum of a number of exactly `levels` bytes, walked from the highest; or null, with the error
+// word of `ctx` set.
 const void *unit_datum(const multi_arr *table, uint32_t number, int32_t levels, void *ctx);
 
 // Bytes of a wide character that are not leading zeros, at least one.

@@ -95,7 +95,7 @@ line_state registry_file::next(folded_name &name, uint16_t &number) {
     return skip_rest(c) ? line_state::whole : line_state::unterminated;
 }
 
-// Opens the registry; null with the error word 15, or 3 where that was the cause.
+// Opens the registry; null with GLS_ERR_NO_REGISTRY, or GLS_ERR_NO_MEMORY when that was the cause.
 FILE *open_registry(void *ctx, const char *regfile) {
     int32_t &word = *_gl_ext_errno(ctx);
     const int32_t word_before = word;

@@ -141,7 +141,7 @@ constexpr gls_registry_row gls_canned_registry[] = {
 
 namespace {
 
-// "greek" stands here twice; look-ups are in order, and the first of equal names wins.
+// "greek" is here twice; look-ups are in order, and the first of equal names wins.
 static_assert(std::size(gls_canned_registry) == 123 + 1);
 
 using kestrion::is_ascii_upper;

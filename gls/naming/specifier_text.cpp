@@ -93,7 +93,7 @@ int parsed_spec::parse(void *ctx, text_view spec, const char *regfile) {
         const int32_t word_before = word;
         word = GLS_OK;
         const int its_number = gl_cs_name2cs_num(ctx, name, regfile);
-        // A name may also spell the unknown number, which is no failure of the registry.
+        // A name may also spell the unknown number, with which the registry did not fail.
         if (its_number == gl_unknown_code_set)
             return word == GLS_OK ? fail(ctx, GLS_ERR_SPECIFIER) : -1;
         word = word_before;

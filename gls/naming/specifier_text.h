@@ -65,7 +65,7 @@ inline constexpr std::string_view spec_separator = " ; ";
 // Slot of the keyword at the start of `text`, or -1.
 int keyword_slot(std::string_view text);
 
-// Length of "la_TE" or "lan_TE" at the start of a text, 0 if there is none.
+// Length of "la_TE" or "lan_TE" at the start of a text, or 0.
 size_t language_and_territory(std::string_view text);
 
 // The pieces of a file name, each terminated.
@@ -98,11 +98,11 @@ struct spec_items {
     bool has_all() const { return !composite || count == gl_category_count; }
 };
 
-// Cuts a text into categories; the bodies are not looked at. Behind the last one a separator may
-// stand, as the queries of a record write it. False when the text is no such thing.
+// Cuts a text into categories; the bodies are not looked at. The last one may have a separator
+// after it, as the queries of a record write it. False for any other text.
 bool cut_spec(std::string_view text, spec_items &found);
 
-// Writes what stands in front of a body in a composite text.
+// Writes what comes before a body in a composite text.
 void start_item(out_text &out, const spec_item &category, bool first);
 
 // Room that a caller's buffer has for such a text.

@@ -155,10 +155,10 @@ int gl_lc_short2lc_long(void *ctx, const char *short_spec, char *out, const char
     const text_view first = rest.substr(0, rest.find(';'));
     char composed[gl_composite_spec_size];
     out_text text(composed, sizeof composed);
-    bool another = true; // a separator stands in front of what is left
+    bool another = true; // a separator comes before what is left
     for (size_t slot = 0; slot < gl_category_count; ++slot) {
         const text_view piece = rest.substr(0, rest.find(';'));
-        // Behind the last separator nothing is left, and the first piece stands for the others.
+        // After the last separator nothing is left, and the first piece serves for the others.
         another = piece.size() < rest.size();
         rest.remove_prefix(piece.size() + (another ? 1 : 0));
         text.add(slot == 0 ? text_view() : spec_separator);

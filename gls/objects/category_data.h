@@ -17,8 +17,8 @@
 
 namespace kestrion {
 
-// Zero bytes behind a text. Where characters have several bytes, one that begins in front of the
-// end may take three of them, and the terminator behind it four.
+// Zero bytes after a text. When characters have several bytes, one that begins before the end may
+// take three of them, and the terminator after it four.
 inline constexpr size_t text_tail = 7;
 
 extern char no_text[gl_char_bytes];
@@ -29,10 +29,10 @@ extern gl_wchar no_wide_text[1];
 // What the public readers return: 0, or 1 with the error word set.
 inline int32_t reader_result(bool read) { return read ? 0 : 1; }
 
-// A line feed where there must be one; else 11.
+// A line feed; GLS_ERR_MALFORMED for anything else.
 bool read_line_end(locale_rec *lc, FILE *file);
 
-// A number within [low, high]; else 11.
+// A number within [low, high]; GLS_ERR_MALFORMED for any other.
 bool read_number(locale_rec *lc, FILE *file, int64_t low, int64_t high, int64_t &out);
 
 // The same with its line feed.
@@ -49,7 +49,7 @@ bool make_empty_table(locale_rec *lc, multi_arr *&table);
 
 // ---- Arrays that grow as entries are read
 
-// Makes room for one more entry behind the first `count`.
+// Makes room for one more entry after the first `count`.
 template <class entry> bool make_room(locale_rec *lc, entry *&array, size_t count, size_t &room) {
     if (count < room)
         return true;
@@ -110,7 +110,7 @@ void free_texts(record &r, const text_field<record> (&fields)[n]) {
     }
 }
 
-// ---- Categories: the empty form (false with 3 when tables can't be made), and what frees one
+// ---- Categories: the empty form (false with GLS_ERR_NO_MEMORY), and what frees one
 
 bool empty_ctype(locale_rec *lc);
 bool empty_collate(locale_rec *lc);

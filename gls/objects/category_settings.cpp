@@ -36,7 +36,7 @@ bool copy_name(const char *name, const char *end, char *out) {
     return true;
 }
 
-// What a setting says of one category: what stands behind its keyword and "=", else the whole.
+// What a setting says of one category: what follows its keyword and "=", else the whole.
 bool name_of_category(const char *text, const char *keyword, char *out) {
     const char *found = strstr(text, keyword);
     const char *value = found != nullptr ? strchr(found, '=') : nullptr;
@@ -107,7 +107,7 @@ bool set_all(locale_rec *lc, const char *text, const char *dir) {
 }
 
 // Loads what a setting names and settles the record. Categories of different code sets are a
-// warning: the word 12 and a good result.
+// warning: GLS_ERR_MIXED_CODE_SETS and a good result.
 bool apply_setting(locale_rec *lc, int32_t category, const char *text, const char *dir) {
     if (strlen(text) > gl_setting_limit)
         return refuse(lc, GLS_ERR_ARGUMENT);

@@ -146,7 +146,7 @@ bool are_characters(const multi_node *cases, const multi_node *classes) {
     return true;
 }
 
-// Keeps the partners of each pair as bytes. A partner that is no character is left out: the
+// Keeps the partners of each pair as bytes. A partner that the code set lacks is left out: the
 // character then stays as it is.
 bool spell_partners(locale_rec *lc, ctype_rec &ct) {
     size_t pairs = static_cast<size_t>(ct.case_pair_count) + 1;
@@ -222,22 +222,22 @@ uint32_t prefixes_for(const ctype_rec &ct) {
     return ct.mb_loc_min != 1 ? 0 : ct.mb_loc_max <= 2 ? one_byte_prefixes : two_byte_prefixes;
 }
 
-// The state behind `byte`; multi_end, from which nothing goes on, where the byte leads to none.
-uint16_t state_behind(const multi_step *walk, size_t state, size_t byte) {
+// The state after `byte`; multi_end, from which nothing goes on, when the byte leads to no state.
+uint16_t state_after(const multi_step *walk, size_t state, size_t byte) {
     uint16_t next = walk[state << 8 | byte].next;
     return next >= multi_first_state ? next : uint16_t{multi_end};
 }
 
-// Lists the states behind all bytes of a wide character but the last.
+// Lists the states after all bytes of a wide character but the last.
 bool list_prefixes(locale_rec *lc, const multi_step *walk, uint32_t count, uint16_t *&prefixes) {
     if (count == 0)
         return true;
     if (!make_array(lc, prefixes, count))
         return false;
     for (size_t first = 1; first < one_byte_prefixes; ++first) {
-        prefixes[first] = state_behind(walk, 0, first);
+        prefixes[first] = state_after(walk, 0, first);
         for (size_t second = 0; count == two_byte_prefixes && second < 0x100; ++second)
-            prefixes[first << 8 | second] = state_behind(walk, prefixes[first], second);
+            prefixes[first << 8 | second] = state_after(walk, prefixes[first], second);
     }
     return true;
 }
@@ -249,7 +249,7 @@ uint16_t shift_between(gl_wchar wc, gl_wchar partner) {
 }
 
 // Lists the shifts of the wide characters of one and two bytes: Latin text has no others. The
-// entries of what is no character stay untouched memory.
+// entries of other values stay untouched memory.
 bool list_case_shifts(locale_rec *lc, ctype_rec &ct) {
     uint32_t firsts = ct.prefix_count == 0 ? 0 : ct.mb_loc_max == 1 ? 1 : 0x100;
     if (firsts == 0)
@@ -315,7 +315,7 @@ bool make_byte_map(locale_rec *lc, uint8_t *&map, gl_wchar (*other_case)(locale_
         gl_wchar other = other_case(lc, byte);
         map[byte] = static_cast<uint8_t>(other <= 0xff ? other : byte);
     }
-    lc->err = word; // a byte that is no character is no failure here
+    lc->err = word; // an invalid byte is not a failure here
     return true;
 }
 

@@ -21,7 +21,7 @@ namespace {
 
 constexpr size_t line_size = lco_line_limit + 2; // the line feed and the terminator
 
-// Finds the number behind the "=" of the head's third line.
+// Finds the number after the "=" of the head's third line.
 bool head_line_count(const char *line, int64_t &count) {
     const char *number = strchr(line, '=');
     if (number == nullptr)
@@ -59,8 +59,8 @@ int32_t read_head_lines(FILE *file, char *cs_name) {
                : GLS_ERR_MALFORMED;
 }
 
-// Goes behind the marker. Lines of data may be longer than a piece; a marker only counts where a
-// line begins.
+// Reads on to the end of the marker. Lines of data may be longer than a piece; a marker only counts
+// at the beginning of a line.
 bool find_marker(FILE *file, const char *marker) {
     char piece[line_size];
     bool line_begins = true;

@@ -30,8 +30,8 @@ bool make_all_empty(locale_rec *lc) {
     return set_function_pointers(lc) == 0;
 }
 
-// Sets all categories of a new record. The record is handed out also when that fails: its word
-// tells.
+// Sets all categories of a new record. The record is handed out also when that fails: its error
+// word says why.
 int32_t load_all(locale_rec **out, const char *setting, const char *dir) {
     char *names = set_categories(*out, GL_CAT_ALL, setting, dir);
     bool loaded = names != nullptr;
@@ -64,7 +64,7 @@ int32_t gl_lc_load(locale_rec **out, const char *spec, const char *regfile, cons
     const char *setting = name;
     if (gl_lc_spec2lc_fname(*out, spec, name, regfile, nullptr) != 0)
         setting = spec;
-    set_engine_error(*out, GLS_OK); // a text that is no specifier is no failure
+    set_engine_error(*out, GLS_OK); // any other text is a file name
     return load_all(out, setting, dir);
 }
 

@@ -9,7 +9,7 @@ using namespace kestrion;
 
 namespace {
 
-// In the order of the file; the group sizes stand behind the first ones.
+// In the order of the file; the group sizes follow the first ones.
 constexpr text_field<numeric_rec> numeric_separators[] = {
     {&numeric_rec::decimal_point, &numeric_rec::wide_decimal_point},
     {&numeric_rec::thousands_sep, &numeric_rec::wide_thousands_sep},

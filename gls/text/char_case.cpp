@@ -27,7 +27,7 @@ template <letter_case to> uint64_t ascii_word_case(uint64_t word) {
     return word ^ (letters >> 2);
 }
 
-// Bytes of a word, in the order of memory, in front of the first one above 0x7f.
+// Bytes of a word, in the order of memory, before the first one above 0x7f.
 size_t ascii_bytes(uint64_t word) {
     uint64_t high = word & each_byte(0x80);
     int zeros = std::endian::native == std::endian::little ? std::countr_zero(high)
@@ -107,7 +107,7 @@ template <letter_case to> int32_t multibyte_character(locale_rec *lc, char *dst,
     if (is_char(c))
         return read_and_written(c.length, write_case<to>(ct, c, dst, src));
     set_engine_error(lc, GLS_ERR_BAD_CHARACTER);
-    // A walk that broke off at the terminator has looked at it; a caller that goes on behind what
+    // A walk that broke off at the terminator has looked at it; a caller that goes on after what
     // was read must still meet it.
     int32_t length = c.length;
     while (length > ct.mb_loc_min && src[length - 1] == 0)

@@ -11,7 +11,7 @@ using namespace kestrion;
 
 namespace {
 
-// The limit for an operation that got one below 1, where -1 stands for a terminated text; 0 when
+// The limit for an operation that got one below 1, of which -1 means a terminated text; 0 when
 // there is nothing to decode, with the error word set.
 [[gnu::cold]] int32_t settled_limit(locale_rec *lc, const char *s, int32_t limit) {
     if (limit == -1) {
@@ -175,7 +175,7 @@ int32_t _gl_is_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int32_t 
 
 int32_t _qvt_gl_is_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int32_t length,
                             int32_t size) {
-    // The end of a counted source is looked at behind each element, so that one is always
+    // The end of a counted source is looked for after each element, so that one is always
     // converted.
     for (int32_t i = 0; i < size; ++i) {
         if (length < 0 && src[i] == 0) {

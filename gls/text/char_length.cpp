@@ -23,7 +23,7 @@ bool decode_for_length(locale_rec *lc, const char *s, int32_t limit, decoded_cha
 }
 
 // Walks terminated text to its zero character. Returns false at an invalid character, else the
-// bytes and characters in front of the zero.
+// bytes and characters before the zero.
 bool measure_text(locale_rec *lc, const char *s, int32_t &bytes, int32_t &characters) {
     const ctype_rec &ct = ctype_of(lc);
     bytes = characters = 0;

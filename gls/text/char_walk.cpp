@@ -57,7 +57,7 @@ struct ascii_tables {
     uint16_t classes[256];
     multi_step class_walk[256];
     multi_step case_walk[256];
-    case_pair pairs[27]; // A..Z behind the unused first one
+    case_pair pairs[27]; // A..Z after the unused first one
     case_text texts[2 * 27];
     uint16_t prefixes[1]; // single bytes have none: the root
 };

@@ -16,14 +16,14 @@
 
 namespace kestrion {
 
-// What stands in for a null locale: every byte is a character, those below 80 with the classes and
+// What serves for a null locale: every byte is a character, those below 80 with the classes and
 // the case of ASCII.
 extern const locale_rec ascii_locale;
 
 // The flat table of an empty category: no byte begins a character.
 extern const multi_step no_characters[256];
 
-// What stands in for a category that is empty.
+// What serves for an empty category.
 inline constexpr ctype_rec no_ctype = {.mb_loc_min = 4,
                                        .class_walk = no_characters,
                                        .byte_walk = no_characters,
@@ -50,7 +50,7 @@ inline int32_t decode_error(const decoded_char &c) {
     return c.step.next == multi_stop ? GLS_ERR_BAD_CHARACTER : GLS_ERR_SPECIFIER;
 }
 
-// The step for a byte behind a step that goes on.
+// The step for a byte after a step that goes on.
 inline multi_step next_step(const multi_step *walk, multi_step step, unsigned char byte) {
     return walk[static_cast<size_t>(step.next) << 8 | byte];
 }
@@ -76,11 +76,11 @@ inline decoded_char decode_limited(const multi_step *walk, const char *text, int
 }
 
 // Decodes terminated text of a code set whose shortest character has several bytes: a character
-// that is still open in front of a terminator is none.
+// that is still open before a terminator is not a character.
 decoded_char decode_wide_unit_text(const multi_step *walk, const char *text, int32_t min_len);
 
-// Decodes terminated text. No byte behind the terminator is read: with a shortest character of one
-// byte, the tables hold no sequence with a zero byte behind the first.
+// Decodes terminated text. No byte after the terminator is read: with a shortest character of one
+// byte, the tables hold no sequence with a zero byte after the first.
 inline decoded_char decode_text(const ctype_rec &ct, const multi_step *walk, const char *text) {
     if (ct.mb_loc_min != 1)
         return decode_wide_unit_text(walk, text, ct.mb_loc_min);
@@ -93,8 +93,8 @@ inline int32_t wide_length(gl_wchar wc, int32_t min_len) {
     return needed > min_len ? needed : min_len;
 }
 
-// Walks the bytes of a wide character, highest first. Returns the last step; one whose `next` is
-// not multi_end means that there is no such character.
+// Walks the bytes of a wide character, highest first. Returns the last step, whose `next` is
+// multi_end for a character.
 multi_step walk_wide(const multi_step *walk, gl_wchar wc, int32_t min_len);
 
 // Whether a wide character's step is found by its prefix, in two loads: those of one to three
@@ -112,8 +112,8 @@ inline multi_step wide_step(const ctype_rec &ct, const multi_step *walk, const u
                               : walk_wide(walk, wc, ct.mb_loc_min);
 }
 
-// Writes the bytes of a wide character to dst[0..gl_char_bytes). Returns their count, 0 when there is no such
-// character; what was written up to the byte that does not fit stays.
+// Writes the bytes of a wide character to dst[0..gl_char_bytes). Returns their count, or 0 for
+// what is not a character; what was written up to the byte that does not fit stays.
 inline int32_t encode_wide(const ctype_rec &ct, unsigned char *dst, gl_wchar wc) {
     int32_t length = wide_length(wc, ct.mb_loc_min);
     uint32_t state = 0;

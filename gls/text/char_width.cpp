@@ -15,7 +15,7 @@ using namespace kestrion;
 
 namespace {
 
-// The class mask of a wide character; 0 for one that is none.
+// The class mask of a wide character, 0 for an invalid one.
 uint32_t wide_mask(locale_rec *lc, gl_wchar wc) {
     const locale_rec &l = locale_or_ascii(lc);
     if (l.sb_class != nullptr)
@@ -50,7 +50,7 @@ bool same_character(const char *a, const char *b, int32_t length) {
     return memcmp(a, b, static_cast<size_t>(length)) == 0;
 }
 
-// Finds the wanted character in the map and leaves the file behind it.
+// Finds the wanted character in the map; what follows it is read next.
 bool find_in_map(locale_rec *lc, FILE *map, const char *wanted, int32_t wanted_length) {
     char found[gl_char_bytes];
     for (;;) {
@@ -63,7 +63,7 @@ bool find_in_map(locale_rec *lc, FILE *map, const char *wanted, int32_t wanted_l
     }
 }
 
-// Reads the digit behind a character of the map.
+// Reads the digit after a character of the map.
 int32_t map_columns(locale_rec *lc, FILE *map) {
     char found[gl_char_bytes];
     int32_t length;

@@ -10,7 +10,7 @@ using namespace kestrion;
 
 namespace {
 
-// The element that a node stands for.
+// The element of a name that a node holds.
 unsigned char &element_of(gl_mb_name_node &node) { return node.byte; }
 gl_wchar &element_of(gl_wc_name_node &node) { return node.character; }
 unsigned char element_of(const gl_mb_name_node &node) { return node.byte; }
@@ -79,7 +79,7 @@ template <typename Node> struct best_name {
 struct folded_char {
     unsigned char bytes[gl_char_bytes];
     int32_t length; // of the lower case
-    int32_t read;   // of the character; 0 when there is none
+    int32_t read;   // of the character; 0 without one
 };
 
 folded_char fold(locale_rec *lc, const char *text, int32_t limit) {
@@ -106,7 +106,7 @@ bool at_end(locale_rec *lc, const char *text, int32_t left) {
     return left < 0 ? gl_ismbsterm(lc, text) != 0 : left == 0;
 }
 
-// Keeps the error word over a lookup: text behind a name is no concern of the caller's.
+// Keeps the error word over a lookup: the caller does not care what follows a name.
 class kept_error_word {
 public:
     explicit kept_error_word(locale_rec *lc) : word_(*_gl_ext_errno(lc)), before_(word_) {}

@@ -5,9 +5,16 @@
 // record have one code set.
 //
 // Operations that return an int give 0 or a negative value and leave the cause in the record's
-// error word: 3 no memory, 8 file can't be opened, 9 bad argument, 11 malformed file, 12 categories
-// of different code sets, 50 unknown calendar, 51 object of another version, 55 a category failed
-// without a word of its own, 58 code set differs from that of the other categories.
+// error word:
+//     GLS_ERR_NO_MEMORY        an allocation failed
+//     GLS_ERR_FILE             a file can't be opened
+//     GLS_ERR_ARGUMENT         bad argument
+//     GLS_ERR_MALFORMED        a file breaks its grammar
+//     GLS_ERR_MIXED_CODE_SETS  the categories have different code sets
+//     GLS_ERR_CALENDAR         unknown calendar
+//     GLS_ERR_OBJECT_VERSION   an object of another version
+//     GLS_ERR_CATEGORY         a category failed without a word of its own
+//     GLS_ERR_OTHER_CODE_SET   the code set differs from that of the other categories
 //
 //     locale_rec *lc;
 //     if (gl_lc_load(&lc, "en_US.8859-1", nullptr, nullptr) == 0) ...
@@ -19,11 +26,11 @@
 
 #include <stdint.h>
 
-// Records that stand for failure where none could be made. gl_lc_unload ignores them.
 #ifdef __cplusplus
 extern "C" {
 #endif
 
+// Records that an operation hands out when it could make none. gl_lc_unload ignores them.
 extern locale_rec loc_nomem; // no memory
 extern locale_rec loc_filer; // file error
 
@@ -32,8 +39,8 @@ enum { gl_setting_limit = 311 };
 
 // ---- Whole locales
 
-// Loads the locale of a specifier; a text that is no specifier is taken as an object's file name.
-// out      the record, also after a failure: its error word tells why; loc_nomem without memory.
+// Loads the locale of a specifier; any other text is the file name of an object.
+// out      the record, also after a failure: its error word says why; loc_nomem without memory.
 // regfile  code-set registry to use instead of the installed one, or null.
 // dir      directory to read objects from instead of the search, or null.
 // Returns 0, or -1 when the error word is not 0.
@@ -57,8 +64,8 @@ int32_t gl_create_null_locale_4(locale_rec **out);
 //          name; or keywords and file names, "GL_CTYPE = en_us/0333.lco ; GL_TIME = ...". The name
 //          "native" is the default object.
 // Returns  a text that the caller frees with gl_destroystring, or null with the cause in the error
-//          word. Word 12 comes with a text: the category is loaded, the others have another code
-//          set.
+//          word. GLS_ERR_MIXED_CODE_SETS comes with a text: the category is loaded, the others have
+//          another code set.
 // Example  gl_setlocale_4(lc, GL_CAT_TIME, nullptr) -> "en_us/0333.lco"
 char *gl_setlocale_4(locale_rec *lc, int32_t category, const char *text);
 
@@ -71,10 +78,12 @@ int32_t load_category(locale_rec *lc, int32_t category, const char *text, char *
                       const char *dir);
 
 // Settles what depends on several categories, after any of them changed: the flags, the routines
-// and the agreement of the code sets. Returns 0; -1 with word 3 or 12.
+// and the agreement of the code sets. Returns 0, or -1 with GLS_ERR_NO_MEMORY or
+// GLS_ERR_MIXED_CODE_SETS.
 int32_t update_locale(locale_rec *lc);
 
-// Chooses the routines by is_single_byte and makes the byte tables. Returns 0; -1 with word 3.
+// Chooses the routines by is_single_byte and makes the byte tables. Returns 0, or -1 with
+// GLS_ERR_NO_MEMORY.
 int32_t set_function_pointers(locale_rec *lc);
 
 // Writes the file name of a category; for GL_CAT_ALL all six, "GL_CTYPE = name ; " each.
@@ -84,7 +93,7 @@ void query_locname(const locale_rec *lc, int32_t category, char *out);
 // Fills the wide forms of the code-set and file names.
 void init_locale_info(locale_rec *lc);
 
-// Gives a category its empty form. Returns 0; -1 with word 3.
+// Gives a category its empty form. Returns 0, or -1 with GLS_ERR_NO_MEMORY.
 int32_t gl_make_null_category(locale_rec *lc, int32_t category);
 
 // Frees what a category holds; data lent by another record are only forgotten.
@@ -95,8 +104,8 @@ void gl_free_category(locale_rec *lc, int32_t category);
 // Makes `dest` use a category of `source`, which must live longer. Frees what dest had.
 void copy_category(locale_rec *dest, const locale_rec *source, int32_t category);
 
-// The same, then settles the record. Returns 0; -1 with word 9 (bad category), 3, or 12 when the
-// code sets now differ.
+// The same, then settles the record. Returns 0, or -1 with GLS_ERR_ARGUMENT (bad category),
+// GLS_ERR_NO_MEMORY, or GLS_ERR_MIXED_CODE_SETS when the code sets now differ.
 int32_t gl_copy_cat(locale_rec *dest, const locale_rec *source, int32_t category);
 
 // Frees a record whose categories may belong to others.

@@ -15,25 +15,26 @@
 extern "C" {
 #endif
 
-// Returns the other case of a wide character; an invalid one is returned as it is with error 1.
+// Returns the other case of a wide character; an invalid one is returned as it is with
+// GLS_ERR_BAD_CHARACTER.
 gl_wchar _gl_im_towupper(locale_rec *lc, gl_wchar wc);
 gl_wchar _gl_im_towlower(locale_rec *lc, gl_wchar wc);
 
 // Writes the other case of the first character of a terminated text.
-// dst     at least 4 bytes.
-// Returns (bytes read << 8) | bytes written. An invalid character sets error 1; the bytes looked at
-//         are copied, so that a caller can go on behind them: "\xff" where FF begins nothing ->
-//         0x101.
+// dst     at least gl_char_bytes.
+// Returns (bytes read << 8) | bytes written. An invalid character sets GLS_ERR_BAD_CHARACTER; the
+//         bytes looked at are copied, so that a caller can go on after them: "\xff" where FF begins
+//         nothing -> 0x101.
 int32_t _gl_im_tomupper(locale_rec *lc, char *dst, const char *src);
 int32_t _gl_im_tomlower(locale_rec *lc, char *dst, const char *src);
 
-// The same, reading at most `limit` bytes (-1: terminated). Returns 0 and writes nothing for an
-// invalid (error 1) or cut-off (7) character.
+// The same, reading at most `limit` bytes (-1: terminated). Returns 0 and writes nothing for a
+// character that is invalid (GLS_ERR_BAD_CHARACTER) or cut off (GLS_ERR_SPECIFIER).
 int32_t _qvt_gl_im_tomupper(locale_rec *lc, char *dst, const char *src, int32_t limit);
 int32_t _qvt_gl_im_tomlower(locale_rec *lc, char *dst, const char *src, int32_t limit);
 
 // Convert a terminated text and terminate the result. Return the bytes written without the
-// terminator, or -1 with error 1 at an invalid character, and dst unterminated.
+// terminator, or -1 with GLS_ERR_BAD_CHARACTER at an invalid character, and dst unterminated.
 int32_t gl_tombsupper(locale_rec *lc, char *dst, const char *src);
 int32_t gl_tombslower(locale_rec *lc, char *dst, const char *src);
 
@@ -44,8 +45,8 @@ int32_t gl_tombslower(locale_rec *lc, char *dst, const char *src);
 int32_t _qvt_gl_tombsupper_len(locale_rec *lc, char *dst, const char *src, int32_t count);
 int32_t _qvt_gl_tombslower_len(locale_rec *lc, char *dst, const char *src, int32_t count);
 
-// Convert a zero-ended wide text, the zero included. Return 0, or -1 with error 1 at an invalid
-// character, and dst unterminated.
+// Convert a zero-ended wide text, the zero included. Return 0, or -1 with GLS_ERR_BAD_CHARACTER at
+// an invalid character, and dst unterminated.
 int32_t gl_towcsupper(locale_rec *lc, gl_wchar *dst, const gl_wchar *src);
 int32_t gl_towcslower(locale_rec *lc, gl_wchar *dst, const gl_wchar *src);
 

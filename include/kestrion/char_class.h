@@ -1,8 +1,8 @@
 // Classes of characters: is it a letter, a digit, a blank?
 //
-// A class is a bit of a 16-bit mask (<kestrion/ctype_masks.h>). All operations take the locale first; null
-// is single-byte ASCII. An invalid character has no class; it sets error 1, and 7 when it is cut
-// off.
+// A class is a bit of a 16-bit mask (<kestrion/ctype_masks.h>). All operations take the locale
+// first; null is single-byte ASCII. An invalid character has no class; it sets
+// GLS_ERR_BAD_CHARACTER, or GLS_ERR_SPECIFIER when it is cut off.
 //
 // Example in a Shift_JIS locale: _gl_im_ismctype(lc, "\x82\x60", gl_ctype(lc, "upper")) -> 1.
 
@@ -16,8 +16,8 @@
 extern "C" {
 #endif
 
-// Returns the mask of the class `name`: a standard name, else a named class of the locale; 0 when
-// there is no such class. A name that begins with "f" is looked for among the named classes alone.
+// Returns the mask of the class `name`: a standard name, else a named class of the locale; 0 for
+// any other. A name that begins with "f" is looked for among the named classes alone.
 uint32_t gl_ctype(locale_rec *lc, const char *name);
 
 // Returns the mask of a wide character ANDed with `mask`, 0 for an invalid one.

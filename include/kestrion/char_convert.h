@@ -16,12 +16,12 @@ extern "C" {
 #endif
 
 // Decodes the first character of `s`, reading at most `limit` bytes.
-// Returns its bytes, 0 for the zero character, 0 for a null text (nothing stored), or -1 with error
-//         7 (limit below 1, character cut off) or 1 (invalid).
+// Returns its bytes, 0 for the zero character, 0 for a null text (nothing stored), or -1 with
+//         GLS_ERR_SPECIFIER (limit below 1, character cut off) or GLS_ERR_BAD_CHARACTER (invalid).
 int32_t gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit);
 
-// The same; a limit of -1 stands for the text's length without its terminator, so that an empty
-// text is error 7. A text with an invalid character gives -1 then, with the error that its walk
+// The same; a limit of -1 means the text's length without its terminator, so that an empty text is
+// GLS_ERR_SPECIFIER. A text with an invalid character gives -1 then, with the error that its walk
 // left.
 int32_t _qvt_gl_full_mbtowc(locale_rec *lc, gl_wchar *out, const char *s, int32_t limit);
 
@@ -30,8 +30,8 @@ int32_t _qvt_gl_full_mbdescribe(locale_rec *lc, gl_wchar *out, const char *s, ui
                                 uint32_t mask, int32_t limit);
 
 // Writes the bytes of a wide character.
-// dst     at least 4 bytes; undefined on error.
-// Returns the bytes written, or -1 with error 1.
+// dst     at least gl_char_bytes; undefined on error.
+// Returns the bytes written, or -1 with GLS_ERR_BAD_CHARACTER.
 int32_t gl_full_wctomb(locale_rec *lc, char *dst, gl_wchar wc);
 
 // Writes the terminator of a text. Returns its length.
@@ -41,7 +41,7 @@ int32_t gl_mbsterm(locale_rec *lc, char *dst);
 int32_t gl_ismbsterm(locale_rec *lc, const char *s);
 
 // Convert a terminated text. The zero is stored when there is room, and not counted.
-// Return the elements stored, or -1 with error 1 (the multibyte form alone).
+// Return the elements stored, or -1 with GLS_ERR_BAD_CHARACTER (the multibyte form alone).
 int32_t _gl_is_mbstowcs(locale_rec *lc, gl_wchar *dst, const char *src, int32_t size);
 int32_t _gl_im_mbstowcs(locale_rec *lc, gl_wchar *dst, const char *src, int32_t size);
 
@@ -56,10 +56,10 @@ int32_t _qvt_gl_im_mbfstowcfs(locale_rec *lc, gl_wchar *dst, const char *src, in
                               int32_t size);
 
 // Convert a wide text. A terminator is written for a zero-ended source when there is room; it is
-// not counted. Return the bytes written, or -1 with error 1. length  elements; -1 for a zero-ended
-// source; 0 converts one element all the same. The single-byte form refuses a value above 255; the
-// full form stores the low byte in a single-byte code set, and leaves off the character that does
-// not fit.
+// not counted. The single-byte form refuses a value above 255; the full form stores the low byte in
+// a single-byte code set, and leaves off the character that does not fit.
+// length  elements; -1 for a zero-ended source; 0 converts one element all the same.
+// Return  the bytes written, or -1 with GLS_ERR_BAD_CHARACTER.
 int32_t _gl_is_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int32_t size);
 int32_t _qvt_gl_is_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int32_t length,
                             int32_t size);
@@ -67,7 +67,7 @@ int32_t gl_full_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int32_t
 int32_t _qvt_gl_full_wcstombs(locale_rec *lc, char *dst, const gl_wchar *src, int32_t length,
                               int32_t size);
 
-// Returns the elements in front of the zero.
+// Returns the elements before the zero.
 int32_t gl_wcslen(locale_rec *lc, const gl_wchar *s);
 
 // Returns the bytes that a wide text takes, its zero included.

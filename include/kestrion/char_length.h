@@ -1,7 +1,7 @@
 // Lengths: of a character, of a text, and stepping through a text.
 //
-// All operations take the locale first; null is single-byte ASCII. Error 1 is an invalid character,
-// 7 one that the limit cuts off.
+// All operations take the locale first; null is single-byte ASCII. GLS_ERR_BAD_CHARACTER is an
+// invalid character, GLS_ERR_SPECIFIER one that the limit cuts off.
 
 #pragma once
 
@@ -26,7 +26,7 @@ extern "C" {
 #endif
 
 // Returns the bytes of the first character, 0 for the zero character or a null text, or -1 with
-// error 7 (limit below 1, character cut off) or 1.
+// GLS_ERR_SPECIFIER (limit below 1, character cut off) or GLS_ERR_BAD_CHARACTER.
 int32_t gl_full_mblen(locale_rec *lc, const char *s, int32_t limit);
 
 // The same; the zero character has its true length.
@@ -35,41 +35,41 @@ int32_t _qvt_gl_full_mblen(locale_rec *lc, const char *s, int32_t limit);
 // Prepares a walk. Returns whether the plug-in is in use: 0.
 int32_t _qvt_gl_getmbl(locale_rec *lc, mbl_state *state);
 
-// Returns the bytes of the first character, 0 when all bytes read are zero, or -1 with error 1.
-// The text must be terminated.
+// Returns the bytes of the first character, 0 when all bytes read are zero, or -1 with
+// GLS_ERR_BAD_CHARACTER. The text must be terminated.
 int32_t _qvt_gl_fast_mblen(const mbl_state *state, const char *s);
 
-// Returns the characters of a terminated text, or -1 with error 1.
+// Returns the characters of a terminated text, or -1 with GLS_ERR_BAD_CHARACTER.
 int32_t _gl_im_mbslen(locale_rec *lc, const char *s);
 
 // Returns the characters in `length` bytes (-1: terminated), each zero character counted, or -1
-// with error 1; a last character that runs past the length is error 1 too.
+// with GLS_ERR_BAD_CHARACTER, which is also the error of a last character that runs past the
+// length.
 int32_t _qvt_gl_im_mbfslen(locale_rec *lc, const char *s, int32_t length);
 
-// Returns the bytes of a terminated text with its terminator; 0 for a null text, and 0 with error 1
-// for a text with an invalid character.
+// Returns the bytes of a terminated text with its terminator; 0 for a null text, and 0 with
+// GLS_ERR_BAD_CHARACTER for a text with an invalid character.
 int32_t gl_mbsbytes(locale_rec *lc, const char *s);
 
 // Longest and shortest character of the code set. An empty category says 0 and 4.
 int32_t gl_mb_loc_max(locale_rec *lc);
 int32_t gl_mb_loc_min(locale_rec *lc);
 
-// Returns the text behind the first character; null at the terminator, null with error 1 for an
-// invalid character, null with error 2 for a null text.
+// Returns the text after the first character; null at the terminator, null with
+// GLS_ERR_BAD_CHARACTER for an invalid character, null with GLS_ERR_NULL_ARGUMENT for a null text.
 const char *gl_full_mbsnext(locale_rec *lc, const char *s);
 
-// Returns the last character of the text from `start` that begins in front of `s`; null when there
-// is none. `s` must lie within the text.
+// Returns the last character of the text from `start` that begins before `s`, or null. `s` must lie
+// within the text.
 const char *gl_full_mbsprev(locale_rec *lc, const char *start, const char *s);
 
-// Reads one character from a file into `buffer`, 4 bytes.
-// Returns its length, or -1 with error 16 (end of file), 13 (read error) or 1 (invalid or cut off;
-// the
-//         bytes are consumed).
+// Reads one character from a file into `buffer`, which has gl_char_bytes.
+// Returns its length, or -1 with GLS_ERR_END_OF_FILE, GLS_ERR_READ, or GLS_ERR_BAD_CHARACTER
+//         (invalid or cut off; the bytes are consumed).
 int32_t gl_full_fgetmb(locale_rec *lc, char *buffer, FILE *file);
 
 // Returns the bytes of `text[0..length)` without its trailing blank characters. A break in the text
-// ends the walk: what lies behind it does not count.
+// ends the walk: what follows it does not count.
 int32_t _qvt_gl_mbsntsbytes(locale_rec *lc, const char *text, int32_t length);
 
 #ifdef __cplusplus

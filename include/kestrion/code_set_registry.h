@@ -1,7 +1,7 @@
 // The registry of code sets: names and their numbers.
 //
 // A code-set number is 16 bits. Numbers below E000 are CCSID values, those from E000 up are the
-// engine's own, for code sets that have none; E000 itself (57344) means unknown.
+// engine's own, for other code sets; E000 itself (57344) means unknown.
 //
 // The registry is a text file, found by the path search as ("registry", "cm", "3"):
 //
@@ -50,16 +50,17 @@ extern const gls_registry_row *gls_registry_array_cache;
 extern const gls_registry_row gls_canned_registry[];
 
 // Reads the registry into the cache: from `regfile` when it is given and not empty, else by search.
-// When that fails the built-in table takes its place, with the error word 15 (no file), 11 (bad
-// file) or 3 (no memory). With a null context the word is `temperr`.
+// When that fails the built-in table takes its place, with GLS_ERR_NO_REGISTRY (no file),
+// GLS_ERR_MALFORMED (bad file) or GLS_ERR_NO_MEMORY. With a null context the word is `temperr`.
 void gl_cache_registry(void *ctx, const char *regfile);
 // Drops the cache.
 void gl_free_registry_cache(void);
 
 // Returns the number of the code set `name`, of which at most 21 characters count, in any case. A
 // name that the registry lacks may be a decimal number below 65536. Without a cache the file is
-// read from its top. Returns 57344 with the error word 7 (unknown name), 15 (no registry file), 11
-// (bad file), 3. Example "Latin-1" -> 819, "819" -> 819.
+// read from its top. Returns gl_unknown_code_set with GLS_ERR_SPECIFIER (unknown name),
+// GLS_ERR_NO_REGISTRY (no file), GLS_ERR_MALFORMED (bad file) or GLS_ERR_NO_MEMORY.
+// Example "Latin-1" -> 819, "819" -> 819.
 int gl_cs_name2cs_num(void *ctx, const char *name, const char *regfile);
 
 // CCSID of a code-set number: itself below E000, a fixed table above it, else 0.

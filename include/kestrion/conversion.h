@@ -2,12 +2,15 @@
 //
 // A conversion turns text of one code set into another, one character at a time, by lookup in a
 // multi table. Its object file is docs/formats/conversion-object.md. In every open operation the
-// target stands first.
+// target comes first.
 //
-// Failure is told by -1 and the record's error word (the first field, which is where
-// `_gl_ext_errno` leads when the record is the context): 1 no such character or no mapping, 3 no
-// memory, 7 a character cut off at the end of the text, or an unknown code set, 8 a file that can't
-// be used, 14 no room.
+// Failure is -1 and the record's error word (the first field, which is where `_gl_ext_errno` leads
+// when the record is the context):
+//     GLS_ERR_BAD_CHARACTER  no such character, or no mapping
+//     GLS_ERR_NO_MEMORY      an allocation failed
+//     GLS_ERR_SPECIFIER      a character cut off at the end of the text, or an unknown code set
+//     GLS_ERR_FILE           a file that can't be used
+//     GLS_ERR_NO_ROOM        the target is full
 //
 // A record is read-only but for its error word; the state of a stateful conversion is the caller's.
 
@@ -23,7 +26,7 @@ enum {
     cv_sequence_size = 4 // bytes of the longest shift sequence
 };
 
-// Bits of the control byte in front of each datum.
+// Bits of the control byte at the start of each datum.
 enum {
     CV_LENGTH = 7,      // number of target bytes
     CV_TERMINATOR = 8,  // this source character ends a string
@@ -38,8 +41,8 @@ enum {
 typedef struct cv_state {
     int32_t reset;          // not 0: start from the normal state on both sides
     int32_t flush;          // not 0: close with a shift sequence at the end of the input
-    int32_t source_shifted; //
-    int32_t target_shifted; //
+    int32_t source_shifted; // not 0: the source is in the shifted state
+    int32_t target_shifted; // not 0: the target is
 } cv_state;
 
 // One of the routines; arguments as gl_miconv.
@@ -50,30 +53,32 @@ struct cv_rec {
     int32_t cv_err;          // error word; must stay the first field
     unsigned char *sb_table; // 256 bytes of a stateless single-byte pair, else null
     int32_t source_stateful; // not 0: shift states and a second table
-    int32_t target_stateful; //
-    int32_t shift_in_len;    // lengths of the four sequences below, 0 to 4
-    int32_t shift_out_len;   //
+    int32_t target_stateful; // not 0: shift states
+    // Lengths of the four sequences below, 0 to 4.
+    int32_t shift_in_len;
+    int32_t shift_out_len;
     int32_t source_shift_in_len;
     int32_t source_shift_out_len;
-    int32_t target_min_len;                          // bytes of a target character
-    int32_t target_max_len;                          // 1 to 4
-    int32_t unused1;                                 // kept as read
-    int32_t unused2;                                 //
-    int32_t source_min_len;                          // bytes of a source character
-    int32_t source_max_len;                          //
-    int32_t no_sb_table;                             // not 0: sb_table is not built
-    float expansion;                                 // greatest output bytes per input byte
-    unsigned char shift_in[cv_sequence_size];        // into the shifted target state
-    unsigned char shift_out[cv_sequence_size];       // and back
-    unsigned char source_shift_in[cv_sequence_size]; // stored, not used: the source's state changes
-    unsigned char source_shift_out[cv_sequence_size]; // by entries of its tables
-    multi_arr *table_normal;                          // conversions in the normal state
+    int32_t target_min_len;                    // bytes of the shortest target character
+    int32_t target_max_len;                    // bytes of the longest, 1 to 4
+    int32_t unused1;                           // kept as read
+    int32_t unused2;                           // kept as read
+    int32_t source_min_len;                    // bytes of the shortest source character
+    int32_t source_max_len;                    // bytes of the longest
+    int32_t no_sb_table;                       // not 0: sb_table is not built
+    float expansion;                           // greatest output bytes per input byte
+    unsigned char shift_in[cv_sequence_size];  // into the shifted target state
+    unsigned char shift_out[cv_sequence_size]; // and back
+    // Stored, not used: the source's state changes by entries of its tables.
+    unsigned char source_shift_in[cv_sequence_size];
+    unsigned char source_shift_out[cv_sequence_size];
+    multi_arr *table_normal;  // conversions in the normal state
     multi_arr *table_shifted; // in the shifted source state; null unless source_stateful
     int32_t reserved;         // 0
     cv_routine convert;       // chosen at load; not used when source_stateful
     void *plugin_handle;      // the Unicode plug-in's
     int32_t plugin_flag;      // 1: the plug-in serves this record
-    void *fast; // derived tables made at load (gls/conversion/conversion_tables.h), or null; owned
+    void *fast;               // derived tables made at load, or null; owned
 };
 
 #ifdef __cplusplus
@@ -81,19 +86,19 @@ extern "C" {
 #endif
 
 // Stand-ins that an open operation hands out when it has no record; unloading them does nothing.
-extern cv_rec cd_enomem;  // error word 3
-extern cv_rec cd_fileerr; // 8
-extern cv_rec cd_einval;  // 7
+extern cv_rec cd_enomem;  // GLS_ERR_NO_MEMORY
+extern cv_rec cd_fileerr; // GLS_ERR_FILE
+extern cv_rec cd_einval;  // GLS_ERR_SPECIFIER
 
 // Loads the conversion to the code set of `to` from that of `from`, which are locale specifiers.
 // regfile code-set registry to use in place of the search, or null.
 // dir     directory of the object file, or null for the search.
 // Returns 1 loaded; 0 the code sets are one, *out is null; -1 with a stand-in or a failed record in
-// *out, whose error word tells why and which gl_cv_unload takes.
+//         *out, whose error word says why and which gl_cv_unload takes.
 int32_t gl_cv_load(cv_rec **out, const char *to, const char *from, const char *regfile,
                    const char *dir);
 
-// The same by the names of the code sets that stand in the specifiers ("from_to.cvo").
+// The same by the names of the code sets in the specifiers ("from_to.cvo").
 int32_t gl_cv_open(cv_rec **out, const char *to, const char *from);
 
 // Opens by code-set names, or by file name. Returns 0, or -1 with *out as above.
@@ -111,7 +116,7 @@ int32_t gl_cv_unload(cv_rec *cv);
 // target         null, or pointing at null: nothing is stored, the room shrinks all the same. It
 //                may be the source itself only for a pair that writes no more than it has read.
 // lossy          set to 1 when a mapping was inexact, else 0.
-// Returns 0 or -1. A stand-in or a failed record converts nothing: -1 with its word as it stands.
+// Returns 0 or -1. A stand-in or a failed record converts nothing: -1 with its word as it is.
 int32_t gl_cv_mconv(cv_rec *cv, cv_state *state, const char **source, int32_t *source_length,
                     char **target, int32_t *room, int32_t *lossy);
 int32_t gl_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,

@@ -1,9 +1,9 @@
-// The routines behind a conversion record.
+// The routines of a conversion record.
 //
 // Each converts character by character, by the rules of gl_cv_mconv. Those for a plain pair start
-// with gls/conversion/conversion_fast.h, which covers the inside of a text; the first
-// character that is near an end, inexact in a way that matters, or not convertible is done by the
-// routine itself, so that every result is the routine's own.
+// with derived tables, which cover the inside of a text; the first character that is near an end,
+// inexact in a way that matters, or not convertible is done by the routine itself, so that every
+// result is the routine's own.
 
 #pragma once
 
@@ -22,16 +22,16 @@ int32_t sb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char 
 int32_t mb_miconv(cv_rec *cv, const char **source, int32_t *source_length, char **target,
                   int32_t *room, int32_t *lossy);
 
-// Target of 2 or 4 byte units, least significant byte first. Oddity that callers rely on: 2 bytes
-// of room admit a character of 4; the bytes that fit are stored, the room ends at -2, the next
-// character fails.
+// Target of units of 2 or 4 bytes, least significant byte first. Oddity that callers rely on: 2
+// bytes of room admit a character of 4; the bytes that fit are stored, the room ends at -2, the
+// next character fails.
 int32_t little_endian_unicode_target_miconv(cv_rec *cv, const char **source, int32_t *source_length,
                                             char **target, int32_t *room, int32_t *lossy);
 int32_t little_endian_unicode_source_miconv(cv_rec *cv, const char **source, int32_t *source_length,
                                             char **target, int32_t *room, int32_t *lossy);
 
 // Datum of a little-endian code unit, walked from its highest byte: 4 bytes wide when both source
-// lengths of the conversion are 4, else 2. A limit below the width is the error word 7.
+// lengths of the conversion are 4, else 2. A limit below the width is GLS_ERR_SPECIFIER.
 const void *_gl_retrieve_little_endian_unicode_limit(const char *text, const multi_arr *table,
                                                      int32_t limit, cv_rec *cv);
 

@@ -11,7 +11,7 @@ typedef struct qvtx_dl_handle {
     char *path;    // name of the library; owned
 } qvtx_dl_handle;
 
-// Value of `flags` that stands for immediate binding and global symbols.
+// Value of `flags` that means immediate binding and global symbols.
 enum { qvtx_dl_default_flags = -99 };
 
 #ifdef __cplusplus

@@ -105,12 +105,12 @@ extern "C" {
 
 extern gl_function funcptr_arr[GL_SLOTS]; // the table
 extern int32_t _gl_ext_func;              // 0 until the first registration
-extern int32_t temperr;                   // the error word where there is no context
+extern int32_t temperr;                   // the error word of a null context
 
 extern const gl_file_functions gl_ext_functions; // the engine's own, by the table
 extern const gl_file_functions gl_reg_functions; // the plain library's
 
-// Fills a slot and switches the table on. Returns 0, or -1 with the error word 9 for a slot above
+// Fills a slot and switches the table on. Returns 0, or -1 with GLS_ERR_ARGUMENT for a slot above
 // 20; the table then stays as it was.
 int gl_setextfunc(void *ctx, uint32_t slot, gl_function function);
 
@@ -143,7 +143,7 @@ int _gl_ext_fseek(FILE *file, long offset, int whence);
 long _gl_ext_ftell(FILE *file);
 int _gl_ext_currdate(gl_date_rec *record);
 int _gl_ext_currtime(gl_time_rec *record);
-// Calls slot 20; -1 where no host has filled it.
+// Calls GL_SLOT_UCA; -1 when no host has filled it.
 int _gl_ext_UCA(void);
 
 // The allocators with a leading context, which they ignore.

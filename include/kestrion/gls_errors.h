@@ -1,8 +1,8 @@
 // Error numbers of the locale engine.
 //
 // An operation that fails stores one of these in the error word of its context: the first 32-bit
-// field of a locale or conversion record, or `temperr` when there is none (<kestrion/ext_funcs.h>). The
-// word is left alone by success. A few numbers are used by several subjects in different senses;
+// field of a locale or conversion record, or `temperr` for a null context (<kestrion/ext_funcs.h>).
+// Success leaves the word alone. A few numbers are used by several subjects in different senses;
 // the header of each operation says which sense it means.
 
 #pragma once

@@ -2,7 +2,7 @@
 //
 // GLSLOG=on (any case) appends each line to "gls.log" in the current directory; GLSDEBUG=on (a
 // small n) prints it on the standard output. Both are looked at once, by the first message. A log
-// file that can't be opened is no error: the line is dropped.
+// file that can't be opened is not an error: the line is dropped.
 
 #pragma once
 

@@ -2,14 +2,14 @@
 // routines that suits them.
 //
 // A wide character holds the packed bytes of the multibyte character, first byte highest: the two
-// bytes A1 B2 are the value 0xA1B2, the byte 41 is 0x41. It is no code point of any universal set
-// and means nothing outside the locale that made it. A character has at most four bytes; a string
-// ends with as many zero bytes as the code set's shortest character has.
+// bytes A1 B2 are the value 0xA1B2, the byte 41 is 0x41. It is not a code point of any universal
+// set and means nothing outside the locale that made it. A character has at most four bytes; a
+// string ends with as many zero bytes as the code set's shortest character has.
 //
 // A record is read-only once its categories are set, but for its error word. The texts and tables
 // of a category belong to the record, unless `shared` says that another record lent them; the other
-// record must then live longer. A null record stands for single-byte ASCII in every operation on
-// characters.
+// record must then live longer. Every operation on characters takes a null record for single-byte
+// ASCII.
 
 #pragma once
 
@@ -64,7 +64,7 @@ typedef struct case_pair {
 // A partner's bytes in the code set.
 typedef struct case_text {
     unsigned char bytes[gl_char_bytes];
-    int32_t length; // 0: no partner in this direction, or one that is no character
+    int32_t length; // 0: no partner in this direction, or not one of the code set's characters
 } case_text;
 
 // What to add to a wide character for its partners, plus case_shift_bias; 0: ask the case table.
@@ -80,7 +80,7 @@ enum {
 typedef struct ctype_rec {
     multi_arr *class_table;   // uint16_t mask by character; defines which sequences are characters
     int32_t class_name_count; // rows of class_names
-    class_row *class_names;   // null when there are none
+    class_row *class_names;   // null without any
     multi_arr *case_index;    // uint16_t index into case_pairs by character; 0 no partner
     case_pair *case_pairs;    // case_pair_count + 1 entries; entry 0 is never used
     // What lookups use instead, made when the category is read.
@@ -100,7 +100,7 @@ typedef struct ctype_rec {
     case_text *case_texts;    // upper and lower partner of each pair, [2 * index]
 } ctype_rec;
 
-// A sequence of characters that a collation row stands for.
+// The sequence of characters that a collation row is short for.
 typedef struct coll_expansion {
     int32_t length;  // 0..15
     gl_wchar *chars; // owned
@@ -128,7 +128,7 @@ enum coll_method {
 
 typedef struct collate_rec {
     char **ignorable_chars; // null-ended: characters ignored at every level; null when not analysed
-    coll_equiv *equiv_pairs;   // ended by a null member; null when there are none
+    coll_equiv *equiv_pairs;   // ended by a null member; null without any
     multi_arr *row_table;      // uint16_t row by character, 0..max_row
     int32_t level_count;       // 0..8
     int32_t max_row;           // level_weights have max_row + 1 entries
@@ -141,9 +141,8 @@ typedef struct collate_rec {
     coll_contraction *contractions;          //
     int32_t code_order_form;                 // not 0: strings order by code; 1: rows stored unread
     coll_expansion **sb_expansions[gl_level_limit]; // 256 by byte: its expansion or null
-    int32_t
-        *contraction_start; // 256 by byte: 1 when a contraction begins with it; null if none does
-    int32_t coll_method;    // enum coll_method
+    int32_t *contraction_start; // 256 by byte: 1 when a contraction begins with it; or null
+    int32_t coll_method;        // enum coll_method
 } collate_rec;
 
 // Sizes of digit groups, from the right.
@@ -231,13 +230,13 @@ typedef struct time_rec {
     int32_t calendar;          // enum calendar_number; 0 in an empty category
     char *day[gl_week_days];   // full names, Sunday first
     char *abday[gl_week_days]; //
-    char **mon;                // full names; month_count texts, null when there are none
+    char **mon;                // full names; month_count texts, null without any
     char **abmon;              // month_count texts
     int32_t month_count;       //
     char *am;                  //
     char *pm;                  //
     int32_t alt_digit_count;   //
-    char **alt_digits;         // null when there are none
+    char **alt_digits;         // null without any
     char *d_fmt;               // date
     char *d_t_fmt;             // date and time
     char *t_fmt;               // time
@@ -247,7 +246,7 @@ typedef struct time_rec {
     char *era_d_t_fmt;         // era date and time
     era_rec *eras;             // in the order of the file; the first that fits counts
     int32_t era_count;         //
-    char **era_texts;          // era_count texts as they stand in the file
+    char **era_texts;          // era_count texts as the file has them
     // The same texts as wide characters.
     gl_wchar *wide_day[gl_week_days];
     gl_wchar *wide_abday[gl_week_days];

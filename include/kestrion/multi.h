@@ -8,10 +8,10 @@
 //                           A1: 1      goes on in children[child_slot[A1]]
 //     child     flag_bytes  B2: 4      the sequence A1 B2 ends here
 //
-// The tree is what files and compilers work with. Beside it hangs a flat transition table, made by
-// kestrion::multi_flatten once a table is complete: one four-byte step for each (state, byte), so
-// that a lookup is one indexed load per byte, and for 16-bit data the last load already holds the
-// datum. Every change of a table drops it, and all lookups give the same answers without it.
+// The tree is what files and compilers work with. A complete table also has a flat transition
+// table, made by kestrion::multi_flatten: one four-byte step for each (state, byte), so that a
+// lookup is one indexed load per byte, and for 16-bit data the last load already holds the datum.
+// Every change of a table drops it, and all lookups give the same answers without it.
 //
 // A lookup never changes a table: a complete one may be read from many threads.
 //
@@ -76,7 +76,7 @@ typedef struct multi_arr {
     int32_t data_count;              // data arrays
     int32_t flag_count;              // flag arrays, the root's included
     int32_t offset_count;            // child_slot arrays
-    int32_t err;                     // of the last load: 0, 3 bad or no memory, 21 too long
+    int32_t err;                     // of the last load: 0, GLS_ERR_NO_MEMORY, GLS_ERR_TABLE_LENGTH
     multi_node *root;                // never null
     unsigned char *default_datum;    // data_size bytes; owned
     int32_t shift;                   // slots of `data` are 1 << shift bytes, not below data_size
@@ -109,24 +109,24 @@ int _gl_insert_desc_multi(const gl_char_desc *sequence, const void *datum, multi
 // Datum of exactly this sequence, the default where none was stored, or null, with no error set.
 const void *_gl_retrieve_desc_multi(const gl_char_desc *sequence, const multi_arr *table);
 
-// Datum of the first character of a terminated text, or null with the error word 1. `used` gets the
-// bytes looked at, on failure too.
+// Datum of the first character of a terminated text, or null with GLS_ERR_BAD_CHARACTER. `used`
+// gets the bytes looked at, on failure too.
 const void *_gl_retrieve_text_multi(const char *text, const multi_arr *table, int32_t *used,
                                     void *ctx);
 // The same with no count.
 const void *_gl_retrieve_text_multi_nl(const char *text, const multi_arr *table, void *ctx);
-// Bytes of the first character, or 0 with the error word 1.
+// Bytes of the first character, or 0 with GLS_ERR_BAD_CHARACTER.
 int32_t _gl_retrieve_text_multi_nv(const char *text, const multi_arr *table, void *ctx);
 
-// Looks at no more than `limit` bytes: a walk that wants to go on there is the error word 7, with
-// the bytes looked at; a limit below 1 is 7 with 0 bytes.
+// Looks at no more than `limit` bytes: a walk that wants to go on there is GLS_ERR_SPECIFIER, with
+// the bytes looked at; a limit below 1 is the same with 0 bytes.
 const void *_gl_retrieve_text_multi_limit(const char *text, const multi_arr *table, int32_t limit,
                                           int32_t *used, void *ctx);
 const void *_gl_retrieve_text_multi_limit_nl(const char *text, const multi_arr *table,
                                              int32_t limit, void *ctx);
 
-// Datum of a wide character, or null with the error word 1. Values below 256 walk `min_len` levels,
-// others their own count of bytes when that is larger.
+// Datum of a wide character, or null with GLS_ERR_BAD_CHARACTER. Values below 256 walk `min_len`
+// levels, others their own count of bytes when that is larger.
 const void *_gl_retrieve_wchar_multi_nl(void *ctx, gl_wchar character, const multi_arr *table);
 
 // Makes every byte a character in a table that holds single bytes and nothing else. Called by

@@ -1,10 +1,10 @@
 // The text form of multi tables in object files: one reader and one writer.
 //
-//     table := max_len " " min_len " " flags " " default newline (plain | compressed)
-//     plain := has_flags " " has_data newline [flag array] [data array] child{...}
-//     compressed := flag_count " " data_count newline flag arrays, data arrays, nodes; a node is
-//              has_flags " " has_data " " flag_index " " data_index newline child{...}
-//     array := { start L R entry{L} newline } "0000000" newline
+//     table      := max_len SP min_len SP flags SP default NL (plain | compressed)
+//     plain      := has_flags SP has_data NL [flag array] [data array] child{...}
+//     compressed := flag_count SP data_count NL flag array{...} data array{...} node
+//     node       := has_flags SP has_data SP flag_index SP data_index NL child{...}
+//     array      := { start L R entry{L} NL } "0000000" NL
 //
 // Integers are decimal. An array's line starts with two, three and three hexadecimal digits; its L
 // entries fill R blocks from the index `start`. Children follow their node in ascending byte order
@@ -37,9 +37,9 @@ extern "C" {
 #endif
 
 // Reads a table into `table`, which was just made by `_gl_create_multi` with the right data_size;
-// the default datum is replaced by the file's. Returns 0, or -1 with table->err 21 when the file's
-// max_len is above `greatest_len`, else 3; the table is then empty and good for `_gl_free_multi`
-// only.
+// the default datum is replaced by the file's. Returns 0, or -1 with table->err
+// GLS_ERR_TABLE_LENGTH when the file's max_len is above `greatest_len`, else GLS_ERR_NO_MEMORY; the
+// table is then empty and good for `_gl_free_multi` only.
 int _gl_fscanf_multi(FILE *stream, multi_arr *table, int32_t greatest_len,
                      multi_datum_reader reader);
 

@@ -18,7 +18,7 @@ struct gl_mb_name_node {
     unsigned char byte;           // 0: the empty name
     int32_t value;                // of the name that ends here
     int32_t end;                  // 1 when a name ends here
-    gl_mb_name_node *next_level;  // nodes of the byte behind this one
+    gl_mb_name_node *next_level;  // nodes of the byte after this one
     gl_mb_name_node *alternative; // other bytes in this place
 };
 
@@ -27,7 +27,7 @@ struct gl_wc_name_node {
     gl_wchar character;           // 0: the empty name
     int32_t value;                // of the name that ends here
     int32_t end;                  // 1 when a name ends here
-    gl_wc_name_node *next_level;  // nodes of the character behind this one
+    gl_wc_name_node *next_level;  // nodes of the character after this one
     gl_wc_name_node *alternative; // other characters in this place
 };
 
@@ -35,15 +35,16 @@ struct gl_wc_name_node {
 extern "C" {
 #endif
 
-// Adds a terminated name. A name that is there keeps its first value. Returns 0, or -1 with the
-// error word 3 (no memory) or 1 (not a text of the locale); the cache then answers as before.
+// Adds a terminated name. A name that is there keeps its first value. Returns 0, or -1 with
+// GLS_ERR_NO_MEMORY or GLS_ERR_BAD_CHARACTER (not a text of the locale); the cache then answers as
+// before.
 int _gl_cache_mb_string(locale_rec *lc, gl_mb_name_node **cache, const char *name, int32_t value);
 int _gl_cache_wc_string(locale_rec *lc, gl_wc_name_node **cache, const gl_wchar *name,
                         int32_t value);
 
 // Value of the longest name at the start of text[0..length), with what it took of the text in
 // *used: bytes, or elements in the wide form. -1 for `length` means that the text is terminated.
-// When no name matches, the empty name's value with 0 used; when there is none, -1 with 0 used.
+// When no name matches, the empty name's value, or -1 without an empty name, with 0 used.
 int32_t _gl_validate_mb_string(locale_rec *lc, const gl_mb_name_node *cache, const char *text,
                                int32_t length, int32_t *used);
 int32_t _gl_validate_wc_string(locale_rec *lc, const gl_wc_name_node *cache, const gl_wchar *text,

@@ -30,18 +30,18 @@ uint32_t _gl_get_hex_byte(FILE *file);
 // `count` digits, at most 8. Eight digits are a wide character.
 uint32_t _gl_get_hex(FILE *file, int count);
 
-// A decimal number behind at most one blank: a first character of any kind and up to 39 digits are
+// A decimal number after at most one blank: a first character of any kind and up to 39 digits are
 // converted, further digits are consumed and dropped, the first non-digit goes back. Saturated at
 // the ends of 64 bits; the caller checks the range of its field.
 // Example "-12x" -> -12, "x12" -> 0 (all consumed), newline and "12" -> 12, end of file -> 0.
 int64_t _gl_get_int(FILE *file);
 
 // A floating number of up to 80 of the characters 0-9 + - . e E; the first other character goes
-// back. Text that is no number gives 0.
+// back. Any other text gives 0.
 double _gl_get_dbl(FILE *file);
 
 // A word: characters up to white space, end of file or size - 1 characters, terminated. The white
-// space goes back. Returns 0 when white space ended the word (also directly behind a full buffer),
+// space goes back. Returns 0 when white space ended the word (also directly after a full buffer),
 // else -1.
 int _gl_get_str(char *buffer, size_t size, FILE *file);
 

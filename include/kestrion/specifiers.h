@@ -1,4 +1,4 @@
-// Locale specifiers and the names of files that they stand for.
+// Locale specifiers, and the names of the files that belong to them.
 //
 // Simple specifier      en_US.8859-1@dict        language, territory, code set, modifier
 // Composite specifier   GL_CTYPE = en_US.819 ; GL_COLLATE = en_US.819 ; ...
@@ -13,13 +13,13 @@
 // Language is 2 or 3 letters, territory 2 letters, code set a registry name or a decimal number of
 // at most 21 graphic characters that does not begin with "#", modifier at most 4 letters or digits.
 //
-// A `dir` argument is put in front of a name with the byte 255 as a mark behind it, which
-// `gl_open_file` turns into a slash. `regfile` is the registry file to read where no registry is
-// cached; null for the one that the path search finds. Failure is -1 with the error word 7, unless
-// told otherwise. A bad specifier is not logged.
+// A `dir` argument is put before a name with the byte 255 as a mark between them, which
+// `gl_open_file` turns into a slash. `regfile` is the registry file to read when no registry is
+// cached; null for the one that the path search finds. Failure is -1 with GLS_ERR_SPECIFIER, unless
+// an operation says otherwise. A bad specifier is not logged.
 //
 // Sizes of `out`: gl_simple_spec_size or gl_composite_spec_size, plus the length of `dir` and its
-// mark, once. What would not fit is refused with the error word 7.
+// mark, once. What would not fit is refused with GLS_ERR_SPECIFIER.
 
 #pragma once
 
@@ -59,15 +59,15 @@ typedef struct gl_spec_pieces {
 extern "C" {
 #endif
 
-// Tells whether `text` begins with a category keyword: its gl_keyword, with the keyword's length in
-// *length (which may be null); GL_KEYWORD_NONE otherwise.
+// The gl_keyword of the category keyword at the start of `text`, with its length in *length (which
+// may be null); GL_KEYWORD_NONE and 0 for any other text.
 int _gl_is_category(const char *text, int32_t *length);
 
-// Length of the simple specifier at the start of `text[0..length)`, 0 if there is none. `pieces`
-// may be null.
+// Length of the simple specifier at the start of `text[0..length)`, or 0. `pieces` may be null.
 int32_t _gl_is_xopen_spec(const char *text, int32_t length, gl_spec_pieces *pieces);
 
-// Code-set number of a specifier; 57344 with the error word 7 for a bad one or an unknown code set.
+// Code-set number of a specifier; gl_unknown_code_set with GLS_ERR_SPECIFIER for a bad one or an
+// unknown code set.
 int gl_lc_spec2cs_num(void *ctx, const char *spec, const char *regfile);
 
 // File name of a specifier; of a composite, each keyword and " = " followed by its file name.
@@ -84,8 +84,7 @@ int gl_cs_nums2cv_fname(void *ctx, int from, int to, char *out, const char *dir)
 
 // Joins pieces to a simple specifier: up to 6 characters of `lang` or up to a point, ".", up to 5
 // characters of `cs`, which starts with a hexadecimal digit, and unless `modifier` is null or
-// empty,
-// "@" and up to 4 characters of it.
+// empty, "@" and up to 4 characters of it.
 int gl_lc_pieces2lc_spec(void *ctx, const char *lang, const char *cs, const char *modifier,
                          char *out);
 
@@ -109,8 +108,8 @@ int gl_lc_short2lc_long(void *ctx, const char *short_spec, char *out, const char
 int gl_is_lc_spec(void *ctx, const char *text);
 
 // Specifier of a file name, or of a composite of file names. The code set's name is read from the
-// head of each file; one that can't be opened is the error word 8, a bad head 11. A name that leads
-// below its directory of language and territory, or out of it, is refused.
+// head of each file; one that can't be opened is GLS_ERR_FILE, a bad head GLS_ERR_MALFORMED. A name
+// that leads below its directory of language and territory, or out of it, is refused.
 int gl_lc_fname2lc_spec(void *ctx, const char *fname, char *out, const char *regfile);
 
 // Specifier of one gl_category of a specifier; of a simple one the whole.

@@ -1,5 +1,5 @@
-// What the tests of the engine share: a fresh start for each, an allocator that counts and fails, and
-// files in memory.
+// What the tests of the engine share: a fresh start for each, an allocator that counts and fails,
+// and files in memory.
 
 #pragma once
 
@@ -14,8 +14,8 @@
 #include <string>
 #include <string_view>
 
-// Brings what the engine keeps for the process, and what it reads of the environment, back to the start
-// before each test, so that a test program can also run whole.
+// Brings what the engine keeps for the process, and what it reads of the environment, back to the
+// start before each test, so that a test program can also run whole.
 class engine_at_its_start : public testing::EmptyTestEventListener {
     void OnTestStart(const testing::TestInfo &) override {
         gl_free_registry_cache();

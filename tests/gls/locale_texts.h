@@ -27,7 +27,7 @@ struct character_facts {
 // A code set with the classes and the case of its characters, by their bytes. It is also the plain
 // second implementation that the engine is held against.
 struct code_set {
-    std::string name = "8859-1"; // as it stands in the head
+    std::string name = "8859-1"; // as in the head
     std::map<std::string, character_facts> characters;
     std::vector<std::pair<int, std::string>> classes;
     std::string growth = "1.0";

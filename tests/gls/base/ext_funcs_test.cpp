@@ -31,7 +31,7 @@ TEST(ExtFuncs, HostsFunctionServesOnlyWhileTheTableIsOn) {
     EXPECT_NE(_gl_get_ext_funcptr(GL_SLOT_UCA), nullptr) << "the slots survive a reset";
 }
 
-TEST(ExtFuncs, SlotBehindTheLastIsRefusedAndChangesNothing) {
+TEST(ExtFuncs, SlotAfterTheLastIsRefusedAndChangesNothing) {
     int32_t word = 0;
     EXPECT_EQ(gl_setextfunc(&word, 21, reinterpret_cast<gl_function>(answer_seven)), -1);
     EXPECT_EQ(word, GLS_ERR_ARGUMENT);

@@ -21,7 +21,7 @@ std::string logged_with(const char *glslog, const char *glsdebug) {
     return text;
 }
 
-TEST(Log, LinesAreAppendedBehindAHead) {
+TEST(Log, LinesAreAppendedAfterAHead) {
     const std::string text = logged_with("oN", "");
     EXPECT_EQ(text.substr(0, 21), "----\nGLS log started ");
     EXPECT_NE(text.find("\n----\nfirst %s%n line\nsecond\n"), text.npos) << text;

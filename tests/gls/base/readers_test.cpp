@@ -102,7 +102,7 @@ TEST(Readers, SkippingTakesOnlyWhatItSays) {
     const memory_file file(" \t\n x");
     _gl_skip_space_if_needed(file.file);
     _gl_skip_space_if_needed(file.file);
-    EXPECT_EQ(_gl_skip_nl(file.file), 0) << "a tab stands here";
+    EXPECT_EQ(_gl_skip_nl(file.file), 0) << "a tab comes next";
     EXPECT_EQ(fgetc(file.file), '\t');
     EXPECT_EQ(_gl_skip_nl(file.file), 1);
     EXPECT_EQ(_gl_skip_whitespace(file.file), 'x');

@@ -1,4 +1,4 @@
-// The derived tables beside the routine that they stand in for, on random tables and texts.
+// The derived tables against the routine that they replace, on random tables and texts.
 
 #include "gls/conversion/conversion_objects.h"
 #include "gls/multi/multi_reference.h"

@@ -1,4 +1,4 @@
-// Conversion objects as files: what the reader takes and refuses, and what it leaves behind.
+// Conversion objects as files: what the reader takes and refuses, and what it leaves.
 
 #include "gls/conversion/conversion_objects.h"
 #include <kestrion/conversion_file.h>
@@ -61,7 +61,7 @@ TEST(ConversionFile, EachFaultHasItsErrorAndMessage) {
         {"any name before the count", "HEADER_LINES=", "=", 0, 0, "loaded"},
         {"expansion without a point", "2.0", "2", 0, 0, "loaded"},
         {"another type", "=codeset", "=Codeset", -1, 8, "Invalid CVO file. Wrong FILE_TYPE."},
-        {"a blank behind the type", "object\n", "object \n", -1, 8, "Wrong FILE_TYPE."},
+        {"a blank after the type", "object\n", "object \n", -1, 8, "Wrong FILE_TYPE."},
         {"another version", "VERSION=9", "VERSION=10", -1, 8, "Invalid CVO file. Wrong Version."},
         {"no =", "HEADER_LINES=4", "HEADER_LINES 4", -1, 8, nullptr},
         {"more lines than there are", "LINES=4", "LINES=99999999999", -1, 8, nullptr},
@@ -130,7 +130,7 @@ TEST(ConversionFile, EveryCutIsRefusedWithoutALeak) {
 }
 
 // Damaged objects load or don't; those that do convert the same with and without derived tables,
-// and read nothing behind a text.
+// and read nothing after a text.
 TEST(ConversionFile, DamageNeverLeadsOutsideOfText) {
     const std::string objects[] = {small_object(),
                                    object_lines{.lengths = "2 2 0 0 1 1",

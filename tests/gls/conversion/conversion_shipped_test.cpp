@@ -129,7 +129,7 @@ bool compared_through_utf8(const std::string &from, const std::string &to) {
     return (from == "gb" && to == "big5") || (from == "big5" && to == "gb");
 }
 
-// Characters of which the C library makes nothing at all, and tells no error: language tags, which
+// Characters of which the C library makes nothing at all, and reports no error: language tags, which
 // we refuse like any other character that the target lacks.
 bool dropped_by_c_library(const std::string &utf8_character) {
     return utf8_character >= utf8(0xe0000) && utf8_character <= utf8(0xe007f) &&

@@ -166,7 +166,7 @@ TEST(Conversion, WideSourceIsReadFromItsHighestByte) {
     EXPECT_EQ(convert(wide.cv, "\xac\x20\0"s, 2).error, 7);
 }
 
-// A table that maps the zero character like any other must not lead behind a terminated text.
+// A table that maps the zero character like any other must not lead beyond a terminated text.
 TEST(Conversion, ZeroEndsATerminatedTextWithoutItsMark) {
     for (const char *lengths : {"1 1 0 0 1 1", "1 2 0 0 1 1"}) {
         loaded_object loaded(object_lines{
@@ -185,7 +185,7 @@ TEST(Conversion, ZeroEndsATerminatedTextWithoutItsMark) {
 
 // Where no character is a single byte, one may go on into the terminator, or bring the walk out of
 // step with it.
-TEST(Conversion, NothingIsReadBehindATerminator) {
+TEST(Conversion, NothingIsReadAfterATerminator) {
     const conversion_entries pairs{{"\0\0"s, "\x19\0"s}, {"AB", "\x11p"}, {"C\0"s, "\x11q"}};
     const conversion_entries longer{{"\0\0"s, "\x19\0"s}, {"ABC", "\x11r"}, {"CD\0\0"s, "\x11s"}};
     const struct {
@@ -231,7 +231,7 @@ const object_lines stateful_source{
                {"\x0f", "\x10"}},
     .shifted = {{"0!", "\x12\xb0\xa1"}, {"\0"s, "\x19\0"s}, {"\x0f", "\x90"}, {"\x0e", "\x10"}}};
 
-TEST(Conversion, ShiftSequencesStandAheadAndCloseBehind) {
+TEST(Conversion, ShiftSequencesComeFirstAndCloseTheText) {
     loaded_object loaded(stateful_target.text());
     const std::string one = "A\xb0\xa1\xb0\xa1"
                             "A\xb0\xa1";

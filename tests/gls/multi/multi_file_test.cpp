@@ -43,7 +43,7 @@ constexpr char plain_rows[] = "2 1 1 0000\n"
                               "a100105e01c4\n"
                               "0000000\n";
 
-// Reads a table of 16-bit data and gives `err` back, or the table when there is none.
+// Reads a table of 16-bit data and gives the table back, or its `err`.
 int32_t read_text(std::string_view text, multi_arr **out = nullptr, int32_t greatest = 4) {
     memory_file file(text);
     multi_arr *const table = _gl_create_multi(2, 0, &zero);
@@ -120,7 +120,7 @@ TEST(MultiFile, ArrayLinesEndBeforeRunsOfFour) {
         // three empty entries are written out, four end the line
         {{{0x10, 1}, {0x14, 2}}, "1000500100010000000000000002\n"},
         {{{0x10, 1}, {0x15, 2}}, "100010010001\n150010010002\n"},
-        // nothing empty is written behind the last entry
+        // nothing empty is written after the last entry
         {{{0xFD, 7}}, "fd0010010007\n"},
     };
     for (const auto &row : rows) {
@@ -175,7 +175,7 @@ TEST(MultiFile, BadTablesAreRefused) {
         {"shortest 0", "2 0 1 0000\n1 0\n0000000\n", 3},
         {"shortest above the longest", "1 2 1 0000\n1 0\n0000000\n", 3},
         {"no flags bit", "1 1 2 0000\n1 0\n0000000\n", 3},
-        {"no line end behind the head", "1 1 1 0000 \n1 0\n0000000\n", 3},
+        {"no line end after the head", "1 1 1 0000 \n1 0\n0000000\n", 3},
         {"root without flags", "1 1 1 0000\n0 1\n0000000\n", 3},
         {"count for a flag", "1 1 1 0000\n2 0\n0000000\n", 3},
         {"unknown flag value", "1 1 1 0000\n1 0\n0000110005\n0000000\n", 3},

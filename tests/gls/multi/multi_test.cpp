@@ -127,7 +127,7 @@ TEST(Multi, WideCharacterWalksAtLeastTheShortestLength) {
     EXPECT_EQ(found(65), 65) << "two levels, the first byte 0";
     EXPECT_EQ(found(0xD840DC0B), 7);
     EXPECT_EQ(word, 0);
-    EXPECT_EQ(found(0xD840), -1) << "goes on behind its last byte";
+    EXPECT_EQ(found(0xD840), -1) << "goes on after its last byte";
     EXPECT_EQ(found(0x4100), -1);
     EXPECT_EQ(word, 1);
     table->min_len = 5;
@@ -247,7 +247,7 @@ TEST(Multi, SpentIndexesCountTowardsTheLimitOfChildren) {
     multi_arr *const table = new_u16_table();
     ASSERT_EQ(insert(table, "A1", 1), 0);
     for (int i = 0; i < 255; ++i) {
-        counting_allocator::fail_call(1); // the child, behind the places of the children
+        counting_allocator::fail_call(1); // the child, after the places of the children
         EXPECT_EQ(insert(table, "B1", 2), -1);
     }
     counting_allocator::fail_call(-1);

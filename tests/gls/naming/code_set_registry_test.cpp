@@ -50,7 +50,7 @@ TEST(CodeSetRegistry, FileIsReadLineByLine) {
     } rows[] = {
         {"latin-1", "819"}, // the first of two
         {"LATIN-1", "819"},
-        {"8859-1", "error 7"}, // stands in a comment
+        {"8859-1", "error 7"}, // in a comment
         {"x12345678901234567890", "7"},
         {"x12345678901234567890zzz", "7"}, // a longer name is cut
         {"9", "10"},                       // a name before it is a number
@@ -73,7 +73,7 @@ TEST(CodeSetRegistry, LastLineMayLackItsEnd) {
     EXPECT_EQ(look_up(text, "last").cached, "12");
     EXPECT_EQ(look_up(text, "last").uncached, "12");
     EXPECT_EQ(look_up(text, "none").cached, "error 7");
-    EXPECT_EQ(look_up(text, "none").uncached, "error 11") << "where there is no cache to keep it";
+    EXPECT_EQ(look_up(text, "none").uncached, "error 11") << "without a cache to keep it";
     EXPECT_EQ(look_up("one 1\n# comment", "one").cached, "1");
 }
 
@@ -124,7 +124,7 @@ TEST(CodeSetRegistry, MissingFileLeavesTheBuiltInTableAndItsErrorWord) {
     temperr = 0;
     EXPECT_EQ(answer("8859-1", nullptr), "819");
     EXPECT_EQ(answer("utf8", nullptr), std::to_string(0xE01C));
-    EXPECT_EQ(temperr, 0) << "later look-ups don't tell again";
+    EXPECT_EQ(temperr, 0) << "later look-ups don't report it again";
     gl_free_registry_cache();
 }
 
@@ -156,7 +156,7 @@ TEST(CodeSetRegistry, InstalledFileAgreesWithTheBuiltInTable) {
     for (const gls_registry_node *node = gls_registry_list_cache; node != nullptr;
          node = node->next) {
         EXPECT_LE(strlen(node->name), 19u) << node->name;
-        EXPECT_TRUE(names.insert(node->name).second) << node->name << " stands there twice";
+        EXPECT_TRUE(names.insert(node->name).second) << node->name << " is there twice";
     }
     EXPECT_EQ(answer("ISO-8859-15", nullptr), std::to_string(0xE02F));
     EXPECT_EQ(answer("UTF-8", nullptr), std::to_string(0xE01C));

@@ -121,7 +121,7 @@ TEST_F(Specifiers, CompositeSpecifiersHoldOneCodeSet) {
     EXPECT_EQ(word, 7);
 }
 
-TEST_F(Specifiers, DirectoriesStandInFrontBehindAMark) {
+TEST_F(Specifiers, DirectoriesComeFirstWithAMark) {
     int32_t word = 0;
     char out[512 + 201];
     EXPECT_EQ(gl_lc_spec2lc_fname(&word, "en_US.819", out, nullptr, "/a/b"), 0);
@@ -136,7 +136,7 @@ TEST_F(Specifiers, DirectoriesStandInFrontBehindAMark) {
     EXPECT_EQ(gl_cs_nums2cv_fname(&word, 0xE01C, 0x1B5, exact.data(), "dd"), 0);
     EXPECT_STREQ(exact.data(), "dd\xFF"
                                "e01c01b5.cvo");
-    // Six names behind a long directory outgrow what the caller has room for.
+    // Six names below a long directory outgrow what the caller has room for.
     const std::string dir(200, 'd');
     EXPECT_EQ(gl_lc_spec2lc_fname(&word, all_six("en_US.819").c_str(), out, nullptr, dir.c_str()),
               -1);
@@ -238,7 +238,7 @@ TEST_F(Specifiers, OneCategoryCanBeTakenOut) {
     EXPECT_EQ(word, 9);
 }
 
-TEST_F(Specifiers, FilesTellTheirCodeSetByName) {
+TEST_F(Specifiers, FilesNameTheirCodeSet) {
     const temp_dir dir;
     setenv("GL_PATH", dir.path().c_str(), 1);
     const std::string head = "FILE_TYPE=locale_object\nCOMPILER_VERSION=11\nHEADER_LINES=3\n";
@@ -256,8 +256,8 @@ TEST_F(Specifiers, FilesTellTheirCodeSetByName) {
         {"GL_TIME = fil_ph/0333dict.lco ; GL_CTYPE = en_us/0333.lco ; ",
          "GL_TIME = fil_PH.latin-1@dict ; GL_CTYPE = en_US.8859-1"},
         {"sv_se/0333.lco", "error 11"},
-        {"nb_no/0333.lco", "error 11"}, // its code set's line is no name
-        {"nb_no/0333/x", "error 7"},    // a directory is no modifier
+        {"nb_no/0333.lco", "error 11"}, // its code set's line is not a name
+        {"nb_no/0333/x", "error 7"},    // a directory is not a modifier
         {"en_us/0333abcd/../0333.lco", "error 7"},
         {"de_de/0333.lco", "error 8"},
         {"GL_TIME = en_us/0333.lco ; GL_CTYPE = de_de/0333.lco", "error 8"},

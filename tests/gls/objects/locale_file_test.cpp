@@ -242,7 +242,7 @@ TEST(LocaleObject, PartnersOfTheDefaultIndexCountForTheGrowth) {
 }
 
 // A text of the file that ends inside a character takes zero bytes to its end; the terminator of
-// the code set still stands behind it.
+// the code set still follows it.
 TEST(LocaleObject, TextsThatEndInsideACharacterAreTerminated) {
     object_text object = object_of(latin1());
     const std::string zeros(3, '\0');
@@ -342,7 +342,7 @@ TEST(LocaleObject, LongSequencesAndIndexesBeyondTheirTablesAreRefused) {
         {2, table_text({{"a", 0}}) + "0\n" + table_text({{"a", 2}}) + "1\n0000004100000061\n\n",
          11},
         {2, table_text({{"a", 0}}) + "0\n" + table_text({{"a", 0}}) + "65536\n", 11},
-        // A zero byte that begins a longer character would lead a walk behind the text.
+        // A zero byte that begins a longer character would lead a walk beyond the text.
         {2, table_text({{std::string("\0a", 2), 0}, {"a", 0}}) + "0\n" + table_text({}) + "0\n\n",
          3},
         // Steps of another length would pass a terminator of two bytes.
@@ -371,7 +371,7 @@ TEST(LocaleObject, LongSequencesAndIndexesBeyondTheirTablesAreRefused) {
 TEST(LocaleObject, TheFirstMarkerThatBeginsALineWins) {
     object_text object = object_of(latin1());
     std::string messages = std::string(category_markers[5]) + fields({"a", "b", "c", "d"});
-    std::string noise(126, 'x'); // a piece ends in front of the marker, and the line goes on
+    std::string noise(126, 'x'); // a piece ends before the marker, and the line goes on
     record lc;
     ASSERT_TRUE(lc.read(GL_CAT_CTYPE, object.one(GL_CAT_CTYPE)));
     ASSERT_TRUE(lc.read(GL_CAT_MESSAGES,
@@ -418,7 +418,7 @@ TEST(LocaleObject, MutatedObjectsAreRefusedOrServe) {
             lc.read(c, text);
         update_locale(lc);
         std::string sample = texts[random() % std::size(texts)];
-        // A character of wide units that is cut off takes zero bytes; the terminator stands behind.
+        // A character of wide units that is cut off takes zero bytes; the terminator follows.
         sample.append(gl_mb_loc_min(lc) == 1 ? 1 : 7, '\0');
         guarded_bytes guarded(sample);
         std::vector<char> out(

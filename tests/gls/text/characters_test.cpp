@@ -102,7 +102,7 @@ TEST(Decoding, LimitsAndErrors) {
         {"\xe2\xb1\xa5", 3, 3, 0xe2b1a5, 0},
         {"\xf0\x9f\x98\x80", 9, 4, 0xf09f9880, 0},
         {"\xe2\xb1\xa5", 2, -1, 0, GLS_ERR_SPECIFIER}, // cut off
-        {"\xe2\xb1", 3, -1, 0, GLS_ERR_BAD_CHARACTER}, // the terminator is no trail byte
+        {"\xe2\xb1", 3, -1, 0, GLS_ERR_BAD_CHARACTER}, // the terminator is not a trail byte
         {"\xff", 1, -1, 0, GLS_ERR_BAD_CHARACTER},
         {"A", 0, -1, 0, GLS_ERR_SPECIFIER},
         {"A", -1, -1, 0, GLS_ERR_SPECIFIER},
@@ -156,7 +156,7 @@ TEST(Decoding, AgreesWithThePlainSetOnRandomText) {
                 EXPECT_EQ(gl_full_mblen(lc, at, static_cast<int32_t>(left.size())), wanted);
                 gl_wchar wide = 0, swift = 0;
                 gl_full_mbtowc(lc, &wide, at, static_cast<int32_t>(left.size()) + 1);
-                EXPECT_EQ(_qvt_gl_full_mbtowc(lc, &swift, at, 4), wanted) << "not behind the zero";
+                EXPECT_EQ(_qvt_gl_full_mbtowc(lc, &swift, at, 4), wanted) << "not after the zero";
                 EXPECT_EQ(swift, wide);
                 std::string first(left.substr(0, static_cast<size_t>(length)));
                 EXPECT_EQ(wide, packed(first));
@@ -263,7 +263,7 @@ TEST(WideUnits, CharactersAndTerminatorsKeepTheirWidth) {
     EXPECT_EQ(gl_mbsbytes(lc, "\0A\5\0\4\x10\0\0"), 8) << "a zero byte inside ends nothing";
     EXPECT_EQ(gl_ismbsterm(lc, "\0A"), 0);
     EXPECT_EQ(lc.lc->numeric_cat.wide_decimal_point[0], '.');
-    // A character that is open in front of the terminator does not swallow it.
+    // A character that is open before the terminator does not swallow it.
     guarded_bytes cut(std::string("\0A\xd8\1\0\0", 6));
     EXPECT_EQ(_gl_im_mbslen(lc, cut.data()), -1);
     EXPECT_EQ(_gl_im_mbslen(lc, "\xd8\1\xdc\1\0\0"), 1);
@@ -389,8 +389,7 @@ TEST(CharCase, CountsEndTextsOnlyAtACharactersEnd) {
                           static_cast<size_t>(c.written)),
                   0);
     }
-    EXPECT_EQ(_qvt_gl_tombslower_len(lc, out, "AB\xff", 2), 2)
-        << "nothing behind the count is read";
+    EXPECT_EQ(_qvt_gl_tombslower_len(lc, out, "AB\xff", 2), 2) << "nothing after the count is read";
     EXPECT_EQ(gl_tombslower(lc, out, "AB\xff"), -1);
     EXPECT_EQ(lc.error(), GLS_ERR_BAD_CHARACTER);
     loaded narrow(latin1());
@@ -468,7 +467,7 @@ TEST(CharWidth, PrivateCharactersAreLookedUpInTheSitesMap) {
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa4"), 1);
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa5"), 1) << "the map ends";
     EXPECT_EQ(gl_mbwidth_PUA(lc, "\xa3\xa6"), -1);
-    EXPECT_EQ(gl_mbwidth_PUA(lc, "a"), -1) << "what is printable is no private character";
+    EXPECT_EQ(gl_mbwidth_PUA(lc, "a"), -1) << "a printable character is not a private one";
     EXPECT_EQ(gl_mbwidth_PUA(lc, ""), -1);
 }
 

@@ -81,7 +81,7 @@ TEST(NameCache, CaseFoldsByTheLocale) {
     EXPECT_EQ(found, (match{-1, 0})) << "cut off inside a character";
     found.value = _gl_validate_mb_string(lc, cache, "\xC3\xA9t\xFF", -1, &found.used);
     EXPECT_EQ(found, (match{-1, 0}));
-    EXPECT_EQ(lc->err, 0) << "what the text holds besides names is no error";
+    EXPECT_EQ(lc->err, 0) << "text that is not a name is not an error";
     EXPECT_EQ(_gl_cache_mb_string(lc, &cache, "a\xFF", 8), -1);
     EXPECT_EQ(lc->err, 1);
     _gl_free_mb_cache(cache);
