@@ -2,25 +2,28 @@
 //
 //     locale_object 11
 //     head "SOURCE=en_US ISO-8859-1"
-//     code_set 8859-1
-//     class 00..08 cntrl                 characters by their bytes, ranges in the last byte
+//     code_set "8859-1"
+//     class_name 0 full_width       a class of its own, by its bit; "class" may then name it
+//     class 00..08 cntrl            characters by their bytes, ranges in the last byte
 //     class 30..39 digit graph print xdigit
-//     class 80 -                         a character without a class
-//     class_name 0 full_width            a class of its own, by its bit; it then stands in class
-//     lines pair 41 61                         upper and lower case; the first pair has index 1; -
-//     for none case 41..5a 1+                     index of the first, counting up growth 1
-//     collation as_specified             or thai_smo, and no more
+//     class 80 -                    a character without a class
+//     pair 41 61                    upper and lower case, - for none; the first pair has index 1
+//     case 41..5a 1+                index of the first character, counting up
+//     growth 1
+//     collation as_specified        or thai_smo, with no more of the next six
 //     code_order 1
 //     max_weight 257
-//     levels 1
-//     row 00..ff 0+
-//     weights 0 2                        of row 0, one for each level, hexadecimal as all in this
-//     part contraction 5 63 68                row, characters expansion 61 65 characters LC_NUMERIC
-//     decimal_point "."       bytes outside ASCII as \xa0 LC_NUMERIC grouping 3 0
+//     levels 1 2                    directions
+//     row 00..ff 0+                 like case
+//     contraction 5 63 68           row, characters
+//     expansion 61 65               characters
+//     weights 0 2 2                 of row 0, one for each level
+//     LC_NUMERIC decimal_point "."  bytes outside ASCII as \xa0
+//     LC_NUMERIC grouping 3 0
 //
-// Statements may stand in any order, but for those that count: pair, expansion, contraction,
-// weights.
-// "#" begins a comment where a word may begin.
+// Numbers of case, row and of rows, code_order and max_weight are decimal, all others hexadecimal.
+// Statements may come in any order, but for those that count (pair, expansion, contraction,
+// weights), for class_name before class, and levels before weights. docs/man/mklco.1 has more.
 #pragma once
 
 #include "compilers/mklco/object.h"

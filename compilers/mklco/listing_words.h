@@ -4,8 +4,13 @@
 #include <kestrion/ctype_masks.h>
 
 #include <stdint.h>
+#include <string>
+#include <string_view>
 
 namespace kestrion {
+
+// The first line of a listing.
+inline constexpr std::string_view listing_mark = "locale_object 11";
 
 struct class_word {
     const char *word;
@@ -18,5 +23,8 @@ inline constexpr class_word class_words[] = {
     {"space", CT_SPACE}, {"cntrl", CT_CNTRL},   {"punct", CT_PUNCT}, {"graph", CT_GRAPH},
     {"print", CT_PRINT}, {"xdigit", CT_XDIGIT}, {"blank", CT_BLANK},
 };
+
+// The word for a named class without a name of its own.
+inline std::string bit_word(int bit) { return "bit" + std::to_string(bit); }
 
 } // namespace kestrion

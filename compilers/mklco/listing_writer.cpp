@@ -1,7 +1,7 @@
 #include "compilers/mklco/listing.h"
 
+#include "compilers/listing_line.h"
 #include "compilers/mklco/listing_words.h"
-#include "compilers/object_table.h"
 
 #include <charconv>
 #include <string.h>
@@ -14,21 +14,7 @@ std::string hex(uint64_t value) {
     return {digits, std::to_chars(digits, digits + sizeof digits, value, 16).ptr};
 }
 
-std::string quoted(std::string_view bytes) {
-    std::string text = "\"";
-    for (char c : bytes) {
-        auto byte = static_cast<unsigned char>(c);
-        if (byte < ' ' || byte > '~')
-            text.append("\\x").append(hex_text({&c, 1}));
-        else if (c == '"' || c == '\\')
-            text.append("\\").append(1, c);
-        else
-            text += c;
-    }
-    return text + '"';
-}
-
-// True when b is the sequence directly behind a and only the last byte tells them apart.
+// True when b is the sequence directly after a and they differ in the last byte alone.
 bool follows(const code_sequence &a, const code_sequence &b) {
     int last = a.length - 1;
     return a.length == b.length && memcmp(a.bytes, b.bytes, static_cast<size_t>(last)) == 0 &&
@@ -44,7 +30,7 @@ void for_each_run(const locale_object &object, uint16_t object_character::*datum
     for (size_t begin = 0, end; begin < all.size(); begin = end) {
         bool up = false;
         for (end = begin + 1; end < all.size() && follows(all[end - 1].sequence, all[end].sequence);
-             end++) {
+             ++end) {
             int step = all[end].*datum - all[end - 1].*datum;
             if (end == begin + 1 && counting)
                 up = step == 1;
@@ -58,7 +44,7 @@ void for_each_run(const locale_object &object, uint16_t object_character::*datum
     }
 }
 
-// True when a text can stand without quotes.
+// True when a text needs no quotes.
 bool is_word(const std::string &text) {
     return !text.empty() && text.find_first_of("\"#\\ ") == std::string::npos &&
            quoted(text).size() == text.size() + 2;
@@ -75,111 +61,107 @@ bool is_plain_class(const locale_object &object, size_t index) {
     return plain;
 }
 
-std::string class_list(const locale_object &object, uint32_t mask) {
-    std::string list;
-    for (const class_word &word : class_words)
-        if (mask & word.mask)
-            list.append(" ").append(word.word);
+std::vector<std::string> class_list(const locale_object &object, uint32_t mask) {
+    std::vector<std::string> words;
+    for (const class_word &known : class_words)
+        if (mask & known.mask)
+            words.emplace_back(known.word);
     for (int bit = 0; bit < ct_named_limit; ++bit) {
         if (!(mask & CT_NAMED << bit))
             continue;
-        std::string name = "bit" + std::to_string(bit);
+        std::string name = bit_word(bit);
         for (size_t i = 0; i < object.class_names.size(); ++i)
             if (object.class_names[i].first == bit && is_plain_class(object, i))
                 name = object.class_names[i].second;
-        list.append(" ").append(name);
+        words.push_back(name);
     }
-    return list.empty() ? " -" : list;
+    return words.empty() ? std::vector<std::string>{"-"} : words;
+}
+
+void append_line(std::string &out, std::string_view keyword,
+                 const std::vector<std::string> &operands) {
+    out += keyword;
+    for (const std::string &operand : operands)
+        out.append(" ").append(operand);
+    out += '\n';
+}
+
+template <typename Numbers> std::vector<std::string> hex_words(const Numbers &numbers) {
+    std::vector<std::string> words;
+    for (const auto number : numbers)
+        words.push_back(hex(number));
+    return words;
 }
 
 void append_numbered(std::string &out, const char *keyword, const locale_object &object,
                      uint16_t object_character::*datum) {
     for_each_run(object, datum, true, [&](const std::string &range, uint16_t value, bool up) {
         if (value != 0 || up)
-            out.append(keyword)
-                .append(" ")
-                .append(range)
-                .append(" ")
-                .append(std::to_string(value))
-                .append(up ? "+\n" : "\n");
+            append_line(out, keyword, {range, std::to_string(value) + (up ? "+" : "")});
     });
 }
 
 void append_ctype(std::string &out, const locale_object &object) {
     for (const auto &[bit, name] : object.class_names)
-        out.append("class_name ")
-            .append(std::to_string(bit))
-            .append(" ")
-            .append(is_word(name) ? name : quoted(name))
-            .append("\n");
-    for_each_run(
-        object, &object_character::classes, false,
-        [&](const std::string &range, uint16_t mask, bool) {
-            out.append("class ").append(range).append(class_list(object, mask)).append("\n");
-        });
+        append_line(out, "class_name", {std::to_string(bit), is_word(name) ? name : quoted(name)});
+    for_each_run(object, &object_character::classes, false,
+                 [&](const std::string &range, uint16_t mask, bool) {
+                     std::vector<std::string> operands = class_list(object, mask);
+                     operands.insert(operands.begin(), range);
+                     append_line(out, "class", operands);
+                 });
+    const auto partner = [](uint32_t character) { return character ? hex(character) : "-"; };
     for (const object_case_pair &pair : object.pairs)
-        out.append("pair ")
-            .append(pair.upper ? hex(pair.upper) : "-")
-            .append(" ")
-            .append(pair.lower ? hex(pair.lower) : "-")
-            .append("\n");
+        append_line(out, "pair", {partner(pair.upper), partner(pair.lower)});
     append_numbered(out, "case", object, &object_character::case_index);
     char number[32];
-    auto end = std::to_chars(number, number + sizeof number, object.growth).ptr;
-    out.append("growth ").append(number, end).append("\n");
+    const auto end = std::to_chars(number, number + sizeof number, object.growth).ptr;
+    append_line(out, "growth", {std::string(number, end)});
 }
 
 void append_collation(std::string &out, const locale_object &object) {
     const object_collation &collation = object.collation;
-    out.append("collation ").append(collation.thai ? "thai_smo\n" : "as_specified\n");
+    append_line(out, "collation", {collation.thai ? "thai_smo" : "as_specified"});
     if (collation.thai)
         return;
-    out.append("code_order ").append(std::to_string(collation.code_order_form));
-    out.append("\nmax_weight ").append(std::to_string(collation.max_weight)).append("\nlevels");
-    for (uint16_t level : collation.levels)
-        out.append(" ").append(hex(level));
-    out += '\n';
+    append_line(out, "code_order", {std::to_string(collation.code_order_form)});
+    append_line(out, "max_weight", {std::to_string(collation.max_weight)});
+    append_line(out, "levels", hex_words(collation.levels));
     append_numbered(out, "row", object, &object_character::row);
     for (const auto &contraction : collation.contractions) {
-        out.append("contraction ").append(std::to_string(contraction.row));
-        for (uint32_t character : contraction.characters)
-            out.append(" ").append(hex(character));
-        out += '\n';
+        std::vector<std::string> operands = hex_words(contraction.characters);
+        operands.insert(operands.begin(), std::to_string(contraction.row));
+        append_line(out, "contraction", operands);
     }
-    for (const auto &expansion : collation.expansions) {
-        out += "expansion";
-        for (uint32_t character : expansion)
-            out.append(" ").append(hex(character));
-        out += '\n';
-    }
+    for (const auto &expansion : collation.expansions)
+        append_line(out, "expansion", hex_words(expansion));
     for (size_t row = 0; row < collation.rows.size(); ++row) {
-        out.append("weights ").append(std::to_string(row));
-        for (uint16_t weight : collation.rows[row])
-            out.append(" ").append(hex(weight));
-        out += '\n';
+        std::vector<std::string> operands = hex_words(collation.rows[row]);
+        operands.insert(operands.begin(), std::to_string(row));
+        append_line(out, "weights", operands);
     }
+}
+
+void append_field(std::string &out, const object_field &field, const object_field_value &value) {
+    std::vector<std::string> operands = {field.keyword};
+    for (const std::string &text : value.texts)
+        operands.push_back(quoted(text));
+    for (const int64_t number : value.numbers)
+        operands.push_back(std::to_string(number));
+    append_line(out, section_name(field.section), operands);
 }
 
 } // namespace
 
 std::string write_listing(const locale_object &object) {
-    std::string out = "locale_object 11\n";
+    std::string out = std::string(listing_mark) + '\n';
     for (const std::string &line : object.head)
-        out.append("head ").append(quoted(line)).append("\n");
-    out.append("code_set ").append(quoted(object.code_set)).append("\n");
+        append_line(out, "head", {quoted(line)});
+    append_line(out, "code_set", {quoted(object.code_set)});
     append_ctype(out, object);
     append_collation(out, object);
-    for (size_t i = 0; i < object_field_count; ++i) {
-        const object_field &field = object_fields[i];
-        out.append(object_section_names[static_cast<int>(field.section)])
-            .append(" ")
-            .append(field.keyword);
-        for (const std::string &text : object.fields[i].texts)
-            out.append(" ").append(quoted(text));
-        for (int64_t number : object.fields[i].numbers)
-            out.append(" ").append(std::to_string(number));
-        out += '\n';
-    }
+    for (size_t i = 0; i < object_field_count; ++i)
+        append_field(out, object_fields[i], object.fields[i]);
     return out;
 }
 

@@ -45,7 +45,7 @@ struct object_collation {
     std::vector<std::vector<uint16_t>> rows; // weights of each row, one a level
 };
 
-// How a field of the sections behind the collation stands in the file.
+// How the file holds a field of the sections after the collation.
 enum class field_kind : uint8_t {
     line,    // one word on a line
     texts,   // `count` texts
@@ -109,6 +109,9 @@ inline constexpr size_t object_field_count = std::size(object_fields);
 
 inline constexpr const char *object_section_names[] = {"LC_NUMERIC", "LC_MONETARY", "LC_TIME",
                                                        "LC_MESSAGES"};
+inline const char *section_name(object_section section) {
+    return object_section_names[static_cast<size_t>(section)];
+}
 
 struct object_field_value {
     std::vector<std::string> texts; // bytes in the object's code set; also the word of a line

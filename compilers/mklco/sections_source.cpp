@@ -98,7 +98,7 @@ std::vector<size_t> operands_of(const source_statement &statement) {
 }
 
 void sections_compiler::read(object_section section) {
-    const char *name = object_section_names[static_cast<int>(section)];
+    const char *name = section_name(section);
     library_.for_each_statement(source_, name,
                                 [&](const source_statement &s) { statement(section, s); });
     for (size_t i = 0; i < object_field_count; ++i)

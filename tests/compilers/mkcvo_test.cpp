@@ -124,7 +124,7 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "./to", "./pairs"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "old.cvo", "./prefix", "./to"}, 4, "is the beginning of another"},
         {{"-o", "old.cvo", "too_long"}, 4, "where target characters have at most 1"},
-        {{"-o", "old.cvo", "endless"}, 4, "the runtime would refuse the object"},
+        {{"-o", "old.cvo", "endless"}, 4, "endless:3:11: error"},
         {{"-o", "old.cvo", "-t", "./nolocale", "./from", "./to"}, 4, "./nolocale"},
         {{"-o", "old.cvo", "--list", "./to"}, 4, "this is no conversion object"},
         {{"-o", "old.cvo", "./to"}, 2, "two code sets are needed"},
@@ -175,14 +175,14 @@ TEST_F(Mkcvo, ListingsAreCheckedLineByLine) {
     const struct {
         const char *from, *to, *said;
     } rows[] = {
-        {"states 0", "states 2", "a number from 0 to 1 stands here"},
-        {"normal 61", "normal 6", "one to four bytes stand here"},
-        {"normal 61", "normal 6x", "a byte has two hexadecimal digits"},
-        {"normal 61", "normal -", "a source character has at least one byte"},
+        {"states 0", "states 2", "expected a number from 0 to 1"},
+        {"normal 61", "normal 6", "expected one to four bytes"},
+        {"normal 61", "normal 6x", "expected one to four bytes"},
+        {"normal 61", "normal -", "expected one to four bytes"},
         {"11 61", "12 61", "the control byte counts other target bytes"},
-        {"11 61", "11 61 62", "the line ends here"},
-        {"normal", "norml", "no line of a listing begins so"},
-        {"expansion 1", "expansion x", "a real number stands here"},
+        {"11 61", "11 61 62", "unexpected words at the end of the line"},
+        {"normal", "norml", "unknown keyword norml"},
+        {"expansion 1", "expansion x", "expected a real number from 0 to 12"},
     };
     for (const auto &row : rows) {
         std::string bad = good;
