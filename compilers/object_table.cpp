@@ -1,6 +1,7 @@
 #include "compilers/object_table.h"
 
 #include "compilers/diagnostics.h"
+#include "gls/multi/multi_tree.h"
 
 #include <new>
 #include <stdio.h>
@@ -27,6 +28,20 @@ std::string written_text(multi_arr *table, multi_datum_writer writer) {
     return result;
 }
 
+void visit_node(const multi_arr *table, const multi_node *node, code_sequence prefix,
+                const std::function<void(const code_sequence &, const unsigned char *)> &visit) {
+    const int depth = prefix.length++;
+    for (size_t b = 0; b < gl_bytes; ++b) {
+        const auto byte = static_cast<unsigned char>(b);
+        prefix.bytes[depth] = byte;
+        if (multi_flag_at(node, byte) == MULTI_CHILD)
+            visit_node(table, multi_child_at(node, byte), prefix, visit);
+        else if (multi_flag_at(node, byte) == MULTI_END)
+            visit(prefix,
+                  node->data == nullptr ? table->default_datum : multi_slot(table, node->data, b));
+    }
+}
+
 } // namespace
 
 multi_table make_table(uint32_t data_size) {
@@ -44,6 +59,12 @@ void add_to_table(multi_arr *table, const code_sequence &sequence, const void *d
         return;
     throw compiler_failure("the character " + hex_text(sequence.text()) +
                            " is the beginning of another, or begins with one");
+}
+
+void for_each_entry(
+    const multi_arr *table,
+    const std::function<void(const code_sequence &, const unsigned char *)> &visit) {
+    visit_node(table, table->root, {}, visit);
 }
 
 std::string table_text(multi_arr *table, multi_datum_writer writer) {

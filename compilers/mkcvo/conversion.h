@@ -39,11 +39,11 @@ struct conversion_object {
 // The object's file. Throws compiler_failure for entries that no table can hold.
 std::string object_text(const conversion_object &object);
 
-// Lets the runtime read an object's file. Throws compiler_failure when it refuses it.
-void check_by_loading(std::string &text);
+// Lets the runtime load an object's bytes. Throws compiler_failure when it refuses them.
+void check_by_loading(const std::string &bytes);
 
-// Reads a file that the runtime accepts; `path` names it in messages. Throws compiler_failure.
-conversion_object read_object(const std::string &path);
+// The object of a file, as the runtime loads it. Throws compiler_failure when it refuses the file.
+conversion_object read_object(const source_file &file);
 
 // The object as a text that compiles to the same file, and that text read back. read_listing throws
 // source_error.

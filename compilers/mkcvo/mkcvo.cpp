@@ -178,8 +178,8 @@ std::vector<output_file> compile(const mkcvo_options &options, const compiler_ru
 std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
     if (run.sources.size() != 1)
         throw usage_error("--list takes one conversion object");
-    const conversion_object object = read_object(run.sources[0]);
     const source_file file = source_file::read(run.sources[0]);
+    const conversion_object object = read_object(file);
     if (object_text(object) != file.text())
         said.warning(file, {}, "mkcvo did not lay this object out",
                      "the listing compiles to the same conversions, not to the same bytes");

@@ -1,5 +1,6 @@
 #include "compilers/mkcvo/conversion.h"
 
+#include "compilers/head_lines.h"
 #include "compilers/object_table.h"
 #include "gls/conversion/conversion_object.h"
 #include <kestrion/conversion_file.h>
@@ -60,16 +61,18 @@ std::string entries_text(const std::vector<conversion_entry> &entries, int targe
     return table_text(table.get(), conv_writer);
 }
 
-// A record that the runtime makes of an object's file, which is closed here; null for none.
+// A record that the runtime makes of an object's bytes.
 class loaded_record {
 public:
-    loaded_record(FILE *file, const std::string &refusal)
+    loaded_record(std::string bytes, const std::string &refusal)
         : cv_(static_cast<cv_rec *>(_gl_ext_calloc(1, sizeof(cv_rec)))) {
-        if (cv_ != nullptr && read_cv_file(cv_, file) == 0)
-            return;
+        FILE *file = fmemopen(bytes.data(), bytes.size(), "r");
+        const bool loaded = cv_ != nullptr && file != nullptr && read_cv_file(cv_, file) == 0;
+        if (loaded)
+            return; // with the file closed
         if (file != nullptr)
-            _gl_ext_fclose(file);
-        if (cv_ == nullptr)
+            fclose(file);
+        if (cv_ == nullptr || file == nullptr)
             throw std::bad_alloc();
         const std::string error = std::to_string(cv_->cv_err);
         release();
@@ -97,39 +100,13 @@ code_sequence sequence_of(const unsigned char *bytes, int length) {
     return sequence;
 }
 
-void collect(const multi_arr *table, const multi_node *node, code_sequence prefix,
-             std::vector<conversion_entry> &entries) {
-    const int depth = prefix.length++;
-    for (int b = 0; node->flag_bytes != nullptr && b < gl_bytes; ++b) {
-        prefix.bytes[depth] = static_cast<unsigned char>(b);
-        if (node->flag_bytes[b] == MULTI_CHILD) {
-            collect(table, node->children[node->child_slot[b]], prefix, entries);
-        } else if (node->flag_bytes[b] == MULTI_END) {
-            const unsigned char *datum =
-                node->data == nullptr ? table->default_datum
-                                      : node->data + (static_cast<size_t>(b) << table->shift);
-            entries.push_back({prefix, datum[0], sequence_of(datum + 1, datum[0] & CV_LENGTH)});
-        }
-    }
-}
-
 std::vector<conversion_entry> entries_of(const multi_arr *table) {
     std::vector<conversion_entry> entries;
     if (table != nullptr)
-        collect(table, table->root, {}, entries);
+        for_each_entry(table, [&](const code_sequence &source, const unsigned char *datum) {
+            entries.push_back({source, datum[0], sequence_of(datum + 1, datum[0] & CV_LENGTH)});
+        });
     return entries;
-}
-
-// The lines that the runtime skips, from the text itself.
-std::vector<std::string> head_of(const source_file &source) {
-    const std::string_view count = source.line(cvo_head_lines);
-    size_t lines = 0;
-    if (const size_t equals = count.find('='); equals != std::string_view::npos)
-        std::from_chars(count.data() + equals + 1, count.data() + count.size(), lines);
-    std::vector<std::string> head;
-    for (size_t i = cvo_head_lines + 1; i <= lines && i <= source.line_count(); ++i)
-        head.emplace_back(source.line(i));
-    return head;
 }
 
 } // namespace
@@ -144,23 +121,16 @@ std::string object_text(const conversion_object &object) {
     return out;
 }
 
-void check_by_loading(std::string &text) {
-    FILE *file = fmemopen(text.data(), text.size(), "r");
-    if (file == nullptr)
-        throw std::bad_alloc();
-    const loaded_record loaded(file, "the runtime would refuse the object");
+void check_by_loading(const std::string &bytes) {
+    const loaded_record loaded(bytes, "the runtime would refuse the object");
 }
 
-conversion_object read_object(const std::string &path) {
-    const source_file source = source_file::read(path);
-    std::string absolute = path;
-    if (path.empty() || path[0] != '/')
-        absolute.insert(0, "./");
-    const loaded_record loaded(_gl_ext_fopen(absolute.c_str(), "r"),
-                               path + ": this is no conversion object");
+conversion_object read_object(const source_file &file) {
+    const loaded_record loaded(std::string(file.text()),
+                               file.name() + ": this is not a conversion object");
     const cv_rec &cv = *loaded;
     conversion_object object;
-    object.head = head_of(source);
+    object.head = skipped_head_lines(file);
     object.source_stateful = cv.source_stateful != 0;
     object.target_stateful = cv.target_stateful != 0;
     object.shifts = {sequence_of(cv.shift_in, cv.shift_in_len),

@@ -137,11 +137,11 @@ std::vector<output_file> compile(const mklco_options &options, const compiler_ru
     return {{run.output, checked(object)}};
 }
 
-// Objects of other makers may hold what no listing says: the bytes between two numbers, the order
-// of sections, tables whose characters differ.
+// Objects of other makers may hold what a listing does not show: the bytes between two numbers, the
+// order of sections, tables whose characters differ.
 std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
-    source_file file = source_file::read(run.sources[0]);
-    std::string listing = write_listing(read_object(run.sources[0]));
+    const source_file file = source_file::read(run.sources[0]);
+    std::string listing = write_listing(read_object(file));
     if (write_object(read_listing({"listing", listing})) != file.text())
         said.warning(file, {}, "mklco did not lay this object out",
                      "the listing compiles to the same data, not to the same bytes");

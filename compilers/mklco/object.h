@@ -134,11 +134,10 @@ struct locale_object {
 // The object as its file. Throws compiler_failure when it cannot be one.
 std::string write_object(const locale_object &object);
 
-// Reads an object's bytes as the runtime does, which has the last word on what was written. Throws
-// compiler_failure when it refuses them.
-void check_by_loading(std::string &bytes);
+// Lets the runtime load an object's bytes. Throws compiler_failure when it refuses them.
+void check_by_loading(const std::string &bytes);
 
-// The object of a file. Throws compiler_failure, which names the file and what is wrong.
-locale_object read_object(const std::string &path);
+// The object of a file, as the runtime loads it. Throws compiler_failure when it refuses the file.
+locale_object read_object(const source_file &file);
 
 } // namespace kestrion

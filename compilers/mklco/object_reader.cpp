@@ -1,286 +1,181 @@
 #include "compilers/mklco/object.h"
 
+#include "compilers/head_lines.h"
 #include "compilers/object_table.h"
+#include "gls/naming/category_words.h"
 #include "gls/objects/locale_object.h"
-#include <kestrion/char_desc.h>
+#include <kestrion/categories.h>
 #include <kestrion/locale_file.h>
 
-#include <ctype.h>
-#include <errno.h>
+#include <initializer_list>
 #include <memory>
+#include <new>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 namespace kestrion {
 namespace {
 
-constexpr int64_t largest_count = 65535;
+using loaded_locale = std::unique_ptr<locale_rec, void (*)(locale_rec *)>;
 
-struct file_closer {
-    void operator()(FILE *file) const { fclose(file); }
-};
-
-// Reads the sections in the order in which the compiler writes them.
-class object_reader {
-public:
-    explicit object_reader(const std::string &path)
-        : path_(path), file_(fopen(path.c_str(), "rb")) {
-        if (!file_)
-            throw compiler_failure(path + ": " + strerror(errno));
+// The record that the runtime makes of an object's bytes.
+loaded_locale load(std::string bytes, const std::string &refusal) {
+    const std::unique_ptr<FILE, int (*)(FILE *)> file(fmemopen(bytes.data(), bytes.size(), "rb"),
+                                                      fclose);
+    locale_rec *record = nullptr;
+    if (file == nullptr || gl_create_null_locale_4(&record) != 0)
+        throw std::bad_alloc();
+    loaded_locale owner(record, gl_lc_unload);
+    for (int32_t i = 0; i < gl_category_count; ++i) {
+        rewind(file.get());
+        if (read_one_category(record, gl_first_category + i, file.get()) != 0)
+            throw compiler_failure(refusal + ": error " + std::to_string(record->err) +
+                                   " in the section " + category_words[i].text);
     }
-
-    locale_object read();
-
-private:
-    [[noreturn]] void fail(const std::string &what) const {
-        throw compiler_failure(path_ + ": " + what + " near byte " +
-                               std::to_string(ftell(file_.get())));
-    }
-
-    int get() { return fgetc(file_.get()); }
-    std::string line();
-    void expect(std::string_view line_wanted);
-    void line_end();
-    int64_t number(int64_t least, int64_t greatest);
-    uint32_t hex(int digits);
-    std::string text();
-    double growth();
-    multi_table table();
-
-    void read_head();
-    void read_ctype();
-    void read_collation();
-    void read_field(const object_field &field, object_field_value &value);
-    void collect(const multi_arr *table, const multi_node *node, code_sequence prefix);
-    void look_up(const multi_arr *table, uint16_t object_character::*datum);
-
-    std::string path_;
-    std::unique_ptr<FILE, file_closer> file_;
-    locale_object object_;
-};
-
-std::string object_reader::line() {
-    std::string text;
-    for (int c; (c = get()) != '\n'; text += static_cast<char>(c))
-        if (c == EOF)
-            fail("the file ends inside a line");
-    return text;
+    return owner;
 }
 
-void object_reader::expect(std::string_view line_wanted) {
-    std::string found = line();
-    if (found + "\n" != line_wanted)
-        fail("\"" + found + "\" stands where \"" +
-             std::string(line_wanted.substr(0, line_wanted.size() - 1)) + "\" must stand");
+uint16_t datum_of(const code_sequence &sequence, const multi_arr *table) {
+    uint16_t datum = 0;
+    gl_char_desc desc{sequence.length, {}};
+    memcpy(desc.bytes, sequence.bytes, sizeof desc.bytes);
+    if (const void *found = _gl_retrieve_desc_multi(&desc, table))
+        memcpy(&datum, found, sizeof datum);
+    return datum;
 }
 
-void object_reader::line_end() {
-    if (get() != '\n')
-        fail("a line does not end where it must");
+void take_ctype(const locale_rec &lc, locale_object &object) {
+    const ctype_rec &ct = lc.ctype_cat;
+    for_each_entry(ct.class_table, [&](const code_sequence &sequence, const unsigned char *datum) {
+        uint16_t classes;
+        memcpy(&classes, datum, sizeof classes);
+        object.characters.push_back({sequence, classes, datum_of(sequence, ct.case_index),
+                                     datum_of(sequence, lc.collate_cat.row_table)});
+    });
+    for (int32_t i = 0; i < ct.class_name_count; ++i)
+        object.class_names.emplace_back(ct.class_names[i].bit, ct.class_names[i].name);
+    for (int32_t i = 1; i <= ct.case_pair_count; ++i)
+        object.pairs.push_back({ct.case_pairs[i].upper, ct.case_pairs[i].lower});
+    object.growth = lc.case_expansion;
 }
 
-// A decimal number, behind a blank or not.
-int64_t object_reader::number(int64_t least, int64_t greatest) {
-    std::string digits;
-    int c = get();
-    if (c == ' ')
-        c = get();
-    for (; c != EOF && (isdigit(c) || c == '-') && digits.size() < 20; c = get())
-        digits += static_cast<char>(c);
-    ungetc(c, file_.get());
-    int64_t value = strtoll(digits.c_str(), nullptr, 10);
-    if (digits.empty() || value < least || value > greatest)
-        fail("a number from " + std::to_string(least) + " to " + std::to_string(greatest) +
-             " must stand here");
-    return value;
-}
-
-uint32_t object_reader::hex(int digits) {
-    uint32_t value = 0;
-    for (int i = 0; i < digits; ++i) {
-        int c = get();
-        if (c == EOF || !isxdigit(c))
-            fail("a hexadecimal digit must stand here");
-        value = value << 4 | static_cast<uint32_t>(c <= '9' ? c - '0' : (c | 0x20) - 'a' + 10);
-    }
-    return value;
-}
-
-std::string object_reader::text() {
-    auto length = static_cast<size_t>(number(0, lco_text_limit));
-    if (length != 0 && get() != ' ')
-        fail("a blank must stand between the length of a text and its bytes");
-    std::string bytes(length, '\0');
-    for (char &byte : bytes)
-        byte = static_cast<char>(hex(2));
-    line_end();
-    return bytes;
-}
-
-double object_reader::growth() {
-    std::string text = line();
-    char *end = nullptr;
-    double value = strtod(text.c_str(), &end);
-    if (!text.empty() && (*end != '\0' || !(value >= 0 && value <= lco_growth_limit)))
-        fail("\"" + text + "\" is no growth factor");
-    return text.empty() ? lco_growth_default : value;
-}
-
-multi_table object_reader::table() {
-    multi_table result = make_table(sizeof(uint16_t));
-    if (_gl_fscanf_multi(file_.get(), result.get(), gl_char_bytes, ub2_reader) != 0)
-        fail("a table is damaged");
-    return result;
-}
-
-void object_reader::read_head() {
-    expect(lco_file_type);
-    expect(lco_version);
-    std::string count = line();
-    size_t equals = count.find('=');
-    long lines = equals == std::string::npos ? -1 : strtol(count.c_str() + equals + 1, nullptr, 10);
-    if (lines < 0 || lines > 1000)
-        fail("the third line must give the number of head lines");
-    for (long i = lco_head_lines; i < lines; ++i)
-        object_.head.push_back(line());
-    object_.code_set = line();
-}
-
-void object_reader::collect(const multi_arr *table, const multi_node *node, code_sequence prefix) {
-    if (node->flag_bytes == nullptr)
-        return;
-    ++prefix.length;
-    for (int byte = 0; byte < gl_bytes; ++byte) {
-        prefix.bytes[prefix.length - 1] = static_cast<unsigned char>(byte);
-        if (node->flag_bytes[byte] == MULTI_CHILD)
-            collect(table, node->children[node->child_slot[byte]], prefix);
-        else if (node->flag_bytes[byte] == MULTI_END)
-            object_.characters.push_back({prefix});
-    }
-}
-
-void object_reader::look_up(const multi_arr *table, uint16_t object_character::*datum) {
-    for (object_character &character : object_.characters) {
-        gl_char_desc sequence{character.sequence.length, {}};
-        memcpy(sequence.bytes, character.sequence.bytes, sizeof sequence.bytes);
-        if (const void *found = _gl_retrieve_desc_multi(&sequence, table))
-            memcpy(&(character.*datum), found, sizeof(uint16_t));
-    }
-}
-
-void object_reader::read_ctype() {
-    expect(category_markers[0]);
-    multi_table classes = table();
-    collect(classes.get(), classes->root, {});
-    look_up(classes.get(), &object_character::classes);
-    int64_t names = number(0, largest_count);
-    line_end();
-    for (int64_t i = 0; i < names; ++i) {
-        int bit = static_cast<int>(number(INT32_MIN, INT32_MAX));
-        if (get() != ' ')
-            fail("a blank must stand between a class's number and its name");
-        object_.class_names.emplace_back(bit, line());
-    }
-    look_up(table().get(), &object_character::case_index);
-    int64_t pairs = number(0, lco_pair_limit);
-    for (int64_t i = 0; i < pairs; ++i) {
-        line_end();
-        uint32_t upper = hex(8);
-        object_.pairs.push_back({upper, hex(8)});
-    }
-    line_end();
-    object_.growth = growth();
-}
-
-void object_reader::read_collation() {
-    object_collation &collation = object_.collation;
-    expect(category_markers[1]);
-    std::string method = line();
-    collation.thai = method == "thai_smo";
+void take_collation(const collate_rec &r, object_collation &collation) {
+    collation.thai = r.coll_method == COLL_THAI_SMO;
     if (collation.thai)
         return;
-    if (method != "as_specified")
-        fail("\"" + method + "\" is no method of collation");
-    look_up(table().get(), &object_character::row);
-    auto count = [this](int64_t greatest) {
-        int64_t value = number(0, greatest);
-        line_end();
-        return static_cast<size_t>(value);
-    };
-    collation.code_order_form = static_cast<int32_t>(count(INT32_MAX));
-    collation.rows.resize(count(largest_count) + 1);
-    collation.levels.resize(count(gl_level_limit));
-    collation.contractions.resize(count(largest_count));
-    collation.expansions.resize(count(largest_count));
-    collation.max_weight = static_cast<uint32_t>(count(UINT32_MAX));
-    for (uint16_t &level : collation.levels)
-        level = static_cast<uint16_t>(hex(4));
-    line_end();
-    for (auto &contraction : collation.contractions) {
-        contraction.characters.resize(hex(1));
-        contraction.row = static_cast<uint16_t>(hex(4));
-        for (uint32_t &character : contraction.characters)
-            character = hex(8);
-        line_end();
+    collation.code_order_form = r.code_order_form;
+    collation.max_weight = r.max_weight;
+    for (int32_t i = 0; i < r.level_count; ++i)
+        collation.levels.push_back(static_cast<uint16_t>(r.level_order[i]));
+    for (int32_t i = 0; i < r.contraction_count; ++i) {
+        const coll_contraction &c = r.contractions[i];
+        collation.contractions.push_back({c.row, {c.chars, c.chars + c.length}});
     }
-    for (auto &expansion : collation.expansions) {
-        expansion.resize(hex(1));
-        for (uint32_t &character : expansion)
-            character = hex(8);
-        line_end();
+    for (int32_t i = 0; i < r.expansion_count; ++i) {
+        const coll_expansion &e = r.expansions[i];
+        collation.expansions.emplace_back(e.chars, e.chars + e.length);
     }
-    for (auto &row : collation.rows) {
-        row.resize(collation.levels.size());
-        for (uint16_t &weight : row)
-            weight = static_cast<uint16_t>(hex(4));
-        line_end();
-    }
+    collation.rows.resize(static_cast<size_t>(r.max_row) + 1);
+    for (size_t row = 0; row < collation.rows.size(); ++row)
+        for (int32_t i = 0; i < r.level_count; ++i)
+            collation.rows[row].push_back(r.level_weights[i][row]);
 }
 
-void object_reader::read_field(const object_field &field, object_field_value &value) {
-    int64_t count = field.count;
-    switch (field.kind) {
-    case field_kind::line:
-        value.texts.push_back(line());
-        break;
-    case field_kind::counted:
-        count = number(0, lco_list_limit);
-        line_end();
-        [[fallthrough]];
-    case field_kind::texts:
-        for (int64_t i = 0; i < count; ++i)
-            value.texts.push_back(text());
-        break;
-    case field_kind::group:
-        count = number(0, gl_group_limit);
-        for (int64_t i = 0; i < count; ++i)
-            value.numbers.push_back(number(INT32_MIN, UINT32_MAX));
-        line_end();
-        break;
-    case field_kind::integer:
-        value.numbers.push_back(number(INT32_MIN, UINT32_MAX));
-        line_end();
-        break;
+// Fills the fields one after the other, in the order of object_fields.
+class field_filler {
+public:
+    field_filler(locale_object &object, int32_t unit) : next_(object.fields), unit_(unit) {}
+
+    void line(std::string_view line) { next_++->texts = {std::string(line)}; }
+    void texts(char *const *all, int32_t count) {
+        for (int32_t i = 0; i < count; ++i)
+            next_->texts.push_back(text(all[i]));
+        ++next_;
     }
+    void texts(std::initializer_list<char *> all) {
+        texts(all.begin(), static_cast<int32_t>(all.size()));
+    }
+    // A field for each text.
+    void single_texts(std::initializer_list<char *> all) {
+        for (char *one : all)
+            texts({one});
+    }
+    void group(const group_rec &group) {
+        for (int32_t i = 0; i < group.count; ++i)
+            next_->numbers.push_back(static_cast<int32_t>(group.sizes[i]));
+        ++next_;
+    }
+    void single_numbers(std::initializer_list<int32_t> all) {
+        for (const int32_t number : all)
+            next_++->numbers = {number};
+    }
+
+private:
+    // A terminator has as many zero bytes as the shortest character has bytes.
+    std::string text(const char *start) const {
+        constexpr char zero[max_sequence_length] = {};
+        const char *end = start;
+        while (memcmp(end, zero, static_cast<size_t>(unit_)) != 0)
+            end += unit_;
+        return {start, end};
+    }
+
+    object_field_value *next_;
+    int32_t unit_;
+};
+
+std::string_view calendar_name(int32_t number) {
+    for (const canned_calendar &calendar : gls_canned_calendars)
+        if (calendar.number == number)
+            return {calendar.name, strlen(calendar.name) - 1};
+    return "";
 }
 
-locale_object object_reader::read() {
-    read_head();
-    read_ctype();
-    read_collation();
-    for (size_t i = 0; i < object_field_count; ++i) {
-        if (i == 0 || object_fields[i].section != object_fields[i - 1].section)
-            expect(category_markers[2 + static_cast<int>(object_fields[i].section)]);
-        read_field(object_fields[i], object_.fields[i]);
-    }
-    if (get() != EOF)
-        fail("something stands behind the last section");
-    return std::move(object_);
+void take_fields(const locale_rec &lc, locale_object &object) {
+    field_filler fields(object, lc.ctype_cat.mb_loc_min);
+    const numeric_rec &n = lc.numeric_cat;
+    fields.single_texts({n.decimal_point, n.thousands_sep});
+    fields.group(n.grouping);
+    fields.single_texts({n.positive_sign, n.negative_sign});
+    const monetary_rec &m = lc.monetary_cat;
+    fields.single_texts(
+        {m.int_curr_symbol, m.currency_symbol, m.mon_decimal_point, m.mon_thousands_sep});
+    fields.group(m.mon_grouping);
+    fields.single_texts({m.positive_sign, m.negative_sign});
+    fields.single_numbers({m.int_frac_digits, m.frac_digits, m.p_cs_precedes, m.p_sep_by_space,
+                           m.n_cs_precedes, m.n_sep_by_space, m.p_sign_posn, m.n_sign_posn});
+    const time_rec &t = lc.time_cat;
+    fields.line(calendar_name(t.calendar));
+    fields.texts(t.abday, gl_week_days);
+    fields.texts(t.day, gl_week_days);
+    fields.texts(t.abmon, t.month_count);
+    fields.texts(t.mon, t.month_count);
+    fields.single_texts({t.d_t_fmt, t.d_fmt, t.t_fmt});
+    fields.texts({t.am, t.pm});
+    fields.single_texts({t.t_fmt_ampm});
+    fields.texts(t.era_texts, t.era_count);
+    fields.single_texts({t.era_d_fmt, t.era_t_fmt, t.era_d_t_fmt});
+    fields.texts(t.alt_digits, t.alt_digit_count);
+    const messages_rec &a = lc.messages_cat;
+    fields.single_texts({a.yesexpr, a.noexpr, a.yesstr, a.nostr});
 }
 
 } // namespace
 
-locale_object read_object(const std::string &path) { return object_reader(path).read(); }
+void check_by_loading(const std::string &bytes) {
+    load(bytes, "the runtime would refuse the object");
+}
+
+locale_object read_object(const source_file &file) {
+    const loaded_locale lc =
+        load(std::string(file.text()), file.name() + ": this is not a locale object");
+    locale_object object;
+    object.head = skipped_head_lines(file);
+    object.code_set = lc->cs_names[0];
+    take_ctype(*lc, object);
+    take_collation(lc->collate_cat, object.collation);
+    take_fields(*lc, object);
+    return object;
+}
 
 } // namespace kestrion

@@ -2,17 +2,11 @@
 
 #include "base/ascii_class.h"
 #include "compilers/object_table.h"
-#include "gls/naming/category_words.h"
 #include "gls/objects/locale_object.h"
-#include <kestrion/categories.h>
-#include <kestrion/locale_file.h>
 
 #include <algorithm>
 #include <charconv>
-#include <memory>
-#include <new>
 #include <stdexcept>
-#include <stdio.h>
 
 namespace kestrion {
 namespace {
@@ -178,22 +172,6 @@ std::string write_object(const locale_object &object) {
         append_field(out, field, object.fields[i]);
     }
     return out;
-}
-
-void check_by_loading(std::string &bytes) {
-    const std::unique_ptr<FILE, int (*)(FILE *)> file(fmemopen(bytes.data(), bytes.size(), "rb"),
-                                                      fclose);
-    locale_rec *record = nullptr;
-    if (file == nullptr || gl_create_null_locale_4(&record) != 0)
-        throw std::bad_alloc();
-    const std::unique_ptr<locale_rec, void (*)(locale_rec *)> owner(record, gl_lc_unload);
-    for (int32_t i = 0; i < gl_category_count; ++i) {
-        rewind(file.get());
-        if (read_one_category(record, gl_first_category + i, file.get()) != 0)
-            throw compiler_failure(std::string("the runtime would refuse the object: error ") +
-                                   std::to_string(record->err) + " in the section " +
-                                   category_words[i].text);
-    }
 }
 
 } // namespace kestrion

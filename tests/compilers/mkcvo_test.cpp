@@ -126,7 +126,7 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "too_long"}, 4, "where target characters have at most 1"},
         {{"-o", "old.cvo", "endless"}, 4, "endless:3:11: error"},
         {{"-o", "old.cvo", "-t", "./nolocale", "./from", "./to"}, 4, "./nolocale"},
-        {{"-o", "old.cvo", "--list", "./to"}, 4, "this is no conversion object"},
+        {{"-o", "old.cvo", "--list", "./to"}, 4, "this is not a conversion object"},
         {{"-o", "old.cvo", "./to"}, 2, "two code sets are needed"},
         {{"-o", "old.cvo", "UCS-2", "UCS-4"}, 2, "one of the code sets must be a charmap"},
         {{"./from", "./to"}, 2, "no output is named"},
