@@ -134,8 +134,7 @@ code_set_side unicode_side(const code_set_side &other, int bytes) {
             continue;
         side_row row;
         row.sequence.length = static_cast<uint8_t>(bytes);
-        for (int i = 0; i < bytes; ++i)
-            row.sequence.bytes[i] = static_cast<unsigned char>(character >> 8 * (bytes - 1 - i));
+        store_big_endian<uint32_t>(character, row.sequence.bytes, row.sequence.length);
         row.characters.assign(1, character);
         side.add(std::move(row));
     }

@@ -21,7 +21,7 @@ std::optional<written> write(const code_set_side &target, std::u32string_view ch
         return {}; // every character has the same width there
     for (size_t i = 0; i < characters.size(); ++i) {
         const side_row *row = target.find(characters[i]);
-        if (row == nullptr || out.bytes.length + row->sequence.length > max_sequence_length ||
+        if (row == nullptr || out.bytes.length + row->sequence.length > gl_char_bytes ||
             (i > 0 && row->shifted != out.shifted))
             return {};
         memcpy(out.bytes.bytes + out.bytes.length, row->sequence.bytes, row->sequence.length);
@@ -100,7 +100,7 @@ bool by_source(const conversion_entry &a, const conversion_entry &b) {
 void measure(conversion_object &object) {
     const int longest_shift =
         std::max<int>(object.shifts[SHIFT_IN].length, object.shifts[SHIFT_OUT].length);
-    object.source_min = object.target_min = max_sequence_length;
+    object.source_min = object.target_min = gl_char_bytes;
     for (const auto *entries : {&object.normal, &object.shifted}) {
         for (const conversion_entry &entry : *entries) {
             const int source = entry.source.length;

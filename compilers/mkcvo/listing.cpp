@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::string_view listing_mark = "conversion_listing 1";
 // A byte that becomes a shift sequence, a character and a shift sequence.
-constexpr double most_expansion = 3 * max_sequence_length;
+constexpr double most_expansion = 3 * gl_char_bytes;
 
 std::string hex(const code_sequence &sequence) {
     return sequence.length == 0 ? "-" : hex_text(sequence.text());
@@ -61,7 +61,7 @@ conversion_entry entry_of(const listing_line &line) {
 }
 
 std::vector<listing_statement> statements(conversion_object &object) {
-    constexpr int longest = max_sequence_length;
+    constexpr int longest = gl_char_bytes;
     return {
         {"head", 1, 1, [&](const listing_line &line) { object.head.push_back(line[1]); }},
         {"states", 2, 2,

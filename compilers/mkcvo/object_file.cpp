@@ -54,7 +54,7 @@ std::string entries_text(const std::vector<conversion_entry> &entries, int targe
             throw compiler_failure("a mapping to " + std::to_string(entry.target.length) +
                                    " bytes, where target characters have at most " +
                                    std::to_string(target_max));
-        unsigned char datum[1 + max_sequence_length] = {entry.control};
+        unsigned char datum[1 + gl_char_bytes] = {entry.control};
         memcpy(datum + 1, entry.target.bytes, sizeof entry.target.bytes);
         add_to_table(table.get(), entry.source, entry.control != 0 ? datum : nullptr);
     }

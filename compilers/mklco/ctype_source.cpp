@@ -177,7 +177,7 @@ bool ctype_compiler::key_of(const source_statement &statement, size_t token, uin
 code_sequence ctype_compiler::bytes_of(const source_statement &statement, size_t token) {
     code_sequence found;
     for (const text_element &element : statement.source->elements(statement.tokens[token])) {
-        if (found.length == max_sequence_length)
+        if (found.length == gl_char_bytes)
             throw source_error(statement.place(token), "a character of more than 4 bytes",
                                "give one character");
         found.bytes[found.length++] = static_cast<unsigned char>(element.value);

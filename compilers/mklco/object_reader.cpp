@@ -2,7 +2,6 @@
 
 #include "compilers/head_lines.h"
 #include "compilers/object_table.h"
-#include "gls/naming/category_words.h"
 #include "gls/objects/locale_object.h"
 #include <kestrion/categories.h>
 #include <kestrion/locale_file.h>
@@ -18,6 +17,12 @@ namespace {
 
 using loaded_locale = std::unique_ptr<locale_rec, void (*)(locale_rec *)>;
 
+// "LC_CTYPE" of the marker "### LC_CTYPE\n".
+std::string section_word(int32_t category) {
+    const std::string_view marker = category_markers[category];
+    return std::string(marker.substr(4, marker.size() - 5));
+}
+
 // The record that the runtime makes of an object's bytes.
 loaded_locale load(std::string bytes, const std::string &refusal) {
     const std::unique_ptr<FILE, int (*)(FILE *)> file(fmemopen(bytes.data(), bytes.size(), "rb"),
@@ -30,7 +35,7 @@ loaded_locale load(std::string bytes, const std::string &refusal) {
         rewind(file.get());
         if (read_one_category(record, gl_first_category + i, file.get()) != 0)
             throw compiler_failure(refusal + ": error " + std::to_string(record->err) +
-                                   " in the section " + category_words[i].text);
+                                   " in the section " + section_word(i));
     }
     return owner;
 }
@@ -113,7 +118,7 @@ public:
 private:
     // A terminator has as many zero bytes as the shortest character has bytes.
     std::string text(const char *start) const {
-        constexpr char zero[max_sequence_length] = {};
+        constexpr char zero[gl_char_bytes] = {};
         const char *end = start;
         while (memcmp(end, zero, static_cast<size_t>(unit_)) != 0)
             end += unit_;

@@ -48,7 +48,7 @@ bool text_encoder::is_spelt(std::string_view bytes) const {
         return true;
     code_sequence sequence;
     for (char byte : bytes) {
-        if (sequence.length == max_sequence_length)
+        if (sequence.length == gl_char_bytes)
             return false;
         sequence.bytes[sequence.length++] = static_cast<unsigned char>(byte);
         if (map_.find_bytes(sequence) != nullptr)

@@ -1,5 +1,6 @@
 #include "compilers/mkqem/catalogue_image.h"
 
+#include "base/byte_order.h"
 #include "compilers/diagnostics.h"
 #include "compilers/mkqem/signature.h"
 #include "messages/message_file.h"
@@ -12,15 +13,16 @@ namespace kestrion {
 
 namespace {
 
-void append_big_endian(std::string &bytes, uint32_t value, int count) {
-    for (int shift = 8 * (count - 1); shift >= 0; shift -= 8)
-        bytes += static_cast<char>(value >> shift & 0xFF);
+void append_big_endian(std::string &bytes, uint32_t value, size_t count) {
+    unsigned char stored[sizeof value];
+    store_big_endian(value, stored, count);
+    bytes.append(reinterpret_cast<const char *>(stored), count);
 }
 
+// A signed number of `count` bytes.
 int64_t big_endian(std::string_view bytes, size_t at, size_t count) {
-    uint64_t value = 0;
-    for (const char c : bytes.substr(at, count))
-        value = value << 8 | static_cast<unsigned char>(c);
+    const auto *stored = reinterpret_cast<const unsigned char *>(bytes.data()) + at;
+    const uint64_t value = load_big_endian<uint64_t>(stored, count);
     const uint64_t sign = uint64_t{1} << (8 * count - 1);
     return static_cast<int64_t>(value ^ sign) - static_cast<int64_t>(sign);
 }

@@ -117,7 +117,7 @@ void charmap_reader::head_line() {
     if (name == "code_set_name") {
         map_.code_set_name = plain_word();
     } else if (name == "mb_cur_min") {
-        map_.mb_cur_min = decimal(max_sequence_length);
+        map_.mb_cur_min = decimal(gl_char_bytes);
     } else if (name == "mb_cur_max") {
         decimal(greatest_head_length); // the rows decide; some heads count bytes that no row has
     } else if (name == "comment_char" || name == "comment") {
@@ -219,7 +219,7 @@ code_sequence charmap_reader::sequence() {
     code_sequence result;
     size_t begin = at_;
     while (here() == escape_) {
-        if (result.length == max_sequence_length)
+        if (result.length == gl_char_bytes)
             fail(begin, "a character of more than 4 bytes", "give it at most 4");
         result.bytes[result.length++] = byte_constant();
     }

@@ -4,15 +4,8 @@
 
 namespace kestrion {
 
-uint32_t code_sequence::packed() const {
-    uint32_t value = 0;
-    for (int i = 0; i < length; ++i)
-        value = value << 8 | bytes[i];
-    return value;
-}
-
 std::optional<code_sequence> sequence_of_hex(std::string_view text) {
-    if (text.empty() || text.size() % 2 != 0 || text.size() > 2 * size_t{max_sequence_length})
+    if (text.empty() || text.size() % 2 != 0 || text.size() > 2 * size_t{gl_char_bytes})
         return {};
     code_sequence sequence;
     for (size_t i = 0; i < text.size(); i += 2) {

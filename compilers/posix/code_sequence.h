@@ -5,6 +5,9 @@
 //     /260          hexadecimal after x, decimal after d, else octal
 #pragma once
 
+#include "base/byte_order.h"
+#include <kestrion/char_desc.h>
+
 #include <optional>
 #include <stddef.h>
 #include <stdint.h>
@@ -13,16 +16,14 @@
 
 namespace kestrion {
 
-constexpr int max_sequence_length = 4;
-
 struct code_sequence {
     uint8_t length = 0; // 1 to 4
-    unsigned char bytes[max_sequence_length] = {};
+    unsigned char bytes[gl_char_bytes] = {};
 
     // The bytes as a big-endian number: two bytes A1 B2 are A1B2.
-    uint32_t packed() const;
+    uint32_t packed() const { return load_big_endian<uint32_t>(bytes, length); }
     // The bytes from the highest place on: sequences sorted by it are in the order of their bytes.
-    uint32_t order() const { return packed() << 8 * (max_sequence_length - length); }
+    uint32_t order() const { return packed() << 8 * (gl_char_bytes - length); }
     std::string_view text() const { return {reinterpret_cast<const char *>(bytes), length}; }
     bool operator==(const code_sequence &other) const = default;
 };
