@@ -1,8 +1,8 @@
 // What the lower floors ask of the locale environment, which lies above them.
 //
-// The control block brings the locale up, and a lookup of a variable asks the current environment for
-// its settings and its conversions. The locale environment defines the table, so that it is in place
-// before the first call and no floor includes the one above it.
+// The control block brings the locale up, and a lookup of a variable asks the current environment
+// for its settings and its conversions. The locale environment defines the table, so that it is in
+// place before the first call and no floor includes the one above it.
 
 #pragma once
 
@@ -13,7 +13,7 @@ struct locale_hook_table {
     int (*start)();
 
     // The current environment's value of the setting `name`, in any mix of cases. Null for a name
-    // that is no setting of an environment, and for a setting that is not set.
+    // that is not a setting of an environment, and for a setting without a value.
     char *(*setting)(const char *name);
 
     // A copy of `text`, which came from the operating system, in the code set of the program. Null

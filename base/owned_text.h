@@ -14,8 +14,8 @@ template <class Allocate> char *copied_text(const char *text, Allocate allocate)
     return copy != nullptr ? static_cast<char *>(memcpy(copy, text, size)) : nullptr;
 }
 
-// Returns the parts, one after the other, as a new text from malloc that the caller owns; null without
-// memory.
+// Returns the parts, one after the other, as a new text from malloc that the caller owns; null
+// without memory.
 inline char *joined_text(const char *first, const char *second = "", const char *third = "") {
     const size_t lengths[] = {strlen(first), strlen(second), strlen(third)};
     auto *text = static_cast<char *>(malloc(lengths[0] + lengths[1] + lengths[2] + 1));

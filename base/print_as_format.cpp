@@ -47,7 +47,7 @@ struct sink {
 };
 
 struct directive {
-    const char *end; // behind the conversion character
+    const char *end; // after the conversion character
     char conversion; // s d u x c, or 0 for one that is not carried out
     bool left;       // '-'
     bool plus;       // '+'
@@ -92,8 +92,8 @@ void read_flags(const char **at, directive *d) {
     }
 }
 
-// Reads the directive behind the percent sign at `percent`. One that is not carried out ends where
-// the reading stopped, so that its remainder prints as ordinary text.
+// Reads the directive that the percent sign at `percent` begins. One that is not carried out ends
+// where the reading stopped, so that its remainder prints as ordinary text.
 directive read_directive(const char *percent) {
     directive d = {};
     const char *at = percent + 1;
@@ -115,7 +115,7 @@ directive read_directive(const char *percent) {
     return d;
 }
 
-// A prefix (sign or "0x") and a body; padding goes before, between or behind them.
+// A prefix (sign or "0x") and a body; padding goes before, between or after them.
 void put_padded(sink &out, const directive &d, const char *prefix, size_t zeros, const char *body,
                 size_t length) {
     const size_t taken = strlen(prefix) + zeros + length;

@@ -21,7 +21,7 @@ heap_page *new_page(ptrdiff_t size) {
     return static_cast<heap_page *>(calloc(1, static_cast<size_t>(size)));
 }
 
-// Puts `page` into the chain that begins at `link`, behind all pages with more room and ahead of
+// Puts `page` into the chain that begins at `link`, after all pages with more room and before
 // those with as much.
 void insert_page(heap_page **link, heap_page *page) {
     while (*link != nullptr && (*link)->free_bytes > page->free_bytes)

@@ -84,7 +84,7 @@ bool is_space(char byte) {
     return (_ixctype[static_cast<unsigned char>(byte) + 1] & CHARACTER_SPACE) != 0;
 }
 
-// Cuts a line behind its name and returns its value.
+// Ends a line after its name and returns its value.
 char *split_line(char *text) {
     while (*text != '\0' && !is_space(*text))
         ++text;

@@ -136,7 +136,7 @@ env_entry *search_evar(const char *name, env_entry *table, int32_t count) {
     if (name == nullptr || table == nullptr)
         return nullptr;
     int32_t from = 0;
-    if (table == Kes_EVars) { // begins with the rows of Kes_DVals, whose index stands in for a walk
+    if (table == Kes_EVars) { // begins with the rows of Kes_DVals, whose index saves the walk
         const int32_t row = kestrion::find_variable(name);
         if (row >= 0)
             return row < count ? &table[row] : nullptr;

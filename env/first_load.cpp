@@ -122,8 +122,8 @@ int settle_locale_variables(uint32_t flags) {
     return status;
 }
 
-// A file that failed with err_env_value_size is used as far as it was read. The result is then that of
-// the user's file, and that of the locale variables where they are settled.
+// A file that failed with err_env_value_size is used as far as it was read. The result is then that
+// of the user's file, and that of the locale variables where they are settled.
 int read_settings(const env_name_list *ignore) {
     uint32_t flags = 0;
     int status = read_system_file(ignore, &flags);
@@ -144,7 +144,7 @@ int greadenv(void) {
     // The control block brings the locale up, and that looks settings up: the registry may be
     // loaded by the time the block is here. So the order of these two questions matters.
     const os_control *control = CheckOsInit();
-    gerrno = 0; // those lookups left their own words
+    gerrno = 0; // those lookups left reasons of their own
     if (control == nullptr)
         return err_env_no_memory;
     if (Kes_EVars != nullptr)

@@ -1,5 +1,5 @@
-// The variable table as the compiler sees it: an index is worked out while the runtime is compiled, and
-// a row is found by name without a walk along the table.
+// The variable table as the compiler sees it: an index is worked out while the runtime is compiled,
+// and a row is found by name without a walk along the table.
 
 #pragma once
 

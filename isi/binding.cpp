@@ -75,7 +75,7 @@ char *provider_path(int *result) {
                 "please set KESTRIONDIR to enable loading of $KESTRIONDIR/lib/%s", name);
         return nullptr;
     }
-    size_t size = strlen(directory) + strlen(name) + sizeof "/lib/";
+    const size_t size = strlen(directory) + strlen(name) + sizeof "/lib/";
     auto path = static_cast<char *>(isi_malloc(size));
     if (path == nullptr) {
         LOG_ERR(ISI_ERR_PLACE, "malloc", 0, "cannot allocate %ld bytes", static_cast<long>(size));
@@ -90,7 +90,7 @@ char *provider_path(int *result) {
 // links, so it is the target that is judged.
 bool is_acceptable_file(const char *path) {
     struct stat status;
-    int code = stat(path, &status);
+    const int code = stat(path, &status);
     if (code != 0) {
         LOG_ERR(ISI_ERR_ERRNO, "stat", code, "cannot access %s", path);
         return false;
@@ -135,7 +135,7 @@ bool bind_functions() {
 }
 
 bool start_provider(const char *path) {
-    int code = ISI_BOUND(ISI_INIT_INT)(&isi_shared_globals, &isi_shared_thread_globals);
+    const int code = ISI_BOUND(ISI_INIT_INT)(&isi_shared_globals, &isi_shared_thread_globals);
     if (code == 0)
         return true;
     LOG_ERR(ISI_ERR_PLACE, "isi_init_int", code, "initialization of %s failed", path);
@@ -144,10 +144,10 @@ bool start_provider(const char *path) {
 
 // All four versions are asked before anything is logged: asking empties the error stack.
 bool has_required_version(const char *path) {
-    int major = isi_lib_version_major();
-    int minor = isi_lib_version_minor();
-    int wanted_major = isi_build_version_major();
-    int wanted_minor = isi_build_version_minor();
+    const int major = isi_lib_version_major();
+    const int minor = isi_lib_version_minor();
+    const int wanted_major = isi_build_version_major();
+    const int wanted_minor = isi_build_version_minor();
     if (major != wanted_major) {
         LOG_ERR(ISI_ERR_MESSAGE, nullptr, 0,
                 "%s is major version %d, but major version %d is required", path, major,
@@ -206,7 +206,7 @@ int isi_init() {
         return bound;
     // Emptied rather than only zeroed: an earlier attempt may have left items.
     isi_err_stack_clear(&isi_shared_thread_globals);
-    int result = bind_provider();
+    const int result = bind_provider();
     if (result != bound)
         isi_cleanup();
     isi_trace(trace_calls, "ret=%d", result);

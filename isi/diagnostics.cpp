@@ -12,7 +12,8 @@ namespace {
 
 using kestrion::isi_line_size;
 
-// The provider is asked past the wrappers: they would empty the stack that is being built or told.
+// The provider is asked without the wrappers, which would empty the stack that is being built or
+// read.
 const char *provider_code_message(int32_t kind, long code) {
     if (kind == ISI_ERR_CRYPTO)
         return isi_get_crypto_error_string(code);
@@ -35,7 +36,7 @@ isi_err_stack *thread_stack() { return &isi_shared_thread_globals; }
 using push_fn = int (*)(long);
 using text_fn = const char *(*)(long);
 
-// The provider is told whose stack it is, since this thread may not have called it before.
+// The provider gets the thread's stack first, since this thread may not have called it before.
 int push_provider_code(push_fn push, int32_t kind, long code) {
     auto set_record = ISI_BOUND(ISI_SET_SHARED_THREAD_GLOBALS_PTR);
     if (push != nullptr && set_record != nullptr) {
@@ -104,7 +105,7 @@ void isi_err(const char *format, ...) {
 void isi_log_err(int kind, const char *operation, long code, const char *function,
                  const char *source, int line, const char *format, ...) {
     // Both are taken before anything here could change them.
-    int error = errno;
+    const int error = errno;
     const char *dl_message = kind == ISI_ERR_DLERROR ? dlerror() : nullptr;
 
     push_cause(kind, code, error, dl_message);

@@ -21,7 +21,7 @@ struct byte_sink {
 
     void put(const char *text, size_t length) {
         if (wanted < capacity) {
-            size_t room = capacity - wanted;
+            const size_t room = capacity - wanted;
             memcpy(buffer + wanted, text, length < room ? length : room);
         }
         wanted += length;
@@ -54,7 +54,7 @@ void put_code(byte_sink &sink, const err_context &context, const isi_err_item *i
         sink.put(" ");
     }
     char number[32];
-    int length = snprintf(number, sizeof number, "%ld)", static_cast<long>(item->code));
+    const int length = snprintf(number, sizeof number, "%ld)", static_cast<long>(item->code));
     sink.put("(");
     sink.put(code_label(context, item->kind));
     sink.put(number, static_cast<size_t>(length));
@@ -158,7 +158,7 @@ const char *render_err_stack(const err_context &context, isi_err_stack *stack, c
     size_t wanted = put_stack(context, stack, delimiter, nullptr, 0);
     if (wanted == 0)
         return nullptr;
-    // A provider may word a code longer than when it was measured; after a few rounds it is cut.
+    // A provider's message may be longer than when it was measured; after a few rounds it is cut.
     for (int round = 0; wanted > size && round < 3; ++round) {
         drop_text(context, stack);
         size = wanted;

@@ -33,8 +33,8 @@ void free_err_items(const err_context &context, isi_err_stack *stack);
 size_t render_err_item(const err_context &context, const isi_err_item *item, char delimiter,
                        char *buffer, size_t capacity);
 
-// Makes the stack's own text anew: items newest first, without those of kind 1, a terminator in
-// place of the last delimiter. Null with nothing to tell.
+// Renders the stack into a new text of its own: items newest first, without those of kind 1, a
+// terminator in place of the last delimiter. Null for a stack without a text.
 const char *render_err_stack(const err_context &context, isi_err_stack *stack, char delimiter);
 
 } // namespace kestrion

@@ -21,7 +21,7 @@ void print_line(FILE *stream, const char *line) {
 void kestrion::isi_errtrace_helper(isi_line_callback callback, const char *file_name,
                                    const char *format, va_list args) {
     char line[isi_line_size];
-    int prefix = snprintf(line, sizeof line, "ISI: %d: ", static_cast<int>(getpid()));
+    const int prefix = snprintf(line, sizeof line, "ISI: %d: ", static_cast<int>(getpid()));
     vsnprintf(line + prefix, sizeof line - static_cast<size_t>(prefix), format, args);
 
     if (callback != nullptr && callback(line) != 0)

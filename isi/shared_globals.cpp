@@ -18,7 +18,7 @@ void isi_set_memfunc(isi_allocate_fn allocate, isi_free_fn release) {
 }
 
 int isi_use_threads(int threads) {
-    int old = isi_shared_globals.threads;
+    const int old = isi_shared_globals.threads;
     isi_shared_globals.threads = threads;
     return old;
 }

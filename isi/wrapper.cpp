@@ -29,7 +29,7 @@ void render_arguments(char (&line)[kestrion::isi_line_size], const char *names,
                       const traced_value *values, size_t count) {
     size_t used = 0;
     for (size_t i = 0; i < count && used + 1 < sizeof line; ++i) {
-        int name = static_cast<int>(strcspn(names, ","));
+        const int name = static_cast<int>(strcspn(names, ","));
         int length =
             snprintf(line + used, sizeof line - used, "%s%.*s", i != 0 ? ", " : "", name, names);
         used += static_cast<size_t>(length);

@@ -28,13 +28,14 @@ constexpr traced_value traced(int value) { return {traced_value::NUMBER, value, 
 constexpr traced_value traced(const void *value) { return {traced_value::ADDRESS, 0, value}; }
 constexpr traced_value traced(const char *value) { return {traced_value::TEXT, 0, value}; }
 
-// `names` holds the names of values[0..count), parted by ", ".
+// `names` holds the names of values[0..count), separated by ", ".
 void trace_enter(const char *wrapper, const char *names, const traced_value *values, size_t count);
 void trace_exit(const char *wrapper, traced_value result);
 void trace_exit_with_length(const char *wrapper, int result, const int *outl);
 
-// Hands the thread's record to the provider and empties the thread's error stack; says whether the
-// row can be called. An unbound provider is no error here, a function that a bound one lacks is.
+// Hands the thread's record to the provider and empties the thread's error stack; returns
+// whether the row can be called. An unbound provider is not an error here; a function that a bound
+// provider lacks is.
 bool ready_to_call(isi_function_index row, const char *wrapper);
 
 template <class Function, class... Arguments,

@@ -24,8 +24,8 @@ const char *const english_months[] = {"january",   "february", "march",    "apri
                                       "may",       "june",     "july",     "august",
                                       "september", "october",  "november", "december"};
 
-// A lower-case form that the code set can't spell is none. An object file may list such a one, and
-// half of a text written back would end nowhere.
+// Ignores a lower-case form that the code set cannot encode: an object file may list one, and the
+// text could not be written back.
 void lower_wide(locale_rec *lc, gl_wchar *wide) {
     const bool by_table = lc != nullptr && lc->sb_lower != nullptr;
     for (; *wide != 0; ++wide) {

@@ -85,7 +85,7 @@ struct whole_text {
 
 // Words with an initial capital.
 struct words {
-    bool inside = false; // behind a letter
+    bool inside = false; // after a letter
 
     step operator()(locale_rec *lc, source_rest source, char *out) {
         if (!is_letter(lc, source)) {

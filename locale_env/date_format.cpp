@@ -29,7 +29,7 @@ constexpr const char *year_formats[][3] = {
 
 struct era_row {
     char first;
-    char second; // '\0': a prefix, which stands in front of the Y
+    char second; // '\0': a prefix, which comes before the Y
     int32_t kind;
     year_style style;
 };
@@ -96,7 +96,7 @@ struct dbdate_reader {
         ++at;
     }
 
-    // A suffix has the last word on the era; only C1 and C2 go with three digits.
+    // A suffix overrides the era of a prefix; only C1 and C2 allow three digits.
     bool suffix() {
         bool of_century = false;
         if (*at != '\0') {

@@ -89,7 +89,7 @@ int compare_environment(const GlsEnv *env, wanted &want) {
                 return -1;
     if (differs(GLS_DBMONEY) || differs(GLS_DBTIME) || differs(GLS_DBDATE))
         return -1;
-    // GL_DATE has a say only where DBDATE has none.
+    // GL_DATE counts only where neither side has a DBDATE.
     if (have[GLS_DBDATE] == nullptr && request->settings[GLS_DBDATE] == nullptr &&
         differs(GLS_GL_DATE))
         return -1;
@@ -239,7 +239,8 @@ int CreateGlsEnv(const GlsEnvLocale *request, GlsEnv **out, int init) {
     init_dflt_lconv_int(state->net_lconv);
     ++glsenv_count;
     if (init) {
-        // Callers look at 16 bits. The settings and the count stay behind.
+        // Callers look at 16 bits. The texts of the settings stay allocated and the count stays
+        // raised.
         const auto result = static_cast<int16_t>(InitGlsEnv(&created->env));
         if (result != 0) {
             free_blocks(created, state);

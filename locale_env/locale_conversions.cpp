@@ -22,7 +22,7 @@ int32_t open_pair(cv_rec **forth, const char *to, const char *from, cv_rec **bac
             return 0;
         failed = back;
     }
-    // A failed open leaves a record that is good for nothing but its error word.
+    // A failed open leaves a record of which only the error word is of use.
     const int32_t error = *_gl_ext_errno(*failed);
     return error != 0 ? error : GLS_ERR_FILE;
 }

@@ -60,8 +60,8 @@ void composite_value(const char *composite, int slot, char *value, size_t size) 
         cut_copy(word, value, size);
 }
 
-// The name to load for one try, with the flags of its categories. Returns true when a name of the
-// operating system stands in it.
+// The name to load for one try, with the flags of its categories. Returns true when it contains a
+// name of the operating system.
 bool name_to_load(locale_rec *lc, const char *spec, bool as_os_name, char *name, int32_t *is_gls) {
     const auto resolves = [&](const char *text, char *file) {
         return !as_os_name && gl_lc_spec2lc_fname(lc, text, file, nullptr, nullptr) == 0;

@@ -166,8 +166,8 @@ int load_client_locale(start &s) {
 int check_portable_characters(locale_rec *lc) {
     if (lc->is_single_byte)
         return 0;
-    const char *behind_a = gl_full_mbsnext(lc, "ABCDE");
-    if (behind_a != nullptr && *behind_a == 'B')
+    const char *after_a = gl_full_mbsnext(lc, "ABCDE");
+    if (after_a != nullptr && *after_a == 'B')
         return 0;
     set_glserror(err_locale_portable);
     return -1;
@@ -184,8 +184,8 @@ void settle_slots(start &s) {
     }
 }
 
-// The five variables follow the categories that were loaded; all are tried before a failure is
-// told.
+// The five variables follow the categories that were loaded; a failure is reported after all have
+// been tried.
 int record_categories(start &s) {
     int result = 0;
     for (int i = 0; i < GLS_SLOT_MESSAGES; ++i) {

@@ -52,7 +52,7 @@ const unsigned char *window_records(const gen_catalogue *catalogue) {
 
 // Makes `first` the first record of the window. A window is always read in its full width, even
 // where the index ends inside it: texts follow the index, so only a file cut short fails here. What
-// lies behind the index is never taken for a record.
+// follows the index is never taken for a record.
 bool move_window(gen_catalogue *catalogue, int32_t first) {
     const int32_t width = std::min(catalogue->count, message_window);
     const int64_t offset = message_head_size + int64_t{first} * catalogue->record_size;

@@ -23,7 +23,7 @@ inline constexpr int32_t message_count_limit = 32767;  // the count is a signed 
 inline constexpr int32_t message_length_limit = 32767; // and so is a text's length
 
 // Where the text of a message lies in its file. Only texts that lie wholly inside the file are
-// ever told: length >= 1, offset >= 0, offset + length <= size of the file.
+// reported: length >= 1, offset >= 0, offset + length <= size of the file.
 struct message_place {
     int32_t length;
     int64_t offset;

@@ -57,8 +57,8 @@ const char *install_dir(gentcb *block) {
     return block->install_dir;
 }
 
-// Settles msg_langdir at its first use, also that there is none. Without memory it stays unset and
-// the English files serve.
+// Settles msg_langdir at its first use; without a directory it is empty. Without memory it stays
+// unset and the English files serve.
 void settle_language_directory() {
     if (msg_langdir != nullptr)
         return;

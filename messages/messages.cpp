@@ -27,7 +27,7 @@ namespace {
 constexpr int32_t no_stand_in = -1; // the text for a failed lookup is itself missing
 constexpr const char *unknown_number_text = "Unknown error message number '%d'\n";
 constexpr const char *unknown_file_text = "Cannot open file '%s'\n";
-constexpr const char *explicit_leaf = "/"; // stands for the explicit file; no leaf name is this
+constexpr const char *explicit_leaf = "/"; // means the explicit file; no leaf name is equal to it
 constexpr int32_t stand_in_size = 512;     // a stand-in text from a catalogue, with its terminator
 
 // Texts for a locale that could not be started: no catalogue can be found without one.

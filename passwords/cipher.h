@@ -14,7 +14,7 @@
 namespace kestrion {
 
 struct cipher_ctx {
-    void *cipher_handle; // provider's cipher context; null when there is none
+    void *cipher_handle; // provider's cipher context, or null
     void *cipher_desc;   // provider's cipher descriptor
     int32_t block_size;  // bytes
 };
@@ -42,7 +42,7 @@ int encrypt_text(const cipher_ctx *cipher, const char *data, int32_t length, cha
                  int32_t room, int32_t *out_length);
 
 // Decrypts data[0..length) under `key`. *result is null until its block is allocated, and then
-// passes to the caller, wiped on failure, with a zero byte behind the text on success.
+// passes to the caller, wiped on failure, with a zero byte after the text on success.
 int decrypt_text(pw_ctx *ctx, const cipher_ctx *cipher, const char *data, int32_t length,
                  const char *key, char **result, int32_t *result_length);
 

@@ -30,7 +30,7 @@ int generate_internal_key(pw_ctx *, const char *, char *key) {
 }
 
 int combine_keys(char *key, const char *access_key) {
-    // Twelve characters at most: those behind them guard the command's comparison alone.
+    // Twelve characters at most: the others guard the command's comparison alone.
     for (int i = 0; 2 * i < cipher_key_size && access_key[i] != '\0'; ++i)
         key[2 * i] = access_key[i];
     return 0;

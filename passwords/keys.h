@@ -6,7 +6,7 @@
 //     wrap key       24 random bytes; the access and internal keys are stored encrypted under it
 //
 // Random keys are raw bytes, any of which may be zero, and are moved by length; the zero byte
-// behind them only ends the buffer. The access key is text and is measured by its terminator.
+// after them only ends the buffer. The access key is text and is measured by its terminator.
 
 #pragma once
 
@@ -27,7 +27,7 @@ int combine_keys(char *key, const char *access_key);
 int compare_keys(const char *given, const char *sealed);
 
 // Encrypt or decrypt a short text under a 24-byte key. *result is a block from the context's
-// alloc_fn that passes to the caller, or null on failure; decrypt_key puts a zero byte behind it.
+// alloc_fn that passes to the caller, or null on failure; decrypt_key puts a zero byte after it.
 int encrypt_key(pw_ctx *ctx, const cipher_ctx *cipher, const char *data, uint8_t length,
                 const char *key, char **result, int32_t *result_length);
 int decrypt_key(pw_ctx *ctx, const cipher_ctx *cipher, const char *data, int32_t length,

@@ -1,5 +1,5 @@
-// The two operations that read the sealed file for other programs. Both do the whole work afresh
-// and differ in what they do with the opened text.
+// The two operations that read the sealed file for other programs. Both do the whole work
+// each time and differ in what they do with the opened text.
 //
 // What a failure gives back to the caller's allocator is settled step by step below and seen by its
 // trace: the cipher's record only from the reading of the file on, its provider context never.
@@ -29,17 +29,17 @@ struct opening {
     int32_t text_length = 0;
 };
 
-int tell(const char *words) {
-    fputs(words, stderr);
+int fail(const char *message) {
+    fputs(message, stderr);
     return -1;
 }
 
 // A failure that gives nothing back.
-int fail_keeping_blocks(opening *run, const char *words) {
+int fail_keeping_blocks(opening *run, const char *message) {
     if (run->sealed != nullptr)
         explicit_bzero(run->sealed, static_cast<size_t>(run->sealed_length));
     forget_cipher_key(run->cipher);
-    return tell(words);
+    return fail(message);
 }
 
 void release_texts(pw_ctx *ctx, opening *run) {
@@ -50,8 +50,8 @@ void release_texts(pw_ctx *ctx, opening *run) {
 }
 
 // A failure that gives back all but the provider's context.
-int fail_releasing_blocks(pw_ctx *ctx, opening *run, const char *words) {
-    tell(words);
+int fail_releasing_blocks(pw_ctx *ctx, opening *run, const char *message) {
+    fail(message);
     release_texts(ctx, run);
     forget_cipher_key(run->cipher);
     ctx->free_fn(run->cipher);
@@ -62,9 +62,9 @@ int fail_releasing_blocks(pw_ctx *ctx, opening *run, const char *words) {
 int get_cipher(pw_ctx *ctx, opening *run) {
     run->cipher = static_cast<cipher_ctx *>(ctx_malloc(ctx, sizeof(cipher_ctx)));
     if (run->cipher == nullptr)
-        return tell("Memory Allocation failed\n");
+        return fail("Memory Allocation failed\n");
     memset(run->cipher, 0, sizeof *run->cipher);
-    return cipher_init(run->cipher) == 0 ? 0 : tell("crypt_init failed\n");
+    return cipher_init(run->cipher) == 0 ? 0 : fail("crypt_init failed\n");
 }
 
 int read_sealed(pw_ctx *ctx, opening *run) {
@@ -107,7 +107,7 @@ int open_passwords(pw_ctx *ctx, opening *run) {
 
 int close_passwords(pw_ctx *ctx, opening *run) {
     release_texts(ctx, run);
-    return cipher_cleanup(ctx, run->cipher) == 0 ? 0 : tell("crypt_cleanup failed\n");
+    return cipher_cleanup(ctx, run->cipher) == 0 ? 0 : fail("crypt_cleanup failed\n");
 }
 
 int32_t line_feeds(const char *text) {

@@ -16,7 +16,7 @@ void *ctx_malloc(pw_ctx *ctx, size_t size);
 inline constexpr char pw_source_name[] = "passwdapi"; // what every memory function is given
 
 // Growth by the context's realloc_fn. The caller wipes the old content first and reads it again
-// afterwards: a block that moves would leave a copy of it behind.
+// afterwards: a block that moves would leave a copy of it.
 void *ctx_realloc(pw_ctx *ctx, void *block, size_t size);
 
 // Wipes block[0..size) and gives it back. Null is accepted.

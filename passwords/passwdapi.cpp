@@ -50,7 +50,7 @@ int pw_init(pw_ctx **ctx, pw_alloc_fn alloc_fn, pw_realloc_fn realloc_fn, pw_fre
         return -1;
     }
     *ctx = static_cast<pw_ctx *>(memcpy(block, &made, sizeof made));
-    isi_init(); // without a provider the first call that needs it fails and tells why
+    isi_init(); // without a provider the first call that needs it fails and reports why
     pw_create_lock_array(kestrion::lock_array_size);
     return 0;
 }

@@ -25,7 +25,7 @@ void print_text_line(const char *label, const char *text) {
 }
 
 void print_missing_token(int token, const char *line) {
-    // Only the first is told in fixed words.
+    // Only the first has a fixed message.
     if (token == 0)
         fputs("Format Error: There are less than four tokens on this line\n", stderr);
     else
@@ -34,7 +34,7 @@ void print_missing_token(int token, const char *line) {
 }
 
 // Copies a token to its field. There is no limit of 128 characters: a longer one runs on into the
-// fields behind it, which the next tokens then overwrite, and only the end of the record stops it.
+// fields after it, which the next tokens then overwrite, and only the end of the record stops it.
 int store_token(pw_entry *entry, int token, const char *text) {
     const size_t offset = static_cast<size_t>(token) * PW_TOKEN_SIZE;
     const size_t size = strlen(text) + 1;
@@ -64,7 +64,7 @@ int fill_entry(pw_entry *entry, char *line) {
     return 0;
 }
 
-// Returns the record of one line, or null after the words that tell why not.
+// Returns the record of one line, or null with the reason on standard error.
 pw_entry *new_entry(pw_ctx *ctx, char *line) {
     auto *entry = static_cast<pw_entry *>(ctx_malloc(ctx, sizeof(pw_entry)));
     if (entry == nullptr) {

@@ -105,7 +105,8 @@ struct tail_reader {
         return true;
     }
 
-    // A number in front of the one digit that counts its digits. Nine digits cannot overflow.
+    // A number, which is followed by the one digit that counts its digits. Nine digits cannot
+    // overflow.
     bool take_number(int32_t *value) {
         const char *digits = nullptr;
         if (!take_bytes(1, &digits) || *digits < '1' || *digits > '9')
@@ -122,7 +123,7 @@ struct tail_reader {
         return true;
     }
 
-    // A number within low to high, and as many bytes in front of it.
+    // As many bytes as the number after them says, which lies within low to high.
     bool take_field(int32_t low, int32_t high, int32_t *length, const char **bytes) {
         return take_number(length) && *length >= low && *length <= high &&
                take_bytes(*length, bytes);
@@ -193,7 +194,7 @@ int pw_encrypt(pw_ctx *ctx, const cipher_ctx *cipher, const char *text, int32_t 
     sealing_keys keys;
     memcpy(keys.combined.bytes, internal_key, cipher_key_size);
     combine_keys(keys.combined.bytes, access_key);
-    // Without random bytes the words are printed and the sealing goes on, under a wrap key of zero
+    // Without random bytes the message is printed and the sealing goes on, under a wrap key of zero
     // bytes; the internal key, whose making failed the same way before, has stopped the command.
     generate_internal_key(ctx, access_key, keys.wrap.bytes);
     const auto access_length = static_cast<uint8_t>(strlen(access_key));

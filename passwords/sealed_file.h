@@ -7,7 +7,7 @@
 // There is no magic number and no checksum: the file is walked from its end. The writer's figures
 // are fixed, the reader follows what it finds as far as the bytes and its buffers reach.
 //
-// Results: 0, or -1 after words on standard error.
+// Results: 0, or -1 with a message on standard error.
 
 #pragma once
 
@@ -23,7 +23,7 @@ int pw_encrypt(pw_ctx *ctx, const cipher_ctx *cipher, const char *text, int32_t 
                const char *internal_key, const char *access_key, char **result,
                int32_t *result_length);
 
-// Opens the payload sealed[0..payload_length) and puts a zero byte behind the text. *result as
+// Opens the payload sealed[0..payload_length) and puts a zero byte after the text. *result as
 // above. The internal key is turned into the combined key in place.
 int pw_decrypt(pw_ctx *ctx, const cipher_ctx *cipher, const char *sealed, int32_t payload_length,
                char *internal_key, const char *access_key, char **result, int32_t *result_length);
@@ -36,7 +36,8 @@ int extract_keys(pw_ctx *ctx, const cipher_ctx *cipher, const char *sealed, int3
 inline constexpr int32_t key_room = 31;            // bytes of a key in its buffer of 32
 inline constexpr int32_t stored_internal_max = 64; // bytes of an encrypted internal key
 
-// The parts of a sealed file, as its tail tells them. Nothing is copied: all point into the file.
+// The parts of a sealed file, as its tail describes them. Nothing is copied: all point into the
+// file.
 struct sealed_parts {
     int32_t payload_length;   // the payload begins at the start of the file
     const char *internal_key; // encrypted
@@ -47,7 +48,7 @@ struct sealed_parts {
     int32_t wrap_length;
 };
 
-// Returns 0, or -1 when a number of the tail is none or tells more bytes than are there or fit.
+// Returns 0, or -1 when a number of the tail is malformed or larger than what is there or fits.
 int read_sealed_parts(const char *sealed, int32_t length, sealed_parts *parts);
 
 } // namespace kestrion

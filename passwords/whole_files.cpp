@@ -14,7 +14,7 @@ namespace {
 
 constexpr mode_t file_mode = 0664; // of a new file, before the umask
 
-int open_or_tell(const char *path, int flags, int32_t security) {
+int open_or_report(const char *path, int flags, int32_t security) {
     const int fd = qvt_fd_open(path, flags, file_mode, security);
     if (fd < 0) {
         const format_arg name = text_arg(path);
@@ -26,8 +26,8 @@ int open_or_tell(const char *path, int flags, int32_t security) {
 enum read_result { READ_FAILED = -1, READ_WHOLE = 0, READ_MUST_GROW = -2 };
 
 // A read of the whole limit leaves nothing to ask for, and the read of nothing then looks like the
-// end of the file: a regular file above the limit is cut there without a word. Only a short read
-// with more behind it asks for growth. Both are what the sealed files in the field were made by.
+// end of the file: a regular file above the limit is cut there silently. Only a short read with
+// more after it asks for growth. The sealed files in the field were made this way.
 read_result read_open_file(int fd, char *buffer, int32_t limit, int32_t *length) {
     for (int32_t left = limit;;) {
         const ssize_t got = qvt_read(fd, buffer + *length, static_cast<size_t>(left));
@@ -46,7 +46,7 @@ read_result read_open_file(int fd, char *buffer, int32_t limit, int32_t *length)
 
 int read_file(pw_ctx *, const char *path, char *buffer, int32_t limit, int32_t *length) {
     *length = 0;
-    const int fd = open_or_tell(path, O_RDONLY, QVT_STREAM_R);
+    const int fd = open_or_report(path, O_RDONLY, QVT_STREAM_R);
     if (fd < 0)
         return -1;
     const read_result result = read_open_file(fd, buffer, limit, length);
@@ -62,7 +62,7 @@ int read_file(pw_ctx *, const char *path, char *buffer, int32_t limit, int32_t *
 }
 
 int write_file(const char *path, const char *data, int32_t length) {
-    const int fd = open_or_tell(path, O_WRONLY, QVT_TRUNC_OR_CREATE);
+    const int fd = open_or_report(path, O_WRONLY, QVT_TRUNC_OR_CREATE);
     if (fd < 0)
         return -1;
     ssize_t put = 0;
@@ -76,7 +76,7 @@ int write_file(const char *path, const char *data, int32_t length) {
     const int error = errno;
     qvt_close(fd);
     if (put == 0)
-        return 0; // also where the system takes nothing more: that is no error of it
+        return 0; // also where the system takes nothing more, which it does not report as an error
     fprintf(stderr, "Error writing file; errno=%d\n", error);
     return -1;
 }

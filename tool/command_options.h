@@ -1,4 +1,4 @@
-// The command's options: -e file, -d file, -k key, in pairs of a word and its value.
+// The command's options: -e file, -d file, -k key, each followed by its value.
 
 #pragma once
 

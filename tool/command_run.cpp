@@ -64,7 +64,7 @@ __attribute__((noinline)) void wipe_dead_stack() {
 bool is_leaving = false;
 
 // Runs at every exit, so also at the one that the registry of variables takes when it cannot even
-// hold its defaults. That is the only one which is not ours, and it comes without a word.
+// hold its defaults. That is the only one which is not ours, and it prints nothing.
 void wipe_secrets() {
     blank_keys_in_arguments();
     wipe(key_input, sizeof key_input);

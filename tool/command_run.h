@@ -33,7 +33,7 @@ struct command_run {
     char **argv;
     pw_ctx *ctx;
     cipher_ctx *cipher;
-    char *file; // the input, with a zero byte behind it
+    char *file; // the input, with a zero byte after it
     int32_t file_length;
     char *copy; // of the text, cut up by the parser
     size_t copy_size;

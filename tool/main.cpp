@@ -1,8 +1,8 @@
 // pwsealtool: seals a plain password text into $KESTRIONDIR/etc/passwd_file, and unseals that file
 // for an administrator who gives the access key that was sealed in it.
 //
-// It prints to standard error alone, and on success nothing. Until the messages are loaded its
-// words are fixed English.
+// It prints to standard error alone, and on success nothing. Until the messages are loaded it
+// prints fixed English texts.
 
 #include <kestrion/message_slots.h>
 
@@ -70,7 +70,7 @@ void make_contexts() {
     }
 }
 
-// The file is read afresh into a larger buffer, so nothing of the old one need be carried over.
+// The file is read again into a larger buffer, so that nothing of the old one has to be copied.
 void grow_file(int32_t *limit, int32_t *size) {
     explicit_bzero(run.file, static_cast<size_t>(run.file_length));
     void *grown = nullptr;
@@ -96,8 +96,8 @@ void read_input() {
     }
 }
 
-// Proves the text well-formed. What is sealed is the untouched buffer, lines behind the last line
-// feed included.
+// Proves the text well-formed. What is sealed is the untouched buffer, with what follows the last
+// line feed.
 void check_text() {
     run.copy_size = static_cast<size_t>(run.file_length) + 1;
     run.copy = static_cast<char *>(malloc(run.copy_size));

@@ -1,10 +1,10 @@
-# Completion of pwsealtool's options and file names. The value of -k is never completed: an access key is
-# no word that a shell should know, and file names in its place would only lead astray.
+# Completion of pwsealtool's options and file names. The value of -k is never completed: a shell
+# should not know an access key, and file names in its place would only mislead.
 
 _pwsealtool() {
     local word=${COMP_WORDS[COMP_CWORD]}
     COMPREPLY=()
-    # Options stand at the odd places, each with its value behind it.
+    # Options are at the odd places, each followed by its value.
     if ((COMP_CWORD % 2 == 1)); then
         mapfile -t COMPREPLY < <(compgen -W '-k -e -d' -- "$word")
         return

@@ -18,7 +18,7 @@ void bylcopy(const void *source, void *destination, ptrdiff_t count);
 void byfill(void *block, ptrdiff_t count, int byte);
 int bycmpr(const void *a, const void *b, ptrdiff_t count); // by unsigned bytes
 
-// Compares as if the shorter block were padded with blanks, with one rule of its own for the longer
+// Compares as if the shorter block were padded with blanks, with an unusual rule for the longer
 // block's tail: its first byte that is not a blank decides, taken as signed. At 32 or more the
 // longer block sorts after; below 32, which takes in the bytes over 127, it sorts before.
 // Example "ab", "ab  " -> 0; "ab", "ab\t" -> 1; "ab", "ab\xE9" -> 1.

@@ -24,7 +24,7 @@ int cache_locale_string(gls_name_list **list, char *const *texts, int32_t count)
 void free_locale_string(gls_name_list **list);
 
 // Caches the abbreviated and the full month names of the current locale; in a Gregorian locale the
-// English names are found first. Returns 0; -1 when the engine can't tell the names.
+// English names are found first. Returns 0; -1 when the engine has no names or no memory.
 int cache_month_strings(void);
 
 // Caches both kinds of era names. Returns as cache_month_strings.

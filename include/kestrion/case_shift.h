@@ -19,7 +19,7 @@ extern "C" {
 // block. Returns 0, or err_bad_character for an invalid or cut-off character.
 int sqlcaseshift(int operation, const char *source, char *destination, ptrdiff_t length);
 
-// Gives each word an initial capital and lower case behind it; a word is a run of letters. As
+// Gives each word an initial capital and then lower case; a word is a run of letters. As
 // sqlcaseshift otherwise.
 int sqlinitcap(const char *source, char *destination, ptrdiff_t length);
 

@@ -12,7 +12,7 @@
 // without white space has an empty value; a name that is unknown, as the empty name of a line that
 // begins with a blank is, is dropped in silence. A line ends with a line feed; a last line without
 // one is lost. A byte 255 inside a line ends the file there and loses the line.
-// docs/formats/kestrion_rc.md tells it to whoever writes one.
+// docs/formats/kestrion_rc.md is the page for those who write one.
 //
 // Results of type int are 0 or one of the err_env_ numbers of <kestrion/error_numbers.h>.
 
@@ -43,8 +43,8 @@ extern "C" {
 // line    receives the number of the last line read, counted from 1.
 // flags   bits of language_flag are added.
 // Returns 0, also for what cannot be opened or is not a regular file; err_env_no_memory;
-//         err_env_value_size for a value over its limit, which ends the reading at that line, and for
-//         an unknown name on the last line.
+//         err_env_value_size for a value over its limit, which ends the reading at that line, and
+//         for an unknown name on the last line.
 int ldcffile(const char *path, const env_name_list *ignore, uint32_t *line, uint32_t *flags);
 
 // Reads a descriptor up to the end of the next line that is neither empty nor a comment, and not a

@@ -14,8 +14,8 @@ extern int32_t _gnorminit; // 1 once the money formats of the process were settl
 void init_dflt_lconv_int(lconv_rec *block);
 
 // Sets mon_front and mon_back of the current environment and marks them ready. DBMONEY decides
-// where it is set: the text in front of its first "." or "," stands before an amount, the text
-// behind it after it. Otherwise the locale's currency symbol stands on the side that the locale
+// where it is set: the text before its first "." or "," precedes an amount, the text after
+// it follows the amount. Otherwise it is the locale's currency symbol, on the side that the locale
 // says.
 void rmoninit(void);
 

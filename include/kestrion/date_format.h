@@ -34,7 +34,8 @@ extern "C" {
 int parse_dbdate(const char *text, dbdate_format *out);
 
 // Settles date_fmt and its companions in the current environment.
-// buffer  null: the format goes into a new allocation; else it goes there, and the buffer has 256 bytes.
+// buffer  null: the format goes into a new allocation; else it goes there, and the buffer has 256
+// bytes.
 // Returns 0, err_date_no_memory without memory or room, err_date_format for a bad DBDATE.
 int nogetenv_getglsfmt(void *ignored1, void *ignored2, char *buffer, int zero);
 

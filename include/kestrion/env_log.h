@@ -1,4 +1,4 @@
-// Words about the environment for whoever starts a program: the only place of env/ that prints.
+// Warnings about the environment for whoever starts a program: the only place of env/ that prints.
 
 #pragma once
 

@@ -11,16 +11,17 @@
 // the environment ggetenv("KESTRIONDIR") returns them; with 257 it returns what a configuration
 // file says, else "/usr/kestrion", and gerrno is err_env_value_size.
 //
-// The first lookup loads the registry (greadenv in <kestrion/first_load.h>). When that load fails the
-// lookup returns null; the entries made so far stay, so that later lookups are answered.
+// The first lookup loads the registry (greadenv in <kestrion/first_load.h>). When that load fails
+// the lookup returns null; the entries made so far stay, so that later lookups are answered.
 //
 // Texts that come out belong to the registry or to the environment: they are not freed by the
 // caller and are valid until the value changes. An index is the position in Kes_DVals
 // (env/variable_table.h), or -1 to search by name. An index that is given decides by itself, the
 // name beside it is not compared.
 //
-// Results of type int, and gerrno, are 0 or one of the err_env_ numbers of <kestrion/error_numbers.h>.
-// Nothing here locks: one thread, or all loading done before threads start.
+// Results of type int, and gerrno, are 0 or one of the err_env_ numbers of
+// <kestrion/error_numbers.h>. Nothing here locks: one thread, or all loading done before threads
+// start.
 
 #pragma once
 
@@ -49,9 +50,9 @@ extern int32_t gerrno;                 // why the last lookup failed, or what it
 // ---- Lookups ----
 
 // Returns the variable's value, or null.
-// gerrno  0; err_env_value_size, with a value or null, when the environment's value is over its limit;
-//         err_env_unknown_name for an unknown name without a value; err_env_null_name; the reason when
-//         the load failed.
+// gerrno  0; err_env_value_size, with a value or null, when the environment's value is over its
+//         limit; err_env_unknown_name for an unknown name without a value; err_env_null_name; the
+//         reason when the load failed.
 char *idx_ggetenv(const char *name, int32_t index);
 char *ggetenv(const char *name);       // idx_ggetenv by name
 char *getsesenv(const char *name);     // the same

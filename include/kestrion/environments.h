@@ -37,7 +37,8 @@ int CheckExistingGlsEnv(const GlsEnvLocale *request, GlsEnv **out);
 int CreateGlsEnv(const GlsEnvLocale *request, GlsEnv **out, int init);
 
 // Makes `env` current and starts it. On failure the environment before it is current again, with a
-// CLIENT_LOCALE of its own, and the error of the start is returned (err_env_no_memory: no memory for that text).
+// CLIENT_LOCALE of its own, and the error of the start is returned, or err_env_no_memory without
+// memory for that text.
 int InitGlsEnv(GlsEnv *env);
 
 // The entry for a connection: reuses a matching environment or makes one, and makes it current.

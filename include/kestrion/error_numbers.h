@@ -19,7 +19,7 @@ enum {
 // -- General -------------------------------------------------------------------------------------
 enum {
     err_no_block = -406,         // no memory, or no control block
-    err_blob_place = -608,       // a blob where none may stand
+    err_blob_place = -608,       // a blob where none is allowed
     err_no_buffer_memory = -837, // no memory for a buffer or a collection
     err_bad_character = -941,    // a character that the code set does not have
     err_process_locale = -7206   // the system refuses the locale
@@ -31,7 +31,7 @@ enum {
     err_underflow = -1201,         // exponent too small
     err_zero_divide = -1202,       // division by zero
     err_display_width = -1207,     // value wider than its field
-    err_not_a_number = -1213,      // text is no number
+    err_not_a_number = -1213,      // text is not a number
     err_smallint_range = -1214,    // outside -32767..32767
     err_integer_range = -1215,     // outside -2147483647..2147483647
     err_smallfloat_range = -1222,  // magnitude out of a smallfloat's range
@@ -48,7 +48,7 @@ enum {
     err_date_range = -1210,     // outside years 1 to 9999
     err_date_no_memory = -1211, // no memory for a date format
     err_date_format = -1212,    // DBDATE lacks a field or breaks its grammar
-    err_date_text = -1218       // text is no date
+    err_date_text = -1218       // text is not a date
 };
 
 // -- Message catalogues --------------------------------------------------------------------------
@@ -75,7 +75,7 @@ enum {
 // -- Datetime and interval -----------------------------------------------------------------------
 enum {
     err_dt_first_field = -1261,  // too many digits in the first field
-    err_dt_character = -1262,    // no digit, or a delimiter is missing
+    err_dt_character = -1262,    // not a digit, or a delimiter is missing
     err_dt_field_range = -1263,  // field out of range
     err_dt_extra = -1264,        // extra characters at the end
     err_intv_overflow = -1265,   // value too large for the interval

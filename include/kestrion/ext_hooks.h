@@ -13,7 +13,7 @@ int32_t *cl_ext_errno(void *ctx);      // the context itself, or the address of 
 char *cl_ext_getenv(const char *name); // by the registry of variables
 
 // Splits its text at the first equal sign and sets the variable. Returns 0; -1 without an equal
-// sign behind at most 80 characters of name, or without memory (-2).
+// sign after at most 80 characters of name; err_env_no_memory.
 int cl_ext_putenv(const char *text);
 
 void *cl_ext_malloc(size_t size);
@@ -36,7 +36,7 @@ int cl_ext_ferror(FILE *file);
 int cl_ext_fseek(FILE *file, long offset, int whence);
 long cl_ext_ftell(FILE *file);
 
-// The local date and time. 0, or -1 when the local time can't be had.
+// The local date and time. Return 0, or -1 when the local time is not known.
 int cl_ext_currdate(gl_date_rec *record);
 int cl_ext_currtime(gl_time_rec *record);
 

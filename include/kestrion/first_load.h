@@ -36,8 +36,8 @@ int greadenv(void);
 int gnlsenv(uint32_t flags, uint32_t bit, const char *name, const char *lang);
 
 // Stores the first 64 characters of the user's home directory in `path`, which has home_path_size
-// bytes. The user is the one who logged in, else the owner of the process: a root shell can stand
-// for another account.
+// bytes. The user is the one who logged in, else the owner of the process: a root shell can belong
+// to another account.
 // Returns 0; err_env_no_user for a user without an account record, err_env_value_size for one whose
 //         directory is empty; gerrno is set to the same.
 int ggethomepath(char *path);

@@ -14,7 +14,7 @@ typedef struct value_heap value_heap; // <kestrion/value_heap.h>
 
 // Bits of `gen_flags`.
 enum gen_flag {
-    GEN_DBVER_SET = 16, // the database told its version
+    GEN_DBVER_SET = 16, // the version of the database is known
 };
 
 enum {
@@ -42,7 +42,7 @@ typedef struct gentcb {
     int32_t gen_err;             // error word of the general layer
     int32_t gls_err;             // error word of the locale environment
     int32_t conv_err;            // conversion error of the value layer
-    int32_t float_type;          // stored form of floats, told by the database
+    int32_t float_type;          // stored form of floats in the database
     int32_t msg_depth;           // above 0 while a stand-in text is being looked up
     gen_catalogue catalogues[2]; // 0 is in use; 1 never opens a file
     char *scratch;               // texts on their way to the string heap; owned
@@ -74,12 +74,12 @@ gentcb *CheckGenInit(void);
 // The error word, or err_no_block without a block.
 int32_t getgenerr(void);
 
-// Whether the database told its version: gset_dbver notes it, gget_dbver answers 1 or 0.
+// Whether the version of the database is known: gset_dbver sets it, gget_dbver returns 1 or 0.
 void gset_dbver(void);
 int32_t gget_dbver(void);
 
 void qvtGEN_setFloatType(int32_t type);
-// -1 when no block was made yet; making one is not this call's business.
+// -1 without a block; this call does not make one.
 int32_t qvtGEN_getFloatType(void);
 
 void gen_setansidb(int32_t on);

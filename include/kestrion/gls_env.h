@@ -103,7 +103,7 @@ typedef struct new_gls_env_rec {
     char lc_spec[GLS_SLOTS][gls_spec_size]; // one locale specifier per category
     int32_t lc_is_gls[GLS_SLOTS];      // 1: a locale file of the engine, 0: an os/ category file
     char mon_front[gls_currency_size]; // currency symbol before an amount
-    char mon_back[gls_currency_size];  // and behind it
+    char mon_back[gls_currency_size];  // and after it
     int8_t mon_ready;                  // 1 after rmoninit has run
     lconv_rec *lconv;                  // the locale's conventions
     lconv_rec *net_lconv;              // the neutral ones of the network form
@@ -131,7 +131,7 @@ typedef struct GlsEnvLocale {
 } GlsEnvLocale;
 
 typedef struct gls_env_node gls_env_node;
-// A node of the list of environments; in created nodes the environment lies directly behind it.
+// A node of the list of environments; in created nodes the environment follows it directly.
 struct gls_env_node {
     gls_env_node *next;
     GlsEnv *env;

@@ -3,7 +3,7 @@
  * binds 110 functions of it into `isi_functab`, and every ISI_name of the table that the system
  * uses has a wrapper isi_name here.
  *
- * - A wrapper is safe to call when no provider is bound: it then answers its default, told below.
+ * - A wrapper is safe to call when no provider is bound: it then answers its default, given below.
  * - A wrapper empties the thread's error stack and hands arguments and result on unchanged.
  *   Status results are 0 for success.
  * - What went wrong is read, once, with isi_get_err.
@@ -108,8 +108,8 @@ int isi_set_err_callback(isi_line_callback callback);
 /* Diagnostics. */
 
 /*
- * Texts of the thread's error stack, newest first, parted by `delimiter`; "" when there are none.
- * Empties the stack; the text stays valid until this thread's next call.
+ * Texts of the thread's error stack, newest first, separated by `delimiter`; "" when there are
+ * none. Empties the stack; the text stays valid until this thread's next call.
  */
 const char *isi_get_err(signed char delimiter);
 void isi_clear_err(void); /* empties the thread's stack and drops its text */
@@ -133,7 +133,7 @@ void isi_err_stack_clear(isi_err_stack *stack); /* frees both */
 void isi_err_stack_push(isi_err_stack *stack, int kind, long code, const char *text);
 const char *isi_err_stack_text(isi_err_stack *stack, char delimiter); /* null with no items */
 
-/* Bytes of the item's text with the delimiter behind it, written to `buffer` unless that is null.
+/* Bytes of the item's text with the delimiter after it, written to `buffer` unless that is null.
  * No terminator is added. */
 size_t isi_err_item_text(const struct isi_err_item *item, char *buffer, char delimiter);
 

@@ -54,8 +54,8 @@ typedef struct isi_shared_thread_globals isi_err_stack;
 
 /* One per process. */
 struct isi_shared_globals {
-    isi_allocate_fn allocate;         /* behind isi_malloc; malloc at first */
-    isi_free_fn release;              /* behind isi_free; free at first */
+    isi_allocate_fn allocate;         /* what isi_malloc calls; malloc at first */
+    isi_free_fn release;              /* what isi_free calls; free at first */
     void *main_handle;                /* the running program, where callbacks are looked up */
     int32_t trace_level;              /* 0 none, 1 load and version, 2 functions, 3 calls */
     char *trace_file;                 /* owned; "stdout" and "stderr" mean the streams */

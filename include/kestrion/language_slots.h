@@ -1,9 +1,9 @@
 // The language settings of the current database: three text slots beside the registry, which a
 // connection sets to what the database was made with and resets to the client's own settings.
 //
-// A value that does not fit its slot is refused with err_env_value_size and the slot keeps what it held.
-// A null value and a variable without a value are the empty text. Results of type int are 0 or one of
-// the numbers of <kestrion/error_numbers.h>.
+// A value that does not fit its slot is refused with err_env_value_size and the slot keeps what it
+// held. A null value and a variable without a value are the empty text. Results of type int are 0
+// or one of the numbers of <kestrion/error_numbers.h>.
 
 #pragma once
 

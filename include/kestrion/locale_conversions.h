@@ -8,7 +8,7 @@
 extern "C" {
 #endif
 
-// Loads the conversion to the code set of `to` from that of `from` (specifiers; the target stands
+// Loads the conversion to the code set of `to` from that of `from` (specifiers; the target comes
 // first). Returns below 0 on error, with a record in *out that holds the error word; 0 when the
 // code sets are one; above 0 when *out converts.
 int get_csc_desc(cv_rec **out, const char *to, const char *from);

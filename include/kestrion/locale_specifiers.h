@@ -43,9 +43,9 @@ void mk1loccat(const char *value, int slot, char *out, int convert, const char *
 // old     ignored.
 void get_nlscat(const char *name, int slot, int strict, int *missing, const char *old);
 
-// Loads the locale that `spec` names; is_gls[slot] tells whether a file of the engine served (1) or
+// Loads the locale that `spec` names; is_gls[slot] says whether a file of the engine served (1) or
 // a name of the operating system (0). A specifier whose file is not usable gets one more try as a
-// name of the operating system. Returns 0, else a negative value with the locale error word set.
+// name of the operating system. Returns 0, or a negative value with the locale error word set.
 int get_locale(locale_rec **out, const char *spec, int32_t *is_gls);
 
 // Returns the locale for an old code-set name, or null. The letters' case counts.
@@ -55,7 +55,7 @@ const char *getalsloc(const char *name);
 void togensp(const char *spec, char *out);
 
 // Writes the specifier of an object's file name into out[0..37); *is_gls is 0 where the name is the
-// operating system's, which then stands behind its first slash.
+// operating system's, which then follows its first slash.
 void chglcfile2sp(const char *fname, char *out, int32_t *is_gls);
 
 // Rebuilds the slots and their flags from a loaded locale. Returns 0 or the folded error.
@@ -64,8 +64,8 @@ int restorelocsp(locale_rec *lc);
 // Makes the specifier for a client that works on a database whose categories are `spec0` (CTYPE)
 // and `spec1` (COLLATE), in out[0..gls_composite_size).
 // flag_a, flag_b  with bit 1 of lc_flags or an equal client locale: take `spec0` alone.
-// keep            non-zero: the slots of CTYPE and COLLATE, and all six where `spec0` stands alone,
-//                 follow the database. The last four of a composite always follow.
+// keep            non-zero: the slots of CTYPE and COLLATE, and all six where `spec0` is taken
+//                 alone, follow the database. The last four of a composite always follow.
 void mklocspec(const char *spec0, const char *spec1, char *out, int flag_a, int flag_b, int keep);
 
 #ifdef __cplusplus

@@ -5,8 +5,8 @@
 #include <stdint.h>
 
 // One row of the table that maps a message number to the leaf name of its catalogue: the first row
-// with low <= |number| <= high counts; a row with marker 0 ends the table; a number without a row is
-// in "os.qem".
+// with low <= |number| <= high counts; a row with marker 0 ends the table; a number without a row
+// is in "os.qem".
 typedef struct message_range {
     int16_t marker;   // 1, or 0 in the row after the last
     uint32_t low;     // magnitudes, both ends included

@@ -8,7 +8,8 @@
 //     if (rldinit() != 0 || rldmgar(my_messages) != 0)
 //         ...
 //
-// The texts come from outside the program: never hand one to the printf family as a format. How a text is found is described in <kestrion/messages.h>.
+// The texts come from outside the program: never hand one to the printf family as a format. How a
+// text is found is described in <kestrion/messages.h>.
 
 #pragma once
 

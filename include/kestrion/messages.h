@@ -64,7 +64,8 @@ int32_t lrseekmsg_gls(int32_t number, int32_t *length, int64_t *position, const 
 // Returns 0, or err_no_block without memory, nothing being changed.
 int32_t _setmsgfile(const char *path);
 
-// Forgets the open catalogue and the user's message directory; both are settled afresh.
+// Forgets the open catalogue and the user's message directory; both are settled again at their next
+// use.
 void rmsg_init(void);
 
 // rmsg_init() with another table: the server's for kind "s", the client's for "c".

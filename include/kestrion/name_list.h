@@ -1,5 +1,5 @@
-// A growing list of owned names: the variables that ENVIGNORE tells the configuration files' reader
-// to pass over.
+// A growing list of owned names: the variables that ENVIGNORE names, which the reader of the
+// configuration files skips.
 
 #pragma once
 
@@ -18,8 +18,8 @@ extern "C" {
 // Returns a new empty list, or null when there is no memory.
 env_name_list *_ginitnamelist(void);
 
-// Appends a copy of a name. Returns its index, or -1 when there is no memory; the list is as before
-// then.
+// Appends a copy of a name. Returns its index, or -1 when there is no memory; the list is then
+// as before.
 int32_t _gaddnamelist(env_name_list *list, const char *name);
 
 // Returns the index of the first equal name, or -1.

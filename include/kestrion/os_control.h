@@ -1,7 +1,7 @@
 // The control block of the platform layer, one for the whole process.
 //
 // It is made at first use and lives until the process ends. No lock guards it: the first call must
-// come before threads start. Whatever cannot get the block answers 0 or null.
+// come before threads start. Operations that cannot get the block return 0 or null.
 
 #pragma once
 

@@ -9,7 +9,7 @@ extern "C" {
 #endif
 
 // Makes the parked locale and conversions of the current environment current again; without a
-// parked locale only `dbnls` is settled anew (1, else 2). Returns 0, or the error of restorelocsp.
+// parked locale only `dbnls` is settled again (1, else 2). Returns 0, or the error of restorelocsp.
 int restoreploc(void);
 
 // Sets locale, parked locale and both pairs of operating-system conversions as given and rebuilds

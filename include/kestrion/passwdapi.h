@@ -12,9 +12,9 @@
  *     }
  *     pw_cleanup(ctx);
  *
- * Every operation returns 0 for success and -1 for failure, and tells the reason on standard error.
- * One thread at a time may use a context. All memory comes from the caller's three functions and
- * goes back to them; what held a key or plain text is wiped first. On failure some blocks stay
+ * Every operation returns 0 for success and -1 for failure, and prints the reason to standard
+ * error. One thread at a time may use a context. All memory comes from the caller's three functions
+ * and goes back to them; what held a key or plain text is wiped first. On failure some blocks stay
  * allocated, so a caller that must give everything back allocates from an arena of its own.
  */
 
@@ -24,7 +24,8 @@
 #include <stdint.h>
 
 /* The caller's memory functions. `source` and `line` are for its allocation trace: the source is
- * always "passwdapi", the line tells the kind of block (see pw_source_line). Null is failure. */
+ * always "passwdapi", the line identifies the kind of block (see pw_source_line). Null is
+ * failure. */
 typedef void *(*pw_alloc_fn)(size_t size, const char *source, int line);
 typedef void *(*pw_realloc_fn)(void *block, size_t size, const char *source, int line);
 typedef void (*pw_free_fn)(void *block);
@@ -70,7 +71,7 @@ extern "C" {
 int pw_init(pw_ctx **ctx, pw_alloc_fn alloc_fn, pw_realloc_fn realloc_fn, pw_free_fn free_fn);
 
 /* Opens the sealed file and stores the number of its lines, which is the size that the table of
- * pwLoadPW needs. A null context or count is a failure with no word. */
+ * pwLoadPW needs. A null context or count is a failure without a message. */
 int pwGetLineCount(pw_ctx *ctx, int32_t *count);
 
 /* Opens the sealed file and stores its lines as new records in table[0] to table[*count - 1]; each

@@ -62,7 +62,7 @@ void stchar(const char *text, void *destination, ptrdiff_t size);
 // Copies the smaller of the length byte and `maximum`, and terminates: maximum + 1 bytes at most.
 void ldvarchar(const void *source, ptrdiff_t maximum, char *destination);
 
-// Writes the length byte, then size bytes of text and blanks. The length byte tells the text's own
+// Writes the length byte, then size bytes of text and blanks. The length byte is the text's own
 // length even where `size` cut it, modulo 256. A null text gives length 1 and one zero byte.
 void stvarchar(const char *text, void *destination, ptrdiff_t size);
 

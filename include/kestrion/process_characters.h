@@ -1,5 +1,5 @@
-// The character tables of the process, set up as its settings say. The tables themselves are those of
-// <kestrion/character_tables.h>.
+// The character tables of the process, set up as its settings say. The tables themselves are those
+// of <kestrion/character_tables.h>.
 
 #pragma once
 

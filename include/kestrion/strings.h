@@ -2,7 +2,7 @@
 // or 1.
 //
 // Texts are terminated bytes. Lengths and limits are in bytes; one below zero counts as zero unless
-// told otherwise.
+// its operation says otherwise.
 
 #pragma once
 
@@ -28,8 +28,8 @@ ptrdiff_t stnleng(const char *text, ptrdiff_t limit); // length up to the limit;
 // and -23 does. A search for 0 finds nothing, since the terminator ends the search first.
 char *stchr(const char *text, int character);
 
-// Compares the first words, at most `limit` bytes: 0 when they are equal, else -1, never 1. A blank
-// or the terminator ends a word. Two null texts are equal, a null and a text are not.
+// Compares the first words, at most `limit` bytes: 0 when they are equal, otherwise -1, never 1. A
+// blank or the terminator ends a word. Two null texts are equal, a null and a text are not.
 // Example "ab cd", "ab" -> 0; "ab", "abc" -> -1.
 int cmprstr(const char *a, const char *b, ptrdiff_t limit);
 
@@ -39,9 +39,8 @@ int cmprstr(const char *a, const char *b, ptrdiff_t limit);
 ptrdiff_t _sttrmrt(char *text, ptrdiff_t length);
 
 // Returns the next token of `text`, or null. The first call gives the text, the following ones
-// null;
-// `*save` keeps the place, so that walks through several texts do not disturb each other. Runs of
-// separators count as one.
+// null; `*save` keeps the place, so that walks through several texts do not disturb each other.
+// Runs of separators count as one.
 char *qvt_strtok(char *text, const char *separators, char **save);
 
 #ifdef __cplusplus

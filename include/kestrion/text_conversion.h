@@ -9,8 +9,8 @@ extern "C" {
 #endif
 
 // Converts a terminated text. Returns a new block of malloc, terminated, that belongs to the
-// caller; null with the locale error err_locale_no_memory stored when there is no memory or the text
-// does not convert; null for a null conversion or text.
+// caller; null with the locale error err_locale_no_memory stored when there is no memory or the
+// text does not convert; null for a null conversion or text.
 char *gcv_malloc(cv_rec *cv, const char *text);
 
 // The same into a block that is made if *out is null and replaced if not. Returns 0 or

@@ -8,8 +8,8 @@
 extern "C" {
 #endif
 
-// Length in bytes without trailing blanks, by the characters of the current locale. In a single-byte
-// locale, and with none loaded, it is that of qvt_byleng.
+// Length in bytes without trailing blanks, by the characters of the current locale. In a
+// single-byte locale, and with none loaded, it is that of qvt_byleng.
 ptrdiff_t byleng(const void *block, ptrdiff_t length);
 
 #ifdef __cplusplus

@@ -2,8 +2,8 @@
 // of names that a connection sends.
 //
 // A row's position is the variable's index, which callers may pass to the lookups of
-// <kestrion/env_registry.h> to skip the search by name: that of KESTRIONDIR is 212. The order is fixed
-// for ever: indexes are compiled into other programs.
+// <kestrion/env_registry.h> to skip the search by name: that of KESTRIONDIR is 212. The order is
+// fixed for ever: indexes are compiled into other programs.
 
 #pragma once
 

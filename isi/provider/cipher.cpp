@@ -70,7 +70,7 @@ int start(void *handle, void *descriptor, const unsigned char *key, const unsign
     if (type == nullptr && context->type == nullptr)
         return report_message("no cipher");
     // Naming the cipher again would undo a key length that was set since, and make its state anew.
-    bool is_new = type != nullptr && type != context->type;
+    const bool is_new = type != nullptr && type != context->type;
     if (is_new)
         forget_cipher(context);
     if (EVP_CipherInit_ex(context->evp, is_new ? type : nullptr, nullptr, key, iv, wanted) != 1)
@@ -198,7 +198,7 @@ int ISI_cipher_type(void *cipher) {
 const char *ISI_obj_nid2sn(int nid) {
     const char *name = OBJ_nid2sn(nid);
     if (name == nullptr) {
-        ERR_clear_error(); // it tells no more
+        ERR_clear_error(); // it says no more than the message
         report_message("unknown identifier");
     }
     return name;

@@ -1,8 +1,8 @@
 // The stand-in provider: libisi.so.1 on libcrypto. It does what sealing needs (one symmetric cipher
 // interface and random bytes); everything else it exports fails and says so.
 //
-// It may be loaded by any program that keeps to <kestrion/isi_shared.h>. ISI_cleanup_int is accepted
-// before ISI_init_int; without a record to report on, errors are dropped.
+// It may be loaded by any program that keeps to <kestrion/isi_shared.h>. ISI_cleanup_int is
+// accepted before ISI_init_int; without a record to report on, errors are dropped.
 
 #pragma once
 
@@ -26,7 +26,7 @@ int report_message(const char *text);
 int report_errno(int error);
 int report_libcrypto(); // what waits in libcrypto's queue of this thread; it may give no reason
 
-void set_shared_globals(struct isi_shared_globals *globals); // null: nobody to report to
+void set_shared_globals(struct isi_shared_globals *globals); // null: reports are dropped
 void set_current_record(struct isi_shared_thread_globals *record);
 
 } // namespace kestrion

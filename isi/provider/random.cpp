@@ -11,7 +11,7 @@ int fill(unsigned char *buffer, int count) {
     if (buffer == nullptr || count < 0)
         return kestrion::report_message("no buffer for random bytes");
     while (count > 0) {
-        ssize_t got = getrandom(buffer, static_cast<size_t>(count), 0);
+        const ssize_t got = getrandom(buffer, static_cast<size_t>(count), 0);
         if (got < 0 && errno == EINTR)
             continue;
         if (got < 0)

@@ -23,7 +23,7 @@ int compare(const std::string &a, const std::string &b) {
                    static_cast<ptrdiff_t>(b.size()));
 }
 
-// The rule told another way: cut both blocks to the shorter length; if they are equal so far, strip
+// The rule in other words: cut both blocks to the shorter length; if they are equal so far, strip
 // the blanks that begin the longer one's tail and look at what is left.
 int plain_charcmp(const std::string &a, const std::string &b) {
     if (a.size() < b.size())

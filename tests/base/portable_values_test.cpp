@@ -128,7 +128,7 @@ TEST(PortableValues, CharFieldsArePaddedAndCut) {
     EXPECT_EQ(stored_char(nullptr, 4), "    ");
     EXPECT_EQ(stored_char("ab", 0), "");
     EXPECT_EQ(stored_char("ab", -1), "");
-    guarded_bytes exact("abcd"); // no terminator behind the last byte that fits
+    guarded_bytes exact("abcd"); // no terminator after the last byte that fits
     EXPECT_EQ(stored_char(exact.data(), 4), "abcd");
 
     EXPECT_EQ(loaded_char("ab  x", 4, 3), std::string("ab\0", 3));

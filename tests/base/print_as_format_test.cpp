@@ -27,7 +27,7 @@ TEST(PrintAsFormat, CarriesOutOnlyWhatFindsAnArgumentOfItsKind) {
         {"100%% of %s", "100% of x"},
         {"%s %s", "x 7"},
         {"%s %d %d", "x 7 %d"},
-        {"%d %s", "%d x"}, // no number there; the text still serves the %s behind it
+        {"%d %s", "%d x"}, // not a number; the text still serves the %s after it
         {"%n%s", "%nx"},
         {"%*d %s", "%*d x"},
         {"%s %*.*f", "x %*.*f"},

@@ -44,7 +44,7 @@ TEST(Strings, BoundedCopyAlwaysTerminatesInsideItsSize) {
     stncopy("abc", field, 0);
     stncopy("abc", field, -5);
     EXPECT_STREQ(field, "#");
-    // Only what fits is read: a source need not be terminated behind it.
+    // Only what fits is read: a source need not be terminated after it.
     guarded_bytes source("abc");
     char whole[4];
     stncopy(source.data(), whole, 4);

@@ -31,7 +31,7 @@ TEST(Heap, FirstPageHolds976BytesBehindItsHandle) {
     EXPECT_EQ(heap->stored[0], 11u);
     EXPECT_EQ(heap->stored[1], 22u);
     EXPECT_EQ(room(heap), std::vector<int>{976});
-    // 16 bytes of header and 24 of handle lie in front of the first block.
+    // 16 bytes of header and 24 of handle lie before the first block.
     EXPECT_EQ(take(heap, 976), reinterpret_cast<char *>(heap->head) + 40);
     EXPECT_EQ(room(heap), std::vector<int>{0});
     EXPECT_NE(take(heap, 1), nullptr);

@@ -136,11 +136,11 @@ TEST_F(ConfigFile, WhatCannotBeReadIsNoError) {
     EXPECT_EQ(ldcffile(root.at("missing").c_str(), ignore, &line, &flags), 0);
     EXPECT_EQ(line, 0U);
     EXPECT_EQ(ldcffile(root.path().c_str(), ignore, &line, &flags), 0);
-    ASSERT_EQ(mkfifo(root.at("pipe").c_str(), 0600), 0); // nobody writes, and nobody waits
+    ASSERT_EQ(mkfifo(root.at("pipe").c_str(), 0600), 0); // nothing writes to it
     EXPECT_EQ(ldcffile(root.at("pipe").c_str(), ignore, &line, &flags), 0);
 }
 
-// Every length up to several steps of growth, read whole, with the descriptor left behind the line.
+// Every length up to several steps of growth, read whole, with the descriptor left after the line.
 TEST_F(ConfigFile, LineBufferGrowsInStepsOf128) {
     for (size_t length = 1; length < 600; ++length) {
         const std::string text(length, 'x');

@@ -24,7 +24,7 @@ template <typename Call> std::string printed(Call call) {
 TEST(EnvLog, PrintsAFlushedLine) {
     EXPECT_EQ(printed([](FILE *out) { qvt_log_error(out, "%s is %d%%", "this", 7); }),
               "this is 7%\n");
-    void (*unchecked)(FILE *, const char *, ...) = qvt_log_error; // for formats that are none
+    void (*unchecked)(FILE *, const char *, ...) = qvt_log_error; // for texts that are not formats
     EXPECT_EQ(printed([&](FILE *out) {
                   unchecked(out, "");
                   unchecked(out, nullptr);

@@ -147,7 +147,7 @@ TEST_F(FirstLoad, UsersFileThatFailsMakesTheFirstLookupNull) {
         EXPECT_STREQ(ggetenv("W2"), "kept");
         EXPECT_EQ(gerrno, 0);
     }
-    // The locale variables, settled behind it, speak last.
+    // The locale variables, settled after it, give the result.
     gFreeEVars();
     setenv("DBNLS", "2", 1);
     EXPECT_STREQ(ggetenv("W2"), "kept");

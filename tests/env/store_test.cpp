@@ -29,7 +29,7 @@ TEST_F(Store, EqualValueKeepsTheStoredPointer) {
     EXPECT_STREQ(live("W1")->value, "ne");
 }
 
-// Rows of value before, value given, value after; the mark stands for the shared empty text.
+// Rows of value before, value given, value after; the mark is the shared empty text.
 TEST_F(Store, NullAndEmptyAreTwoThings) {
     const char *mark = EnvEmptyVal;
     const struct {
@@ -123,7 +123,7 @@ TEST(Search, OfATableEndsAtItsCountOrANullName) {
                          {c, nullptr, 4, 0}};
     EXPECT_EQ(search_evar("B", table, 5), &table[1]); // the first of two
     EXPECT_EQ(search_evar("B", table, 1), nullptr);
-    EXPECT_EQ(search_evar("C", table, 5), nullptr); // behind the null name
+    EXPECT_EQ(search_evar("C", table, 5), nullptr); // after the null name
     EXPECT_EQ(search_evar("A", table, 0), nullptr);
     EXPECT_EQ(search_evar("A", table, -1), nullptr);
     EXPECT_EQ(search_evar("A", nullptr, 5), nullptr);
@@ -135,7 +135,7 @@ TEST(Search, OfATableEndsAtItsCountOrANullName) {
     EXPECT_EQ(search_evar_enum(0, "A", nullptr, 5), nullptr);
 }
 
-// The search by name against the plain walk that it stands for.
+// The search by name against a plain walk.
 TEST_F(Store, SearchByNameFindsEveryRow) {
     for (int32_t i = 0; i < Num_DVals; ++i) {
         EXPECT_EQ(live(Kes_DVals[i].name), &Kes_EVars[i]) << Kes_DVals[i].name;

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Adler-32 of the names, each with a line feed behind it.
+// Adler-32 of the names, each followed by a line feed.
 uint32_t checksum(const char *const *names, size_t count) {
     uint32_t low = 1;
     uint32_t high = 0;

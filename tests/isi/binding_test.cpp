@@ -33,7 +33,7 @@ TEST(Binding, AMissingDirectoryIsTheReason) {
 
 TEST(Binding, WhatIsWrongWithTheProviderIsTheReason) {
     const struct {
-        const char *provider, *before, *behind; // the words around its path
+        const char *provider, *before, *after; // the text around its path
     } rows[] = {
         {"missing.so", "cannot access ", "\nNo such file or directory (errno 2)"},
         {"init_fails.so", "initialization of ", " failed"},
@@ -42,7 +42,7 @@ TEST(Binding, WhatIsWrongWithTheProviderIsTheReason) {
     };
     for (const auto &row : rows) {
         installation here(fakes + row.provider);
-        expect_refused(row.before + here.library() + row.behind);
+        expect_refused(row.before + here.library() + row.after);
     }
 }
 

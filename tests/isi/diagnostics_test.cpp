@@ -139,7 +139,8 @@ TEST(Trace, LinesAreCutAndEnded) {
     EXPECT_EQ(line.substr(509), "xx\n");
 }
 
-// A finished line is printed as a format with itself as the argument; what has none stands.
+// A finished line is printed as a format with itself as the argument; one without directives is
+// printed as it is.
 TEST(Trace, DirectivesInALineDoNoHarm) {
     installation here;
     isi_set_err_file(here.at("log").c_str());

@@ -195,7 +195,7 @@ TEST_F(Provider, RandomBytesFillTheWholeBuffer) {
     }
 }
 
-// Some of these return pointers; the low half of the register tells enough.
+// Some of these return pointers; the low half of the register is enough.
 #ifdef __clang__
 __attribute__((no_sanitize("function")))
 #endif
@@ -290,7 +290,7 @@ TEST(ProviderFile, ServesAnyProgramThatKeepsToTheRecords) {
     auto block_size = FUNCTION(ISI_cipher_block_size, ISI_CIPHER_BLOCK_SIZE);
     auto push = FUNCTION(ISI_err_stack_push_km_error, ISI_ERR_STACK_PUSH_KM_ERROR);
 
-    cleanup(); // before any start, and calls before it: nobody to report to
+    cleanup(); // before any start, as the calls before it: nothing to report to
     EXPECT_EQ(block_size(nullptr), 0);
 
     struct isi_shared_globals globals = {};

@@ -34,23 +34,23 @@ constexpr accepted_row accepted[] = {
     {"DMY4.j2", "%d.%m.%EC%04.4Ey", {D, M, Y}, 1},
 };
 
-// Rejected, each for a rule of its own.
+// Rejected, each by another rule.
 constexpr const char *rejected[] = {
     "",         // nothing
-    "MDY",      // a year needs its digits, unless an era stands in front
+    "MDY",      // a year needs its digits, unless an era comes before it
     "Y3MD/",    // three digits belong to C1 and C2
     "Y3MD/J2",  //
     "Y3MD/J1",  //
-    "EyMD",     // the Y behind a prefix is a capital
+    "EyMD",     // the Y after a prefix is a capital
     "EMD",      // and must be there
     "MMD",      // a field twice
     "DY2D",     //
     "XDY4",     // no field letter
-    "MD/",      // a separator is no third field
+    "MD/",      // a separator is not a third field
     "MDY4/C",   // half a suffix
     "MDY4/C3",  // no such suffix
-    "MDY4/C1x", // text behind the suffix
-    "MDY4C1",   // the C is taken as the separator, and "1" is no suffix
+    "MDY4/C1x", // text after the suffix
+    "MDY4C1",   // the C is taken as the separator, and "1" is not a suffix
     "MDY5/",    // not a count of digits, so the year has none
 };
 

@@ -212,7 +212,7 @@ TEST(Startup, LowerCaseMayBeLongerThanItsText) {
         EXPECT_EQ(slot, wanted);
         free(slot);
     }
-    // A partner that is no character is none: half of a text written back would have no end.
+    // A partner that is not a character is ignored: the text could not be written back.
     locale_rec *lc = CheckGlsEnv()->cur_lc;
     for (int32_t i = 1; i <= lc->ctype_cat.case_pair_count; ++i)
         if (lc->ctype_cat.case_pairs[i].upper == 0xe1baa0)
@@ -369,7 +369,7 @@ TEST(Startup, EightBitValuesAreConverted) {
     free(converted); // the runtime leaves it
     {
         const failing_malloc::scope refused(1);
-        EXPECT_EQ(ggetenv("DBPATH"), getenv("DBPATH")) << "better unconverted than none";
+        EXPECT_EQ(ggetenv("DBPATH"), getenv("DBPATH")) << "unconverted rather than missing";
     }
     setenv("DBPATH", "/tmp/plain", 1);
     EXPECT_EQ(ggetenv("DBPATH"), getenv("DBPATH")) << "a 7-bit value is the environment's own";
@@ -462,12 +462,12 @@ TEST(Startup, SurvivesEveryRefusedAllocation) {
             EXPECT_STREQ(new_gls_env.date_fmt, "%m/%d/%iY") << "allocation " << k;
             EXPECT_NE(new_gls_env.cv_clienttodb, nullptr) << "allocation " << k;
         }
-        ASSERT_EQ(chkglsinit(), 0) << "second try behind allocation " << k;
+        ASSERT_EQ(chkglsinit(), 0) << "second try after allocation " << k;
     }
     EXPECT_GT(failures, 20u);
 }
 
-// What creation, matching and release leave behind is what the last of them holds: nothing.
+// Creation, matching and release leave nothing allocated.
 TEST(Startup, TenThousandEnvironmentsComeAndGo) {
     setenv("KESTRIONDIR", INSTALLATION, 1);
     ASSERT_EQ(chkglsinit(), 0);

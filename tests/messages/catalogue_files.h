@@ -30,7 +30,7 @@ inline std::string index_bytes(bool is_long, int count, const std::vector<test_r
     return out;
 }
 
-// A sound catalogue: texts with their line ends, and `padding` bytes behind them.
+// A sound catalogue: texts with their line ends, and `padding` bytes after them.
 inline std::string catalogue_bytes(bool is_long, const std::map<int32_t, std::string> &texts,
                                    size_t padding = 80) {
     std::vector<test_record> records;

@@ -121,7 +121,7 @@ TEST_P(MessageFile, DamagedRecordsAreRefused) {
         {2, {7, -1, 24}, err_no_such_message},
         {0, {7, 1, 24}, err_no_such_message},
         {-1, {7, 1, 24}, err_no_such_message},
-        {1, {7, 1, 24}, err_no_such_message},   // the record stands behind the index
+        {1, {7, 1, 24}, err_no_such_message},   // the record lies after the index
         {32767, {7, 1, 24}, err_catalogue_cut}, // an index far beyond the file
     };
     for (const auto &row : rows) {

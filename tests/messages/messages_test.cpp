@@ -100,7 +100,7 @@ TEST_F(Messages, BufferGetsWhatFits) {
 
 TEST_F(Messages, UnknownMessagesGetAStandInText) {
     EXPECT_EQ(get(-50002), err_no_such_message);
-    EXPECT_STREQ(buffer, "No number -50002 of %s\n") << "a directive too many prints as it stands";
+    EXPECT_STREQ(buffer, "No number -50002 of %s\n") << "a directive too many is printed as it is";
     EXPECT_EQ(get(60000), err_catalogue_not_opened);
     EXPECT_STREQ(buffer, "No file 'missing.qem'\n");
     EXPECT_EQ(get(-50002, 9), err_no_such_message);

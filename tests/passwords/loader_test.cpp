@@ -176,7 +176,7 @@ TEST_F(Loader, EveryFailureSaysWhichStepItWas) {
     const auto words = [&] {
         return words_of([&] { EXPECT_EQ(pwLoadPW(ctx, &count, table), -1); });
     };
-    toy_provider::refuse_call(14); // behind the calls that open the text
+    toy_provider::refuse_call(14); // after the calls that open the text
     EXPECT_EQ(words(), "Error freeing up cipher context\ncrypt_cleanup failed\n");
     toy_provider::refuse_call(12);
     EXPECT_EQ(words(), "pw_decrypt failed\n");

@@ -114,7 +114,7 @@ TEST(PasswordText, ABadLineIsToldInWordsAndEndsTheParsing) {
     }
 }
 
-// Fields lie 129 bytes apart in 516: a long token runs into the fields behind it.
+// Fields lie 129 bytes apart in 516: a long token runs into the fields after it.
 TEST(PasswordText, ALongTokenRunsOnButNeverPastTheRecord) {
     const auto x = [](size_t count) { return std::string(count, 'x'); };
     const parsed longest = parse(x(515) + " b c " + x(128) + "\n");

@@ -91,7 +91,7 @@ TEST_F(SealedFile, HasTheFieldsOfTheLayoutAndOpensAgain) {
     }
 }
 
-// The last bytes of a file, behind a payload and an internal key that would do.
+// The last bytes of a file, after a payload and an internal key that would do.
 TEST_F(SealedFile, ATailThatTellsMoreThanIsThereIsRefusedBeforeAnythingIsOpened) {
     const std::string wrap(24, 'w');
     const std::string stored(32, 's');
@@ -217,7 +217,7 @@ TEST_F(SealedFile, AbsurdFiguresOfTheProviderAreFailures) {
 }
 
 TEST_F(SealedFile, WithoutAHandleEveryOperationFailsAndCleanupSaysSo) {
-    toy_provider::refuse_call(3); // the padding, behind the new context and its start
+    toy_provider::refuse_call(3); // the padding, after the new context and its start
     sealing s;
     EXPECT_EQ(s.cipher.cipher_handle, nullptr);
     EXPECT_EQ(s.seal(plain_text, access_key), -1);

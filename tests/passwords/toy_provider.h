@@ -1,6 +1,6 @@
 // A provider inside the test program, for what the real one cannot be made to do: fail at a chosen
-// call, tell absurd sizes, give known random bytes. Its cipher has AES-192-ECB's sizes and padding
-// and no strength: a block is xored with the key.
+// call, report absurd sizes, give known random bytes. Its cipher has AES-192-ECB's sizes and
+// padding and no strength: a block is xored with the key.
 
 #pragma once
 
@@ -19,6 +19,6 @@ bool refused();
 bool holds_key(); // in any context that was made and not wiped
 
 extern int block_size;   // what the cipher says of itself: 16
-extern int extra_length; // what each final call adds to the length it tells: 0
+extern int extra_length; // what each final call adds to the length it reports: 0
 
 } // namespace toy_provider

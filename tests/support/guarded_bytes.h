@@ -1,4 +1,4 @@
-// Bytes that end right in front of an unreadable page, so that a reader which passes their end by a
+// Bytes that end right before an unreadable page, so that a reader which passes their end by a
 // single byte dies on the spot, with or without sanitizers.
 
 #pragma once

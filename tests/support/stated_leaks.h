@@ -1,5 +1,5 @@
-// Blocks that the runtime is known to leave behind. What is allocated while one of these lives is
-// not a leak to the leak checker; without one it does nothing.
+// Blocks that the runtime is known to leave allocated. What is allocated while one of these lives
+// is not a leak to the leak checker; without one it does nothing.
 
 #pragma once
 

@@ -1,4 +1,4 @@
-// What the system or the provider refuses ends the command with words and a status, never by a
+// What the system or the provider refuses ends the command with a message and a status, never by a
 // signal; and what fails before the writing leaves the sealed file as it was.
 
 #include "tool/command.h"
@@ -134,7 +134,7 @@ TEST_F(CommandFaults, AFullDiskIsToldWhereverItStrikes) {
 }
 
 // Refuses one allocation after the other through the whole run. Where nothing that matters was lost
-// the run may succeed; else it has words, a status of its own and no effect.
+// the run may succeed; otherwise it has a message, a status other than 0 and no effect.
 class EachAllocation : public CommandFaults {
 protected:
     // `wanted` are ways out that must be among those met.

@@ -75,7 +75,7 @@ protected:
         tool.first([] { ptrace(PTRACE_TRACEME, 0, nullptr, nullptr); });
         const pid_t child = tool.start(arguments);
         int state = 0;
-        waitpid(child, &state, 0); // stopped behind exec
+        waitpid(child, &state, 0); // stopped after exec
         ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACEEXIT | PTRACE_O_EXITKILL);
         do {
             ptrace(PTRACE_CONT, child, nullptr, nullptr);
@@ -116,7 +116,7 @@ private:
         for (size_t i = 0; i < 12; ++i)
             combined[2 * i] = key[i];
         ASSERT_EQ(decrypt(file.substr(0, end - 97), combined).find(password_text), 0u);
-        // The first 16 bytes of a key stand in the cipher's schedule of either direction as they
+        // The first 16 bytes of a key are in the cipher's schedule of either direction as they
         // are.
         EXPECT_FALSE(holds(wrap.substr(0, 16))) << "the wrap key after " << shown;
         EXPECT_FALSE(holds(internal.substr(0, 16))) << "the internal key after " << shown;
@@ -146,7 +146,7 @@ TEST_F(CommandSecrets, NothingIsLeftInMemoryOnFailure) {
 }
 
 // A text that comes in short reads is read again into a larger buffer, and the smaller one moves.
-// Behind its two lines it is no line at all.
+// After its two lines there is not even a line.
 TEST_F(CommandSecrets, NothingIsLeftInOrLostFromTheBufferThatWasTooSmall) {
     std::string text = password_text;
     text.resize(60000, 'x');

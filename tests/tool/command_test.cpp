@@ -1,4 +1,5 @@
-// Every way out of the command by its words, stream, status and order, and what it leaves behind.
+// Every way out of the command by its messages, stream, status and order, and by the files it
+// leaves.
 
 #include "tool/command.h"
 
@@ -205,7 +206,7 @@ TEST_F(Command, ADamagedSealedFileIsTold) {
         tree.write("etc/passwd_file", bytes);
         expect({"-k", "opensesame", "-d", out}, "FATAL error! password file is damaged\n", 255);
     }
-    // A payload that is no whole number of blocks, and an access key that is none.
+    // A payload that is not a whole number of blocks, and the same of an access key.
     const std::string failed =
         "Unsealing failed. The sealed file is damaged; restore it from a backup "
         "or seal the passwords again.\n";

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The examples of the manual page, run as they stand there: seal, unseal, and recover the text and the access
+# The examples of the manual page, run as they are written there: seal, unseal, and recover the text and the access
 # key with openssl and the usual text tools alone.
 # usage: openssl_alone_test.sh MANUAL_PAGE INSTALLATION
 set -euo pipefail
