@@ -1,6 +1,8 @@
 #include <kestrion/gentcb.h>
 
+#include "base/resets.h"
 #include <kestrion/error_numbers.h>
+#include <kestrion/value_heap.h>
 
 #include <stdlib.h>
 
@@ -23,6 +25,21 @@ int32_t set_word_of_block(int32_t gentcb::*word, int32_t value) {
 }
 
 } // namespace
+
+namespace kestrion {
+
+void reset_gentcb() {
+    if (the_block == nullptr)
+        return;
+    free(the_block->scratch);
+    free(the_block->message_file);
+    free(the_block->install_dir);
+    rhpfree(the_block->string_heap);
+    free(the_block);
+    the_block = nullptr;
+}
+
+} // namespace kestrion
 
 constinit int32_t ansidb = 0;
 

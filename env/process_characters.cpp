@@ -1,6 +1,7 @@
 #include <kestrion/process_characters.h>
 
 #include "env/language_setting.h"
+#include "env/resets.h"
 #include <kestrion/character_tables.h>
 #include <kestrion/env_registry.h>
 #include <kestrion/error_numbers.h>
@@ -12,6 +13,12 @@ namespace {
 constinit bool set_up = false; // rldctype has run
 
 } // namespace
+
+namespace kestrion {
+
+void reset_process_characters() { set_up = false; }
+
+} // namespace kestrion
 
 int rldnlsctype(const char *locale_name) {
     if (setlocale(LC_CTYPE, locale_name) == nullptr)

@@ -60,6 +60,8 @@ TEST(OsControl, FailedLocaleAnswersNullOnceAndTheBlockStays) {
         EXPECT_EQ(CheckOsInit(), ostcb);
         free(ostcb);
     }
+    ostcb = nullptr;
+    locale_start_result = 0;
 }
 
 TEST(OsControl, NoMemoryAnswersNothingAndTheNextCallTriesAgain) {

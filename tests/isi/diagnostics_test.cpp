@@ -97,6 +97,7 @@ TEST(ErrorStack, LosesItemsAndTextsWithoutMemory) {
 
 TEST(LogErr, PushesCausePlaceAndMessage) {
     isi_set_err_callback(keep_line);
+    lines.clear();
     callback_answer = 1;
     errno = ENOENT;
     isi_log_err(ISI_ERR_ERRNO, "stat", -1, "caller", "some/where/file.c", 12, "cannot find %s",
@@ -114,6 +115,7 @@ TEST(Trace, ACallbackMayKeepALineFromTheFile) {
     isi_set_trace_level(1);
     isi_set_trace_file(here.at("trace").c_str());
     isi_set_trace_callback(keep_line);
+    lines.clear();
     callback_answer = 1;
     isi_trace(1, "held %s", "back");
     callback_answer = 0;

@@ -157,6 +157,7 @@ TEST(CaseShift, NothingIsShiftedWhereTheLocaleDidNotStart) {
     char text[] = "ab";
     rupshift(text);
     EXPECT_STREQ(text, "ab");
+    locale_start_result = 0;
 }
 
 TEST(CaseShift, BlanksAtTheEndAreTheLocalesOwn) {

@@ -40,6 +40,7 @@ struct Messages : testing::Test {
         for (const char *variable : {"DBLANG", "DBNLS", "LANG", "CLIENT_LOCALE", "QVT_FREE_FD"})
             unsetenv(variable);
         setenv("KESTRIONDIR", dir.path().c_str(), 1);
+        forced_start = 0;
         new_gls_env.init_flags = 1;
         _mfqvt = test_ranges;
         install("en_us/0333", "os.qem",
