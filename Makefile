@@ -1,34 +1,48 @@
-# A thin front: every target sets the machine up, configures and builds as far as it needs to.
+# A thin front over CMake and scripts/. demo, test, check and bench set the machine up first; the other
+# targets say what to run when a tool is missing.
 
 JOBS := $(shell nproc)
+need = @command -v $(1) >/dev/null || { echo "$(1) is missing; run: scripts/setup"; exit 1; }
 
-.PHONY: all setup build demo test check format bench fuzz install locales clean
+.PHONY: all setup build demo test check tidy format bench fuzz install locales clean
 
 all: build
 
 setup:
 	@scripts/setup
 
-build: setup
-	@cmake --preset release >build.log 2>&1 || { cat build.log; exit 1; }; rm -f build.log
+build:
+	$(call need,cmake)
+	$(call need,ninja)
+	@scripts/quietly cmake --preset release
 	@cmake --build --preset release -j $(JOBS)
 
-demo: build
+demo: setup
+	@$(MAKE) --no-print-directory build
 	@scripts/demo
 
-test: build
+test: setup
+	@$(MAKE) --no-print-directory build
 	@ctest --preset release
 
-check: build
+check: setup
+	@$(MAKE) --no-print-directory build
 	@scripts/check
 
-format:
-	@git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format -i
-
-bench: build
+bench: setup
+	@$(MAKE) --no-print-directory build
 	@scripts/bench
 
-fuzz: setup
+tidy: build
+	$(call need,clang-tidy)
+	@scripts/tidy
+
+format:
+	$(call need,clang-format)
+	@git ls-files '*.cpp' '*.h' '*.c' | xargs clang-format -i
+
+fuzz:
+	$(call need,clang)
 	@scripts/fuzz
 
 install: build
