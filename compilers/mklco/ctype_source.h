@@ -1,23 +1,17 @@
 // LC_CTYPE of a locale source, put together with a charmap: the characters of the code set with
 // their classes and partners in case.
 //
-// A source classes characters by their code points, for all code sets at once; what the charmap
-// lacks is passed over. Ranges:
-//
-//     <U0041>..<U005A>          counts code points; "..(2).." takes every second one
-//     /xa1.../xa3               what the code set has between these bytes
-//     <j0101>....<j0109>        counts names in decimal; ".." in hexadecimal
-//
+// A source gives classes to characters of all code sets at once; ignore what the charmap lacks.
 // The rest is what a source leaves to the compiler:
 //
 //     upper, lower              are alpha
 //     alpha, digit, punct       are graph, and graph is print
 //     the blank U+0020          is print, space and blank
 //     a charmap's width 2       is the named class "full_width", bit 0
-//     class NAME                the bits 1 to 4 in the order of the source; those without a member
-//     get none
+//     class NAME                the bits 1 to 4 in the order of the source; one without a member
+//                               gets none
 //
-// Lost, and told: further named classes, and the width 0.
+// Losses are further named classes, and the width 0.
 #pragma once
 
 #include "compilers/mklco/object.h"

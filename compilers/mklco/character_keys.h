@@ -1,0 +1,50 @@
+// The characters that LC_CTYPE of a locale source names, as numbers.
+//
+// A key is a code point, or after all code points the row of a charmap whose name gives none:
+//
+//     <U0041>      0x41
+//     <j0101>      0x110000 + its row in the charmap
+//
+// A source names characters for all code sets at once; those that the charmap lacks have a key when
+// they are code points.
+#pragma once
+
+#include "compilers/posix/charmap.h"
+#include "compilers/posix/locale_source.h"
+
+#include <optional>
+#include <stddef.h>
+#include <stdint.h>
+#include <vector>
+
+namespace kestrion {
+
+class character_keys {
+public:
+    explicit character_keys(const charmap &map) : map_(map) {}
+
+    size_t count() const { return code_point_limit + map_.rows.size(); } // above every key
+    uint32_t of(const charmap_row &row) const;
+    // The row that writes a character; null when the charmap lacks it.
+    const charmap_row *row(uint32_t key) const;
+
+    // The character that a token names; nothing when it is a name or bytes that the charmap lacks.
+    // Throws source_error.
+    std::optional<uint32_t> find(const source_statement &statement, size_t token) const;
+
+    // The characters from the token before an ellipsis to the one after it. Throws source_error.
+    //
+    //     <U0041>..<U005A>          counts code points; "..(2).." takes every second one
+    //     /xa1.../xa3               what the code set has between these bytes
+    //     <j0101>....<j0109>        counts names in decimal; ".." in hexadecimal
+    std::vector<uint32_t> range(const source_statement &statement, size_t ellipsis) const;
+
+private:
+    std::vector<uint32_t> code_points(const source_statement &statement, size_t ellipsis) const;
+    std::vector<uint32_t> sequences(const source_statement &statement, size_t ellipsis) const;
+    std::vector<uint32_t> names(const source_statement &statement, size_t ellipsis) const;
+
+    const charmap &map_;
+};
+
+} // namespace kestrion
