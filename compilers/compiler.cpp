@@ -50,8 +50,8 @@ void print_usage(const compiler &self, const std::vector<compiler_option> &optio
             left += std::string("=") + option.value_name;
         fprintf(stream, "%-30s %s\n", left.c_str(), option.help);
     }
-    fprintf(stream, "\nExit status: 0 written, 1 written with warnings or losses, 2 command line "
-                    "not understood,\n4 nothing written.\n");
+    fprintf(stream, "\nExit status: 0 written, 1 written with warnings or losses, 2 bad command "
+                    "line,\n4 nothing written.\n");
 }
 
 // getopt_long's answer for a long option without a letter; above every character.
@@ -79,12 +79,12 @@ void parse(int argc, char **argv, const compiler &self, const std::vector<compil
         for (size_t i = 0; i < options.size(); ++i)
             if (c == first_long_value + static_cast<int>(i) || (c != 0 && c == options[i].letter))
                 found = &options[i];
-        if (found == nullptr) // a letter may stand behind others in its word
+        if (found == nullptr) // a letter may follow others in its word
             throw usage_error("option '" +
                               (optopt > 0 && optopt < first_long_value
                                    ? std::string{'-', static_cast<char>(optopt)}
                                    : std::string(argv[optind - 1])) +
-                              "' is not understood");
+                              "' is unknown");
         found->set(optarg != nullptr ? optarg : "");
     }
     line.run.sources.assign(argv + optind, argv + argc);
@@ -125,8 +125,8 @@ exit_status run_compiler(int argc, char **argv, const compiler &self, FILE *mess
                                    strerror(errno));
         return exit_status::written;
     } catch (const usage_error &error) {
-        fprintf(messages, "%s: %s\nusage: %s %s\n       %s --help tells more\n", self.name,
-                error.what(), self.name, self.synopsis, self.name);
+        fprintf(messages, "%s: %s\nusage: %s %s\nsee '%s --help'\n", self.name, error.what(),
+                self.name, self.synopsis, self.name);
         return exit_status::usage;
     } catch (const std::exception &error) {
         fprintf(messages, "%s: %s\n", self.name, error.what());

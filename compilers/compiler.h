@@ -10,7 +10,7 @@
 //     }
 //
 // Options that all have: -o/--output FILE, --losses FILE, --werror=loss, -h/--help, --version.
-// Short and long options may stand before and behind the sources.
+// Short and long options may come before and after the sources.
 
 #pragma once
 
@@ -23,7 +23,7 @@
 
 namespace kestrion {
 
-// The command line was not understood: the reason is printed with the usage, and the exit is 2.
+// A bad command line: the reason is printed with the usage, and the exit is 2.
 struct usage_error : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
@@ -46,7 +46,7 @@ struct compiler_run {
 
 struct compiler {
     const char *name;     // "mkqem"
-    const char *synopsis; // behind the name in the usage line
+    const char *synopsis; // follows the name in the usage line
     const char *summary;  // one sentence
     size_t least_sources = 1;
     size_t most_sources = 1;

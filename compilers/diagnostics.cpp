@@ -21,8 +21,8 @@ std::string shown(std::string_view line) {
     return text;
 }
 
-// The blanks in front of the caret: tabs stay tabs, and a UTF-8 character takes one column.
-std::string in_front_of_caret(std::string_view line, size_t column) {
+// The blanks before the caret: tabs stay tabs, and a UTF-8 character takes one column.
+std::string before_caret(std::string_view line, size_t column) {
     std::string blanks;
     for (const char c : line.substr(0, column - 1))
         if ((static_cast<unsigned char>(c) & 0xC0) != 0x80)
@@ -141,7 +141,7 @@ void diagnostics::print(const char *kind, place at, std::string_view what,
     if (!line.empty()) {
         fprintf(stream_, "%5zu | %s\n", at.where.line, line.c_str());
         if (at.where.column != 0 && at.where.column <= line.size() + 1)
-            fprintf(stream_, "      | %s^\n", in_front_of_caret(line, at.where.column).c_str());
+            fprintf(stream_, "      | %s^\n", before_caret(line, at.where.column).c_str());
     }
     if (!remedy.empty())
         fprintf(stream_, "      = %.*s\n", static_cast<int>(remedy.size()), remedy.data());

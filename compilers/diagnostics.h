@@ -5,8 +5,8 @@
 //           |                           ^
 //           = write %s here, or change $args -84403 in en_us/pwseal.msg
 //
-// Lines and columns count from 1, columns in bytes. A cause is told once: after an error in a line
-// a compiler does not go on to what follows from it.
+// Lines and columns count from 1, columns in bytes. A cause is reported once: after an error in a
+// line a compiler does not report what follows from it.
 //
 // A loss is something of the source that the output cannot hold (a character without a counterpart,
 // a text without a translation). It is not an error unless --werror=loss makes it one.
@@ -26,9 +26,9 @@ namespace kestrion {
 // What ends a compiler's process; scripts rely on the numbers.
 enum class exit_status {
     written = 0,             // output written, nothing to say
-    written_with_losses = 1, // output written, warnings or losses told
-    usage = 2,               // command line not understood, nothing read
-    nothing_written = 4,     // errors told; files are as they were
+    written_with_losses = 1, // output written, with warnings or losses
+    usage = 2,               // a bad command line, nothing read
+    nothing_written = 4,     // after errors; files are as they were
 };
 
 // Ends the compiler with nothing written. For what has no place in a source: a file that cannot be

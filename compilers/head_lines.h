@@ -14,7 +14,7 @@ namespace kestrion {
 // depend on the paths that the sources were asked for by.
 using source_texts = std::multimap<std::string, std::string_view>;
 
-// "COMPILER=mkxxx 1.0.0", "SOURCE=" and the CRC-32 of all names and texts, from which one can tell
+// "COMPILER=mkxxx 1.0.0", "SOURCE=" and the CRC-32 of all names and texts, which shows
 // whether an object was made of these sources.
 std::vector<std::string> head_lines(const std::string &compiler, const std::string &made_of,
                                     const source_texts &read);

@@ -30,12 +30,12 @@ namespace {
     throw compiler_failure("cannot write " + path + ": " + step + ": " + strerror(error));
 }
 
-// The name behind symbolic links, so that a rename replaces the file and not the link.
+// The name that symbolic links lead to, so that a rename replaces the file and not the link.
 std::string real_name(const std::string &path) {
     std::error_code error;
     const std::filesystem::file_status status = std::filesystem::status(path, error);
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
-        throw compiler_failure("cannot write " + path + ": it exists and is no regular file");
+        throw compiler_failure("cannot write " + path + ": it exists and is not a regular file");
     if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error)))
         return path;
     const std::filesystem::path target = std::filesystem::canonical(path, error);

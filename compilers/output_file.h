@@ -1,10 +1,10 @@
 // Files that are written whole or not at all.
 //
 // Every file of a set first becomes a temporary file in its own directory: written, flushed to the
-// disk, closed, each step checked. Only when all stand there complete are they renamed, in order,
-// so the file that matters comes last. A failed step removes the temporary files and leaves the old
+// disk, closed, each step checked. Only when all are complete are they renamed, in order, so the
+// file that matters comes last. A failed step removes the temporary files and leaves the old
 // ones byte for byte. A name that is a symbolic link means the file that it leads to; what exists
-// and is no regular file is refused, not replaced.
+// and is not a regular file is refused, not replaced.
 
 #pragma once
 
@@ -33,7 +33,7 @@ struct output_file {
 };
 
 // Writes all files or none. Throws compiler_failure that names the file, the step and the reason.
-// What goes to the standard output goes there last, when every file stands.
+// What goes to the standard output goes there last, when every file is in place.
 void write_output_files(const std::vector<output_file> &files);
 
 } // namespace kestrion

@@ -1,4 +1,4 @@
-// A locale object of any bytes: it is refused and leaves nothing behind, or it loads and the
+// A locale object of any bytes: it is refused and leaves nothing allocated, or it loads and the
 // operations on characters serve a text that ends at the end of its block.
 
 #include "gls/objects/category_data.h"
@@ -22,7 +22,7 @@ namespace {
 
 void use_characters(locale_rec *lc, const uint8_t *data, size_t size) {
     size_t count = size < 64 ? size : 64;
-    // A character of wide units that is cut off takes zero bytes; the terminator stands behind.
+    // A character of wide units that is cut off takes zero bytes; the terminator follows.
     size_t end = gl_mb_loc_min(lc) == 1 ? 1 : text_tail;
     char *text = static_cast<char *>(malloc(count + end));
     memcpy(text, data + (size - count), count);

@@ -1,5 +1,5 @@
 // The sealed file from its last byte to its opened text. The provider is a toy whose cipher is easy
-// to guess, so that mutations get past it: what lengths the file tells is what matters here.
+// to guess, so that mutations get past it: the lengths in the file are what matters here.
 
 #include "passwords/sealed_file.h"
 #include "fuzz/quiet_words.h"
@@ -23,7 +23,7 @@ cipher_ctx *toy_cipher() {
     return &cipher;
 }
 
-// The parts lie in their order behind the payload and fill the file.
+// The parts follow the payload in their order and fill the file.
 void check_parts(const char *sealed, int32_t length) {
     sealed_parts parts;
     if (read_sealed_parts(sealed, length, &parts) != 0)

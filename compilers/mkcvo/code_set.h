@@ -17,7 +17,7 @@ namespace kestrion {
 
 struct side_row {
     code_sequence sequence;
-    std::u32string characters; // one, or the several that the row stands for
+    std::u32string characters; // one, or several that the row writes together
     bool one_way = false;      // read so, never written so
     bool shifted = false;      // of the shifted state
     source_place place;
@@ -43,7 +43,7 @@ private:
 // The side of a charmap. Rows named by anything but Unicode names are left out.
 code_set_side side_of_charmap(const std::string &name, const charmap &map);
 
-// The 7-bit form; rows that it cannot hold are told to `said` as losses.
+// The 7-bit form; rows that it cannot hold are losses.
 code_set_side shifted_side(const std::string &name, const charmap &map,
                            const code_sequence &shift_in, const code_sequence &shift_out,
                            diagnostics &said);

@@ -57,7 +57,7 @@ unsigned char control_byte(const written &out, char32_t first, bool inexact) {
     return static_cast<unsigned char>(control);
 }
 
-void tell_loss(const code_set_side &target, const side_row &row, diagnostics &said) {
+void add_loss(const code_set_side &target, const side_row &row, diagnostics &said) {
     std::string what;
     for (const char32_t character : row.characters)
         what += (what.empty() ? "" : " ") + code_point_text(character);
@@ -76,14 +76,14 @@ conversion_entry entry_of(const code_set_side &target, const side_row &row,
     if (!exact && row.characters.size() == 1)
         out = write_substitute(target, row.characters[0], instead);
     if (!out) {
-        tell_loss(target, row, said);
+        add_loss(target, row, said);
         return {row.sequence, 0, {}};
     }
     return {row.sequence, control_byte(*out, row.characters[0], !exact), out->bytes};
 }
 
-// The sequences that change the source's state, each in the state where it does; the other state
-// passes over it.
+// The sequences that change the source's state, each in the state where it does; in the other state
+// they write nothing.
 void add_switches(const code_set_side &source, conversion_object &object) {
     constexpr unsigned char change = CV_SWITCH | CV_MAPPED;
     constexpr unsigned char pass = CV_MAPPED;
@@ -111,7 +111,7 @@ void measure(conversion_object &object) {
                 continue;
             object.target_min = std::min(object.target_min, target);
             object.target_max = std::max(object.target_max, target);
-            // A shifted character that stands alone has a sequence on either side.
+            // A shifted character alone has a sequence on either side.
             const int shifts =
                 (entry.control & CV_SHIFTED) != 0
                     ? object.shifts[SHIFT_IN].length + object.shifts[SHIFT_OUT].length

@@ -106,7 +106,7 @@ source_texts texts_read(const named_set &source, const named_set &target,
     return read;
 }
 
-// Nothing of a UCS-2 text is lost, but it can't say all that the target could write.
+// No UCS-2 text loses anything, but it cannot have all that the target could write.
 code_set_side unicode_source(const code_set_side &target, int bytes, diagnostics &said) {
     const auto beyond =
         std::count_if(target.rows.begin(), target.rows.end(), [](const side_row &row) {

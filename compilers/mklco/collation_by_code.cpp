@@ -8,7 +8,7 @@ namespace kestrion {
 namespace {
 
 constexpr uint16_t forward = 1;
-constexpr uint16_t first_weight = 2; // 0 and 1 are no weights
+constexpr uint16_t first_weight = 2; // 0 and 1 have other meanings
 
 } // namespace
 

@@ -1,5 +1,4 @@
-// A collation that orders by code: the way to sort of code sets whose bytes stand in a useful
-// order, and what objects have until their source's own order is compiled.
+// A collation that orders by code: for code sets whose bytes are in a useful order, and what objects have until their source's own order is compiled.
 #pragma once
 
 #include "compilers/mklco/object.h"

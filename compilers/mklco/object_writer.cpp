@@ -43,8 +43,9 @@ void append_head(std::string &out, const locale_object &object) {
     const std::string &name = object.code_set;
     if (name.empty() || name.size() > size_t{lco_cs_name_limit} ||
         !std::all_of(name.begin(), name.end(), is_ascii_graphic))
-        throw compiler_failure("\"" + name +
-                               "\" is no code set's name: it has 1 to 19 characters and no blanks");
+        throw compiler_failure(
+            "\"" + name +
+            "\" is not a code set's name, which has 1 to 19 characters and no blanks");
     out += lco_file_type;
     out += lco_version;
     out += "HEADER_LINES=" + std::to_string(lco_head_lines + object.head.size()) + "\n";

@@ -88,8 +88,7 @@ std::vector<size_t> operands_of(const source_statement &statement) {
         bool separator = statement.tokens[i].kind == token_kind::semicolon;
         if (separator == (i % 2 != 0))
             throw source_error(statement.place(i),
-                               separator ? "an operand must stand here"
-                                         : "a semicolon must stand here",
+                               separator ? "expected an operand" : "expected a semicolon",
                                "separate the operands by ;");
         if (!separator)
             operands.push_back(i);
@@ -118,14 +117,13 @@ void sections_compiler::statement(object_section section, const source_statement
         }
     if (std::find(std::begin(passed_over), std::end(passed_over), keyword) == std::end(passed_over))
         said_.warning(statement.source->file(), statement.place().position(),
-                      "\"" + std::string(statement.tokens[0].text) +
-                          "\" is no keyword of this category and is passed over",
+                      "unknown keyword " + std::string(statement.tokens[0].text) + " is ignored",
                       "remove it");
 }
 
 int64_t sections_compiler::number(const source_statement &statement, size_t token) {
     if (token >= statement.tokens.size() || statement.tokens[token].kind != token_kind::number)
-        throw source_error(statement.place(token), "a number must stand here",
+        throw source_error(statement.place(token), "expected a number",
                            "give a decimal number, or -1 for none");
     return statement.tokens[token].number;
 }
@@ -151,8 +149,8 @@ std::string sections_compiler::text(const source_statement &statement, size_t to
     return encoder_.encode(*statement.source, elements, format ? text_use::format : text_use::name);
 }
 
-// The sizes of a source, which end in one that repeats or in -1, for the object, which tells the
-// two apart by a 0 behind the last.
+// The sizes of a source end in one that repeats or in -1; those of the object end in 0 when the
+// last one repeats.
 std::vector<int64_t> sections_compiler::groups(const source_statement &statement,
                                                const std::vector<size_t> &operands) {
     std::vector<int64_t> sizes;
@@ -161,8 +159,9 @@ std::vector<int64_t> sections_compiler::groups(const source_statement &statement
         if (size == 0)
             break;
         if (size < -1 || size > source_group_end)
-            throw source_error(statement.place(token), "this is no size of a digit group",
-                               "give 1 to 126, or -1 for no more groups");
+            throw source_error(statement.place(token),
+                               "expected the size of a digit group, 1 to 126",
+                               "write -1 for no more groups");
         if (size == -1 || size == source_group_end) {
             sizes.push_back(-1);
             return sizes;

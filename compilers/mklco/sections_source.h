@@ -2,16 +2,20 @@
 //
 // What differs between a source and an object:
 //
-//     grouping 3;3            3 0: the 0 repeats the size before it; -1 ends the list and grouping
-//     -1 in *_cs_precedes, *_sep_by_space, *_sign_posn   1, 0, 1: amounts can be written all the
-//     same numeric signs           "+" and "-", which sources do not name formats see time_format.h
-//     era "+:1:-0001//12//31:-*:B.C.:%EC%Ey"   seven fields, the name twice; the sign says which
-//     way the
-//                             years run: "-" when the end lies before the start, else "+"
+//     in the source                       in the object
+//     grouping 3;3                        3 0: the 0 repeats the size before it
+//     grouping 3;-1                       3 -1: no more groups
+//     -1 in *_cs_precedes,                1
+//     *_sep_by_space,                     0
+//     *_sign_posn                         1: an amount can be written all the same
+//     numeric signs, which it lacks       "+" and "-"
+//     formats                             see time_format.h
+//     era "+:1:-0001//12//31:-*:B.C.:f"   seven fields, the name twice; the sign is "-" when the
+//                                         end is before the start, else "+"
 //
-// Lost, and told: positions of international amounts that differ from the local ones, a group
+// Losses are positions of international amounts that differ from the local ones, a group
 // separator of amounts that differs from that of numbers (amounts are written with the latter),
-// alternative digits behind the hundredth.
+// alternative digits after the hundredth.
 #pragma once
 
 #include "compilers/mklco/object.h"

@@ -38,7 +38,7 @@ void text_encoder::append(std::string &out, const locale_source &from, const tex
         throw source_error(
             place, what,
             "a format cannot do without it; give a transliteration or choose another charmap");
-    said_.loss(*place.file, place.position(), what, "a question mark stands in its place");
+    said_.loss(*place.file, place.position(), what, "a question mark replaces it");
     append_code_points(out, U"?");
 }
 
@@ -71,7 +71,7 @@ std::string text_encoder::encode(const locale_source &from, std::span<const text
             bytes += static_cast<char>(text[i].value);
         if (!is_spelt(bytes))
             throw source_error(from.place(text[first].offset),
-                               "these bytes are no characters of the code set",
+                               "these bytes are not characters of the code set",
                                "write the characters as <Uxxxx>");
         out += bytes;
         --i;

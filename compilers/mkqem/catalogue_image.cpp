@@ -28,10 +28,10 @@ int64_t big_endian(std::string_view bytes, size_t at, size_t count) {
 }
 
 [[noreturn]] void refuse(const std::string &why) {
-    throw compiler_failure("no sound catalogue: " + why);
+    throw compiler_failure("not a sound catalogue: " + why);
 }
 
-// A text as it stands between quotes; bytes outside ASCII by their octal numbers.
+// A text as it is written between quotes; bytes outside ASCII by their octal numbers.
 std::string escaped(std::string_view text) {
     constexpr std::string_view bytes = "\n\t\v\b\r\f\\\"";
     constexpr std::string_view letters = "ntvbrf\\\"";
@@ -70,8 +70,8 @@ std::string encode_catalogue(const catalogue_texts &texts) {
             4);
         stored += text;
     }
-    const size_t behind_index = (std::min<size_t>(count, message_window) - 1) * record_size;
-    stored.resize(std::max(stored.size(), behind_index), '\0');
+    const size_t least_texts = (std::min<size_t>(count, message_window) - 1) * record_size;
+    stored.resize(std::max(stored.size(), least_texts), '\0');
     return index + stored;
 }
 
@@ -96,7 +96,7 @@ catalogue_texts decode_catalogue(std::string_view bytes) {
             refuse("the text of message " + std::to_string(number) +
                    " is empty or reaches beyond the file");
         if (!texts.empty() && number <= texts.rbegin()->first)
-            refuse("message " + std::to_string(number) + " stands out of order");
+            refuse("message " + std::to_string(number) + " is out of order");
         texts.emplace(number,
                       bytes.substr(static_cast<size_t>(offset), static_cast<size_t>(length)));
     }

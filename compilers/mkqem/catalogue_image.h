@@ -13,11 +13,11 @@ namespace kestrion {
 using catalogue_texts = std::map<int32_t, std::string>;
 
 // At least one text. Short records when all numbers fit 16 bits, else long ones; texts back to back
-// in the order of their numbers, and zero bytes behind them until a lookup's last window lies
+// in the order of their numbers, followed by zero bytes until a lookup's last window lies
 // inside the file.
 std::string encode_catalogue(const catalogue_texts &texts);
 
-// Throws compiler_failure for what is no sound catalogue: a wrong magic, no message, an index or a
+// Throws compiler_failure for a catalogue that is not sound: a wrong magic, no message, an index or a
 // text outside the file, numbers that do not ascend.
 catalogue_texts decode_catalogue(std::string_view bytes);
 

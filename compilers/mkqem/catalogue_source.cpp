@@ -95,12 +95,12 @@ private:
             parse_set();
         else
             error({line_number_, 1}, "unknown directive " + std::string(words[0]),
-                  "directives are $quote, $args and $set; a comment has a blank behind the $");
+                  "directives are $quote, $args and $set; a comment has a blank after the $");
     }
 
     void parse_quote(const std::vector<std::string_view> &words) {
         if (words.size() > 2 || (words.size() == 2 && (words[1].size() > 1 || words[1] == "\\")))
-            error({line_number_, 8}, "$quote takes one character",
+            error({line_number_, 8}, "expected one character after $quote",
                   "write $quote and one character, or $quote alone to end quoting");
         else
             quote_ = words.size() == 2 ? words[1][0] : '\0';
@@ -121,12 +121,13 @@ private:
         const source_position where = {line_number_, at + 1};
         int64_t number = 0;
         if (words.size() < 2 || !read_number(words[1], number) || !std::in_range<int32_t>(number)) {
-            error(where, "$args takes a message number", "write $args, the number and the kinds");
+            error(where, "expected a message number after $args",
+                  "write $args, the number and the kinds");
             return;
         }
         const auto declared = parse_signature({words.begin() + 2, words.end()});
         if (!declared)
-            error(where, "the kinds of the arguments are not understood",
+            error(where, "expected kinds of arguments after the number",
                   "write text, number or any for each argument, or unchecked alone");
         else if (!out_.declarations
                       .try_emplace(static_cast<int32_t>(number),
@@ -153,7 +154,7 @@ private:
         else if (const auto [old, is_new] = out_.messages.try_emplace(number, std::move(message));
                  !is_new)
             error(where,
-                  "message " + std::to_string(number) + " stands in line " +
+                  "message " + std::to_string(number) + " is in line " +
                       std::to_string(old->second.where.line) + " already",
                   "give it another number, or take one of the two out");
     }
@@ -163,7 +164,7 @@ private:
         int64_t wide = 0;
         if (!read_number(line_.substr(0, end), wide))
             return error(
-                here(), "a message begins with its number",
+                here(), "expected a message number at the start of the line",
                 "write a number and a blank; to continue the text above, end its line in a backslash");
         if (!std::in_range<int32_t>(wide))
             return error(here(), "the number does not fit 32 bits",
@@ -198,7 +199,7 @@ private:
         ++column_;
         const size_t at = line_.find_first_not_of(" \t", column_);
         return at == std::string_view::npos ||
-               error({line_number_, at + 1}, "something follows the closing quote",
+               error({line_number_, at + 1}, "unexpected text after the closing quote",
                      "put a backslash before a quote inside the text");
     }
 
@@ -230,7 +231,7 @@ private:
         } else if (code <= 0xFF) {
             add(message, here(), static_cast<char>(code));
         } else {
-            said_.loss(out_.file, here(), "8859-1 does not have the character; '?' stands in",
+            said_.loss(out_.file, here(), "8859-1 does not have this character; '?' replaces it",
                        "write it in other characters");
             add(message, here(), '?');
         }
@@ -253,13 +254,13 @@ private:
                 return true;
             }
         if (c != quote_)
-            said_.warning(out_.file, where, "the backslash stands before no escape and is dropped",
+            said_.warning(out_.file, where, "the backslash does not begin an escape and is dropped",
                           "write \\\\ for a backslash");
         --column_;
         return c == '\\' || read_plain(message);
     }
 
-    // The byte behind a dropped backslash.
+    // The byte after a dropped backslash.
     bool read_plain(source_message &message) {
         if (is_high(line_[column_]) && target_ != code_set::as_it_is)
             return read_character(message);
@@ -272,8 +273,8 @@ private:
         for (int digits = 0; digits < 3 && !at_end() && is_octal(line_[column_]); ++digits)
             value = value * 8 + static_cast<unsigned>(line_[column_++] - '0');
         if (value == 0 || value > 255)
-            return error(where, "the octal number is no byte that a text can hold",
-                         "numbers go from \\1 to \\377");
+            return error(where, "expected an octal number from 1 to 377",
+                         "write it as \\1 to \\377");
         add(message, where, static_cast<char>(value));
         return true;
     }
@@ -340,7 +341,7 @@ void check_translation(const catalogue_source &source, const catalogue_source &e
     for (const auto &[number, message] : english.messages)
         if (!source.messages.contains(number))
             said.loss(source.file, {}, "message " + std::to_string(number) + " has no translation",
-                      "translate it; the English text stands in until then");
+                      "translate it; the English text is used until then");
     check_texts(source, english, said);
 }
 

@@ -7,8 +7,8 @@
 //     1202 Press RETURN to continue.
 //
 // A message is its number, one blank, and its text up to the end of the line. A backslash at the
-// end of a line continues it; \n \t \v \b \r \f \\ and \ddd (octal) stand for bytes. With a quote
-// character set by $quote, a text may stand in quotes. docs/formats/message-catalogue.md holds the
+// end of a line continues it; \n \t \v \b \r \f \\ and \ddd (octal) are bytes. With a quote
+// character set by $quote, a text may be in quotes. docs/formats/message-catalogue.md holds the
 // grammar.
 
 #pragma once
@@ -27,7 +27,7 @@ namespace kestrion {
 struct source_message {
     source_position where; // of its number
     std::string text;
-    std::vector<source_position> places; // where each byte of the text stands, and its end
+    std::vector<source_position> places; // of each byte of the text in the source, and of its end
 };
 
 struct declared_arguments {

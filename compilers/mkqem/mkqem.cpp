@@ -62,8 +62,8 @@ std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
     const catalogue_texts again = texts_of_listing(listing);
     for (const auto &[number, text] : texts)
         if (const auto found = again.find(number); found == again.end() || found->second != text)
-            said.loss(catalogue, {}, "no source can hold message " + std::to_string(number),
-                      "write its text anew; a text has no null byte, and one line feed behind it");
+            said.loss(catalogue, {}, "a source cannot hold message " + std::to_string(number),
+                      "write its text anew; a text has no null byte and ends in one line feed");
     if (again == texts && encode_catalogue(texts) != catalogue.text())
         said.warning(catalogue, {}, "mkqem did not lay this catalogue out",
                      "the listing compiles to the same messages, not to the same bytes");

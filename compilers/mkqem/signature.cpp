@@ -10,8 +10,8 @@ constexpr unsigned long number_limit = 1000; // of width and precision, as the p
 
 struct directive {
     size_t offset;   // of its percent sign
-    size_t end;      // behind it
-    char conversion; // % s d u x c; 0 for one that would print as it stands
+    size_t end;      // after it
+    char conversion; // % s d u x c; 0 for one that would be printed as it is
 };
 
 size_t skip_digits(std::string_view text, size_t at, bool &in_range) {
@@ -99,7 +99,7 @@ std::optional<misfit> find_misfit(std::string_view text, const signature &declar
             continue;
         if (found.conversion == '\0')
             return misfit{found.offset,
-                          "'" + shown + "' is no directive and would print as it stands",
+                          "'" + shown + "' is not a directive and would be printed as it is",
                           "write %% for a percent sign; directives are %s %d %ld %u %x %c"};
         if (taken == declared.arguments.size())
             return misfit{found.offset,

@@ -1,9 +1,8 @@
 // Which arguments a message takes, and whether a text fits them.
 //
-// A program hands each message a fixed list of arguments. The English source declares that list
-// once
-// ("$args -84404 text"); every text of the number, in any language, must take exactly these, in
-// this order. The directives are those of base/print_as_format.h: %% and, with flags, width and
+// A program passes each message a fixed list of arguments. The English source declares that list
+// once ("$args -84404 text"); every text of the number, in any language, must take exactly these,
+// in this order. The directives are those of base/print_as_format.h: %% and, with flags, width and
 // precision, %s %d %ld %u %x %c.
 //
 //     $args kind   the text may use
@@ -38,7 +37,7 @@ struct misfit {
     std::string remedy;
 };
 
-// Reads the words behind the number of a $args line. Nothing for words that are no list of kinds.
+// Reads the words after the number of a $args line. Nothing for words that are not a list of kinds.
 std::optional<signature> parse_signature(const std::vector<std::string_view> &words);
 
 // The words for it, "none" for no arguments.

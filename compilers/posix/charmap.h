@@ -49,7 +49,7 @@ public:
     const charmap_row *find(uint32_t code_point) const;
     // The same for any symbolic name, without its angle brackets.
     const charmap_row *find_name(std::string_view name) const;
-    // The row, of either way, that bytes are read as; null when they are no character.
+    // The row, two-way or one-way, that bytes are read as; null when they are not a character.
     const charmap_row *find_bytes(const code_sequence &wanted) const;
 
     const source_file &source() const { return source_; }

@@ -32,7 +32,7 @@ std::unique_ptr<source_file> read_if_there(const std::string &path) {
         got = gzread(file.get(), text.data() + length, read_step);
         int number = Z_OK;
         const char *reason = gzerror(file.get(), &number);
-        // A compressed file that breaks off reads as a short one; only its end tells the truth.
+        // A compressed file that is cut reads as a short one; only at its end does zlib notice.
         if (got < 0 || number == Z_BUF_ERROR)
             throw compiler_failure(number == Z_ERRNO ? path + ": " + strerror(errno)
                                                      : damage_text(path, reason));
@@ -49,8 +49,8 @@ source_position source_place::position() const {
     if (file == nullptr)
         return {};
     // What is missing at the end of a file is missing at the end of its last line.
-    bool behind_last_line = offset == file->text().size() && file->text().ends_with('\n');
-    return file->position(behind_last_line ? offset - 1 : offset);
+    bool after_last_line = offset == file->text().size() && file->text().ends_with('\n');
+    return file->position(after_last_line ? offset - 1 : offset);
 }
 
 std::unique_ptr<source_file> find_source_file(const std::string &name,

@@ -3,7 +3,7 @@
 namespace kestrion {
 namespace {
 
-// The characters of a token; false when one of them is no code point.
+// The characters of a token; false when one of them is not a code point.
 bool code_points(const locale_source &source, const source_token &token, std::u32string &found) {
     found.clear();
     if (token.code_point != no_code_point) {

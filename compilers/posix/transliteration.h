@@ -1,13 +1,13 @@
 // What to write for a character that a code set lacks: the transliterations of a locale source.
 //
-// They stand in LC_CTYPE between translit_start and translit_end, a character and its substitutes
+// LC_CTYPE has them between translit_start and translit_end, a character and its substitutes
 // in order of preference, and come from included sources too:
 //
 //     include "translit_combining";""
 //     <U00E4> "<U00E4>";"ae"
 //
 // A locale's own lines go before those that it copies or includes. Lines for several characters
-// together are passed over.
+// together are ignored.
 #pragma once
 
 #include "compilers/posix/source_library.h"

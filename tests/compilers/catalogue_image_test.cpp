@@ -44,7 +44,7 @@ TEST(CatalogueImage, BytesAreThoseOfTheFormatsPage) {
     ASSERT_EQ(source.messages.size(), 2U);
     EXPECT_EQ(source.messages.at(-84400).text + "\n", texts.at(-84400));
 
-    // Its sister with short records, worked by hand; a window behind record 2 needs no filling.
+    // Its sister with short records, worked by hand; a window after record 2 needs no filling.
     EXPECT_EQ(encode_catalogue({{-2, "No.\n"}, {1204, "Yes.\n"}}),
               bytes_of_hex("FE68 0002 FFFE 0004 00000014 04B4 0005 00000018 4E6F2E0A 5965732E0A"));
 }

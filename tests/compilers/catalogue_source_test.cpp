@@ -37,14 +37,14 @@ TEST(CatalogueSource, TextsAreReadAsWritten) {
     } rows[] = {
         {"1 text", 1, "text"},
         {"1\ttext\n", 1, "text"},
-        {"1  two blanks in front, one behind ", 1, " two blanks in front, one behind "},
+        {"1  two blanks before, one after ", 1, " two blanks before, one after "},
         {"-84400 text", -84400, "text"},
         {"-2147483648 least\n2147483647 most\n", INT32_MIN, "least"},
         {"1 a\\tb\\n\\v\\b\\r\\f\\\\", 1, "a\tb\n\v\b\r\f\\"},
         {"1 \\101\\0602\\7x", 1, "A02\ax"}, // at most three octal digits
         {"1 one \\\n  line\\\n\n", 1, "one   line"},
         {"$quote \"\n1 \"a \\\"b\\\" \" \n", 1, "a \"b\" "},
-        {"$quote x\n1 xaxx\n$quote\n", 0, nullptr}, // something behind the closing quote
+        {"$quote x\n1 xaxx\n$quote\n", 0, nullptr}, // something after the closing quote
         {"$quote '\n1 don't\n", 1, "don't"},        // a quote inside is an ordinary character
         {"$quote '\n$quote\n1 'a'\n", 1, "'a'"},
         {"$ comment\n$\n\n  \n$set 1\n1 text\n", 1, "text"},
@@ -63,7 +63,7 @@ TEST(CatalogueSource, TextsAreReadAsWritten) {
     }
 }
 
-TEST(CatalogueSource, EachCauseIsToldOnceAndWhereItIs) {
+TEST(CatalogueSource, EachCauseIsReportedOnceAndWhereItIs) {
     const std::string long_text(32767, 'x');
     const struct {
         std::string text;
@@ -71,36 +71,37 @@ TEST(CatalogueSource, EachCauseIsToldOnceAndWhereItIs) {
     } rows[] = {
         {"", "f: error: the source holds no message"},
         {"$ only a comment\n", "f: error: the source holds no message"},
-        {"text\n", "f:1:1: error: a message begins with its number"},
-        {"1x text\n", "f:1:1: error: a message begins with its number"},
-        {"+1 text\n", "f:1:1: error: a message begins"},
-        {" 1 text\n", "f:1:1: error: a message begins"},
-        {"- text\n", "f:1:1: error: a message begins"},
+        {"text\n", "f:1:1: error: expected a message number"},
+        {"1x text\n", "f:1:1: error: expected a message number"},
+        {"+1 text\n", "f:1:1: error: expected a message number"},
+        {" 1 text\n", "f:1:1: error: expected a message number"},
+        {"- text\n", "f:1:1: error: expected a message number"},
         {"2147483648 text\n", "f:1:1: error: the number does not fit 32 bits"},
-        {"99999999999999999999 text\n", "f:1:1: error: a message begins"},
+        {"99999999999999999999 text\n", "f:1:1: error: expected a message number"},
         {"1\n2 x\n", "f:1:2: error: message 1 has no text"},
         {"1 \n2 x\n", "f:1:3: error: message 1 has no text"},
         {"$quote \"\n1 \"\"\n2 x\n", "f:2:5: error: message 1 has no text"},
-        {"1 a\n2 b\n1 c\n", "f:3:1: error: message 1 stands in line 1 already"},
+        {"1 a\n2 b\n1 c\n", "f:3:1: error: message 1 is in line 1 already"},
         {"1 " + long_text, "f:1:1: error: the text is longer than 32766 bytes"},
-        {"1 a\\0 b\\\n not a message \\\n nor this\n2 x\n", "f:1:4: error: the octal number"},
-        {"1 \\400\n2 x\n", "f:1:3: error: the octal number"},
+        {"1 a\\0 b\\\n not a message \\\n nor this\n2 x\n",
+         "f:1:4: error: expected an octal number"},
+        {"1 \\400\n2 x\n", "f:1:3: error: expected an octal number"},
         {"1 a\\\n", "f:1:4: error: the last line is continued"},
         {"$quote \"\n1 \"open\n2 x\n", "f:2:3: error: the quoted text does not end"},
-        {"$quote ab\n1 x\n", "f:1:8: error: $quote takes one character"},
+        {"$quote ab\n1 x\n", "f:1:8: error: expected one character after $quote"},
         {"$set 1\n$set 2\n1 x\n", "f:2:1: error: a catalogue holds one set"},
         {"$delset 1\n1 x\n", "f:1:1: error: unknown directive $delset"},
         {"$comment\n1 x\n", "f:1:1: error: unknown directive $comment"},
         {"1 a\r\n2 b\r\n", "f:1:4: error: the line ends in carriage return"},
         {std::string("1 a\0b\n", 6), "f:1:4: error: the file holds a null byte"},
-        {"$args\n1 x\n", "f:1:6: error: $args takes a message number"},
-        {"$args x text\n1 x\n", "f:1:7: error: $args takes a message number"},
-        {"$args 1\n1 x\n", "f:1:7: error: the kinds"},
-        {"$args 1 word\n1 x\n", "f:1:7: error: the kinds"},
-        {"$args 1 text unchecked\n1 x\n", "f:1:7: error: the kinds"},
+        {"$args\n1 x\n", "f:1:6: error: expected a message number after $args"},
+        {"$args x text\n1 x\n", "f:1:7: error: expected a message number after $args"},
+        {"$args 1\n1 x\n", "f:1:7: error: expected kinds"},
+        {"$args 1 word\n1 x\n", "f:1:7: error: expected kinds"},
+        {"$args 1 text unchecked\n1 x\n", "f:1:7: error: expected kinds"},
         {"$args 1 text\n$args 1 text\n1 %s\n", "f:2:7: error: the arguments are declared a second"},
         {"$args 2 text\n1 x\n", "f:1:7: error: no message has this number"},
-        {"1 a\\\n%d\n", "f:2:1: error: '%d' has no argument"}, // the place behind a continuation
+        {"1 a\\\n%d\n", "f:2:1: error: '%d' has no argument"}, // the place after a continuation
         {"1 \\101%%%d\n", "f:1:9: error: '%d' has no argument"},
     };
     for (const auto &row : rows) {
@@ -160,13 +161,13 @@ TEST(CatalogueSource, TextsFitTheirSignatures) {
         {"text number", "%d %s", "'%d' does not fit argument 1"},
         {"text", "%s %s", "'%s' has no argument; the message takes text"},
         {"text number", "%s", "the text does not show argument 2; the message takes text number"},
-        {"text", "%n", "'%n' is no directive"},
-        {"text", "%*s", "'%*' is no directive"},
-        {"number", "%lu", "'%l' is no directive"},
-        {"text", "%1$s", "'%1$' is no directive"},
-        {"text", "%1000s", "'%1000s' is no directive"},
-        {"text", "%s%", "'%' is no directive"},
-        {"text", "%s 5 % ", "'% ' is no directive"},
+        {"text", "%n", "'%n' is not a directive"},
+        {"text", "%*s", "'%*' is not a directive"},
+        {"number", "%lu", "'%l' is not a directive"},
+        {"text", "%1$s", "'%1$' is not a directive"},
+        {"text", "%1000s", "'%1000s' is not a directive"},
+        {"text", "%s%", "'%' is not a directive"},
+        {"text", "%s 5 % ", "'% ' is not a directive"},
     };
     for (const auto &row : rows) {
         const parsed result = parse(std::string("$args 1 ") + row.words + "\n1 " + row.text + "\n");

@@ -55,7 +55,7 @@ TEST(Charmap, WidthRangesRunInTheOrderOfTheBytes) {
     EXPECT_EQ(map.rows.back().width, 2) << "a one-way row is as wide as its character";
 }
 
-TEST(Charmap, FaultsAreToldWithTheirPlace) {
+TEST(Charmap, FaultsAreReportedWithTheirPlace) {
     struct {
         std::string text;
         size_t line, column;
@@ -95,7 +95,7 @@ TEST(Charmap, FaultsAreToldWithTheirPlace) {
     }
 }
 
-TEST(Charmap, FilesThatCannotBeReadAreToldByName) {
+TEST(Charmap, FilesThatCannotBeReadAreReportedByName) {
     std::filesystem::path directory = testing::TempDir() + "charmap_test";
     std::filesystem::create_directories(directory);
     std::string whole(std::istreambuf_iterator<char>(

@@ -15,7 +15,7 @@ source_file file_of(const std::string &body) {
     return {"test", "comment_char %\nescape_char /\nLC_X\n" + body + "END LC_X\n"};
 }
 
-// The tokens of all statements, one letter for the kind and the text; " | " behind each statement.
+// The tokens of all statements, one letter for the kind and the text; " | " after each statement.
 std::string tokens_of(const source_file &file) {
     locale_source source(file);
     const char letters[] = "wybsne;,()";
@@ -79,7 +79,7 @@ TEST(LocaleSource, TextsComeCharacterByCharacter) {
     EXPECT_EQ(found, "u65u233u34u47u233[eacute]b255b255u101");
 }
 
-TEST(LocaleSource, FaultsAreToldWithTheirPlace) {
+TEST(LocaleSource, FaultsAreReportedWithTheirPlace) {
     struct {
         const char *text;
         size_t line, column;
@@ -113,7 +113,7 @@ TEST(LocaleSource, CopiesAreFollowedAndCannotGoInCircles) {
         std::ofstream(directory / name) << "LC_T\n" << body << "END LC_T\n";
     };
     write("base", "one 1\n");
-    write("middle", "before 0\ncopy \"base\"\nbehind 2\n");
+    write("middle", "before 0\ncopy \"base\"\nafter 2\n");
     write("top", "copy \"middle\"\nlast 3\n");
     write("self", "copy \"other\"\n");
     write("other", "copy \"self\"\n");
@@ -124,7 +124,7 @@ TEST(LocaleSource, CopiesAreFollowedAndCannotGoInCircles) {
         seen += std::string(statement.keyword()) + " " +
                 statement.source->file().name().substr(directory.string().size()) + ";";
     });
-    EXPECT_EQ(seen, "before /middle;one /base;behind /middle;last /top;");
+    EXPECT_EQ(seen, "before /middle;one /base;after /middle;last /top;");
     for (const char *name : {"self", "lost"})
         EXPECT_THROW(
             library.for_each_statement(library.open(name), "LC_T", [](const source_statement &) {}),

@@ -30,7 +30,7 @@ const struct {
 #undef PW_ROW
 };
 
-// The kinds of argument that stand behind `slot` in the calls of the command's sources: "none" for
+// The kinds of argument that follow `slot` in the calls of the command's sources: "none" for
 // nullptr, "number" for &number, "text" for whatever else names a path.
 std::set<std::string> uses_of(const std::string &slot, const std::string &sources) {
     std::set<std::string> kinds;

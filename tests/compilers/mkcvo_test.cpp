@@ -142,7 +142,7 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
     }
 }
 
-// The head tells what was read, and not by which path.
+// The head says what was read, and not by which path.
 TEST_F(Mkcvo, TheSameSourcesGiveTheSameBytes) {
     const std::string here = fs::current_path().string();
     const std::string first = object({"-tloc", "-L.", "./from", "./to"});

@@ -11,7 +11,7 @@ namespace {
 
 outcome mklco(std::vector<std::string> words) { return run_command(mklco_main, std::move(words)); }
 
-// What stands in a text behind `marker` and in front of `end`.
+// What is in a text between `marker` and `end`.
 std::string between(const std::string &text, const std::string &marker, const std::string &end) {
     size_t from = text.find(marker);
     if (from == std::string::npos)
@@ -250,7 +250,7 @@ TEST_F(Mklco, CaseTablesHoldWhatIsNotOneToOne) {
     EXPECT_EQ(between(list, "growth ", "\n"), "2") << "i has one byte, its upper case two";
 }
 
-TEST_F(Mklco, FaultsAreToldWithTheirPlaceAndNothingIsWritten) {
+TEST_F(Mklco, FaultsAreReportedWithTheirPlaceAndNothingIsWritten) {
     const struct {
         const char *numeric, *monetary, *time, *place;
     } rows[] = {
@@ -388,7 +388,7 @@ TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
     mklco({"--list", "-olist", "new.lco"});
     const std::string list = content("list");
     const struct {
-        const char *line, *place; // put behind the first line
+        const char *line, *place; // put after the first line
     } rows[] = {
         {"colour red", ":2:1: error"},
         {"class 41..3f upper", ":2:7: error"},

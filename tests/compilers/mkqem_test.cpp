@@ -29,7 +29,7 @@ TEST_F(Mkqem, ExitStatusTellsWhetherAFileWasWritten) {
         int status;
     } rows[] = {
         {{"-o", "old.qem", "en.msg"}, 0},
-        {{"en.msg", "--output=old.qem"}, 0}, // options may stand behind the source
+        {{"en.msg", "--output=old.qem"}, 0}, // options may follow the source
         {{"-o", "old.qem", "-r", "en.msg", "en.msg", "-c", "utf-8"}, 4}, // $args in a translation
         {{"-o", "old.qem", "-r", "en.msg", "part.msg"}, 1},
         {{"-o", "old.qem", "-r", "en.msg", "part.msg", "--werror=loss"}, 4},
@@ -100,5 +100,5 @@ TEST_F(Mkqem, ListingCompilesToTheSameBytes) {
     bytes[bytes.find("one\n") + 3] = '!';
     std::ofstream("x.qem") << bytes;
     mkqem({"--list", "-o", "list.msg", "--losses", "lost", "x.qem"});
-    EXPECT_EQ(content("lost"), "x.qem: no source can hold message 1\n");
+    EXPECT_EQ(content("lost"), "x.qem: a source cannot hold message 1\n");
 }

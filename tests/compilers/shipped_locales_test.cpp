@@ -61,7 +61,7 @@ constexpr struct {
     int64_t engine, library;
     const char *reason;
 } justified_differences[] = {
-    {"width", 1, 0, "an object tells characters of two columns from all others"},
+    {"width", 1, 0, "an object marks characters of two columns alone"},
 };
 
 class ShippedLocale : public testing::TestWithParam<shipped_locale> {
