@@ -1,5 +1,6 @@
 #include <kestrion/cached_names.h>
 
+#include "base/owned_text.h"
 #include <kestrion/char_case.h>
 #include <kestrion/char_class.h>
 #include <kestrion/char_convert.h>
@@ -53,14 +54,19 @@ int lower_in_place(locale_rec *lc, char *text, gl_wchar *wide, size_t room) {
                   : gl_full_wcstombs(lc, text, wide, bytes);
 }
 
-// Lower-cases what the engine handed out, caches it and gives it back. A locale without such names
-// is as good as any.
+// Caches what the engine handed out in lower case, and releases it. A locale without such names is
+// as good as any.
 void cache_names(gls_name_list **list, char **names, int32_t count) {
-    for (int32_t i = 0; i < count; ++i)
-        downcase_gls_string(&names[i]);
-    cache_locale_string(list, names, count);
-    for (int32_t i = 0; i < count; ++i)
-        cl_ext_free(names[i]);
+    auto **lower = static_cast<char **>(calloc(static_cast<size_t>(count) + 1, sizeof(char *)));
+    int32_t made = 0;
+    while (lower != nullptr && made < count &&
+           (lower[made] = kestrion::copied_text(names[made], cl_ext_malloc)) != nullptr)
+        downcase_gls_string(&lower[made++]);
+    if (made == count)
+        cache_locale_string(list, lower, count);
+    while (made > 0)
+        cl_ext_free(lower[--made]);
+    free(lower);
     cl_ext_free(names);
 }
 

@@ -1,12 +1,11 @@
 #include <kestrion/time_names.h>
 
-#include <kestrion/ext_funcs.h>
-
 #include <string.h>
 
 namespace {
 
-// Copies `count` texts; text(i) may be null, which becomes the empty text.
+// Copies `count` texts; text(i) may be null, which becomes the empty text. All lie in one block:
+// the caller gave no function to release the others when one allocation fails.
 template <typename Text>
 int32_t copy_names(int32_t count, Text text, gl_names_alloc alloc, char ***texts,
                    int32_t *count_out) {
@@ -15,20 +14,17 @@ int32_t copy_names(int32_t count, Text text, gl_names_alloc alloc, char ***texts
     if (count <= 0)
         return 0;
     const auto names = static_cast<size_t>(count);
-    auto **copies = static_cast<char **>(alloc(names * sizeof(char *)));
+    const auto name = [&](size_t i) { return text(i) != nullptr ? text(i) : ""; };
+    size_t bytes = names * sizeof(char *);
+    for (size_t i = 0; i < names; ++i)
+        bytes += strlen(name(i)) + 1;
+    auto **copies = static_cast<char **>(alloc(bytes));
     if (copies == nullptr)
         return -1;
+    char *at = reinterpret_cast<char *>(copies + names);
     for (size_t i = 0; i < names; ++i) {
-        const char *name = text(i) != nullptr ? text(i) : "";
-        const size_t bytes = strlen(name) + 1;
-        copies[i] = static_cast<char *>(alloc(bytes));
-        if (copies[i] == nullptr) {
-            while (i > 0)
-                _gl_ext_free(copies[--i]);
-            _gl_ext_free(copies);
-            return -1;
-        }
-        memcpy(copies[i], name, bytes);
+        copies[i] = at;
+        at = stpcpy(at, name(i)) + 1;
     }
     *texts = copies;
     *count_out = count;

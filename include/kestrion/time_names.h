@@ -24,9 +24,9 @@ extern "C" {
 // Stores in *texts an array of *count new texts in the locale's code set: month names for
 // GL_NAMES_MON and GL_NAMES_ABMON (gl_mbstimeinfo_ext), era names for the other two
 // (gl_mbstimeinfo).
-// alloc   makes the array and each text; all of them belong to the caller.
+// alloc   is called once, for a block that holds array and texts and belongs to the caller.
 // Returns 0, with *texts null when the locale has no such names; -1 for another kind, a null locale
-//         (nothing stored) or no memory, with nothing left allocated.
+//         (nothing stored) or no memory.
 int32_t gl_mbstimeinfo_ext(const locale_rec *lc, int32_t kind, gl_names_alloc alloc, char ***texts,
                            int32_t *count);
 int32_t gl_mbstimeinfo(const locale_rec *lc, int32_t kind, gl_names_alloc alloc, char ***texts,

@@ -9,6 +9,7 @@
 #include <kestrion/gls_errors.h>
 #include <kestrion/langinfo.h>
 #include <kestrion/plug_in.h>
+#include <kestrion/time_names.h>
 
 using namespace kestrion;
 
@@ -197,6 +198,41 @@ TEST_F(Categories, WholeLocalesLoadBySpecifierOrFileName) {
     gl_lc_unload(&loc_nomem);
     EXPECT_EQ(gl_useglu(2), 0);
     EXPECT_EQ(glu_capable, 0);
+}
+
+// An allocator of the caller's whose blocks the engine could not release.
+struct name_arena {
+    alignas(std::max_align_t) static inline char bytes[4096];
+    static inline size_t used, left_to_give;
+    static void *take(size_t size) {
+        if (left_to_give == 0)
+            return nullptr;
+        --left_to_give;
+        char *const block = bytes + used;
+        used += (size + 15) / 16 * 16;
+        return block;
+    }
+};
+
+TEST_F(Categories, NamesOfTheCalendarComeInOneBlockOfTheCallers) {
+    ASSERT_EQ(set(GL_CAT_ALL, "latin.lco"), all("latin.lco"));
+    const struct {
+        decltype(&gl_mbstimeinfo) names_of;
+        int32_t kind, count;
+        const char *first, *last;
+    } rows[] = {{gl_mbstimeinfo_ext, GL_NAMES_ABMON, 12, "Jan", "Dec"},
+                {gl_mbstimeinfo, GL_NAMES_ERA_SECOND, 2, "N", "O"}};
+    for (const auto &row : rows) {
+        char **names = nullptr;
+        int32_t count = 0;
+        name_arena::left_to_give = 1;
+        ASSERT_EQ(row.names_of(lc, row.kind, name_arena::take, &names, &count), 0);
+        ASSERT_EQ(count, row.count);
+        EXPECT_STREQ(names[0], row.first);
+        EXPECT_STREQ(names[count - 1], row.last);
+        EXPECT_EQ(row.names_of(lc, row.kind, name_arena::take, &names, &count), -1);
+        EXPECT_EQ(names, nullptr);
+    }
 }
 
 // Without a directory the search applies: GL_PATH alone when it is set.
