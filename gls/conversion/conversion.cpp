@@ -54,6 +54,14 @@ FILE *open_object(cv_rec *cv, const char *name, const char *dir) {
                           : gl_path_search(cv, name, cvo_directory, cvo_directory_version);
 }
 
+// Reads an object into a cleared record. The reader closes only what it takes.
+int32_t load_object(cv_rec *cv, FILE *file) {
+    const int32_t result = read_cv_file(cv, file);
+    if (result != 0 && file != nullptr)
+        _gl_ext_fclose(file);
+    return result;
+}
+
 } // namespace
 
 constinit cv_rec cd_enomem = {.cv_err = GLS_ERR_NO_MEMORY};
@@ -78,7 +86,7 @@ int32_t gl_cv_load(cv_rec **out, const char *to, const char *from, const char *r
     gl_cs_nums2cv_fname(nullptr, from_number, to_number, name, dir);
     cv_rec *cv = new_record();
     *out = cv != nullptr ? cv : &cd_enomem;
-    const int32_t result = cv != nullptr ? read_cv_file(cv, open_object(cv, name, dir)) : -1;
+    const int32_t result = cv != nullptr ? load_object(cv, open_object(cv, name, dir)) : -1;
     _gl_ext_free(name);
     return result == 0 ? 1 : -1;
 }
@@ -109,7 +117,7 @@ int32_t gl_iconv_open1(cv_rec **out, const char *file_name) {
     if (cv == nullptr)
         return no_record(out, &cd_enomem);
     *out = cv;
-    return read_cv_file(cv, file_name != nullptr ? open_object(cv, file_name, nullptr) : nullptr);
+    return load_object(cv, file_name != nullptr ? open_object(cv, file_name, nullptr) : nullptr);
 }
 
 int32_t gl_cv_unload(cv_rec *cv) {

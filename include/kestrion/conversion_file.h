@@ -25,11 +25,11 @@
 extern "C" {
 #endif
 
-// Reads an object into a cleared record and chooses its routines. Closes the file on success only;
-// on failure the tables made so far stay in the record for gl_cv_unload. Returns 0, or -1 with
-// GLS_ERR_FILE (no file, not this kind of object, a bad head), GLS_ERR_NO_MEMORY, or the error of a
-// refused table; a number without its line end and a target_max outside 1 to 4 leave the word
-// alone.
+// Reads an object into a cleared record and chooses its routines. Closes the file on success only
+// (the operations that open an object close a refused one); on failure the tables made so far stay
+// in the record for gl_cv_unload. Returns 0, or -1 with GLS_ERR_FILE (no file, not this kind of
+// object, a bad head), GLS_ERR_NO_MEMORY, or the error of a refused table; a number without its
+// line end and a target_max outside 1 to 4 leave the word alone.
 int32_t read_cv_file(cv_rec *cv, FILE *file);
 
 // Datum reader of both tables. Refuses a count above the datum's room, and the end of the file.

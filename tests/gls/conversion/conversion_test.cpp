@@ -8,6 +8,7 @@
 
 #include <fstream>
 #include <stdlib.h>
+#include <unistd.h>
 
 namespace {
 
@@ -391,7 +392,26 @@ TEST(Conversion, OpensAnswerWithARecordAStandInOrNothing) {
     gl_cv_unload(cv);
 }
 
-TEST(Conversion, WithoutMemoryTheStandInTellsIt) {
+TEST(Conversion, ARefusedObjectLeavesNoFileOpen) {
+    const temp_dir site;
+    site.write("0333e01c.cvo", "FILE_TYPE=locale\n");
+    setenv("GL_PATH", (site.path() + ":" KESTRION_SOURCE_DIR "/locales").c_str(), 1);
+    const auto next_descriptor = [] {
+        const int fd = dup(STDERR_FILENO);
+        close(fd);
+        return fd;
+    };
+    const int before = next_descriptor();
+    cv_rec *cv = nullptr;
+    EXPECT_EQ(gl_cv_load(&cv, "de_DE.utf8", "de_DE.819", nullptr, site.path().c_str()), -1);
+    EXPECT_EQ(cv->cv_err, GLS_ERR_FILE);
+    gl_cv_unload(cv);
+    EXPECT_EQ(gl_iconv_open1(&cv, "0333e01c.cvo"), -1);
+    gl_cv_unload(cv);
+    EXPECT_EQ(next_descriptor(), before);
+}
+
+TEST(Conversion, WithoutMemoryTheStandInSaysSo) {
     setenv("GL_PATH", KESTRION_SOURCE_DIR "/locales", 1);
     counting_allocator allocator;
     for (int call = 0; call < 2; ++call) {
