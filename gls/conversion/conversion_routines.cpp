@@ -114,14 +114,17 @@ bool may_pass_terminator(const cv_rec *cv) {
 // Both are whole units of the source's shortest character.
 const unsigned char *find_before_terminator(const multi_arr *table, const walk &w, int32_t &used) {
     const int32_t unit = std::clamp<int32_t>(w.cv->source_min_len, 1, gl_char_bytes);
-    int32_t limit = 0;
-    while (limit < gl_char_bytes && !zero_bytes(*w.source + limit, unit))
-        limit += unit;
-    limit = std::max(limit, unit);
-    const void *datum = _gl_retrieve_text_multi_limit(*w.source, table, limit, &used, w.cv);
-    if (datum != nullptr && used % unit != 0)
-        return fail_with_null(w.cv, GLS_ERR_BAD_CHARACTER);
-    return static_cast<const unsigned char *>(datum);
+    const char *const text = *w.source;
+    for (int32_t limit = unit;; limit += unit) {
+        const void *datum = _gl_retrieve_text_multi_limit(text, table, limit, &used, w.cv);
+        if (datum != nullptr && used % unit == 0)
+            return static_cast<const unsigned char *>(datum);
+        const bool cut_off = datum == nullptr && *_gl_ext_errno(w.cv) == GLS_ERR_SPECIFIER;
+        // Only a walk that wants to go on asks what comes next: what follows a terminator is not
+        // ours.
+        if (!cut_off || zero_bytes(text, unit) || zero_bytes(text + limit, unit))
+            return fail_with_null(w.cv, GLS_ERR_BAD_CHARACTER);
+    }
 }
 
 const unsigned char *find_in(const multi_arr *table, const walk &w, int32_t &used) {

@@ -196,10 +196,11 @@ TEST(Conversion, NothingIsReadAfterATerminator) {
         int32_t result, error;
         int64_t used;
     } rows[] = {
-        {"1 2 0 0 1 2", pairs, "\0"s, -1, 7, 0},
-        {"1 2 0 0 1 2", pairs, "ABC\0"s, -1, 7, 2},
+        {"1 2 0 0 1 2", pairs, "\0"s, -1, 1, 0},
+        {"1 2 0 0 1 2", pairs, "ABC\0"s, -1, 1, 2},
         {"1 2 0 0 2 3", pairs, "ABC\0\0\0"s, 0, 0, 6},
-        {"1 2 0 0 2 4", longer, "CD\0\0"s, -1, 7, 0},
+        {"1 2 0 0 2 4", longer, "CD\0\0"s, -1, 1, 0},
+        {"1 2 0 0 3 4", pairs, "AB\0\0\0"s, -1, 1, 0}, // the terminator is not on a unit
         {"1 2 0 0 2 4", longer, "ABCD\0\0"s, -1, 1, 0},
     };
     for (const auto &row : rows) {
