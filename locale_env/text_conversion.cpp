@@ -19,7 +19,7 @@ char *convert(cv_rec *cv, const char *text) {
     if (wanted < 0 || wanted > INT32_MAX - terminator_room)
         return nullptr;
     auto room = static_cast<int32_t>(wanted);
-    auto *block = static_cast<char *>(calloc(1, static_cast<size_t>(room) + terminator_room));
+    auto *block = static_cast<char *>(malloc(static_cast<size_t>(room) + terminator_room));
     if (block == nullptr)
         return nullptr;
     const char *source = text;
@@ -30,6 +30,7 @@ char *convert(cv_rec *cv, const char *text) {
         free(block);
         return nullptr;
     }
+    memset(target, 0, terminator_room); // what follows may hold bytes of the source
     return block;
 }
 
