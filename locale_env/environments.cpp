@@ -152,7 +152,6 @@ void release_loaded(GlsEnv *env) {
         free_locale_string(list);
     free(state.owned_date_fmt);
     state.owned_date_fmt = state.date_fmt = nullptr;
-    gl_free_registry_cache();
     if (state.saved_lc == state.db_lc || state.saved_lc == env->cur_lc)
         state.saved_lc = nullptr; // goes with the object
     if (state.db_lc != nullptr && state.db_lc != env->cur_lc)
@@ -288,6 +287,7 @@ int cdrInitGlsEnv(void) {
 void freegls(void) {
     GlsEnv *env = CheckGlsEnv();
     kestrion::release_loaded(env);
+    gl_free_registry_cache();
     env->state->init_flags = 0;
 }
 

@@ -153,6 +153,43 @@ int32_t read_list(registry_file &file, gls_registry_node **list) {
     }
 }
 
+// Reads the registry into a new list; returns 0 or the error word, with no list.
+int32_t read_registry(void *ctx, const char *regfile, gls_registry_node **list) {
+    *list = nullptr;
+    FILE *const opened = open_registry(ctx, regfile);
+    if (opened == nullptr)
+        return *_gl_ext_errno(ctx);
+    registry_file file(opened);
+    const int32_t error = read_list(file, list);
+    if (error != GLS_OK) {
+        free_list(*list);
+        *list = nullptr;
+    }
+    return error;
+}
+
+bool is_cached() {
+    return gls_registry_list_cache != nullptr || gls_registry_array_cache != nullptr;
+}
+
+// Publishes a list, or the built-in table in the place of one that could not be read.
+void publish(gls_registry_node *list, int32_t error) {
+    gl_free_registry_cache();
+    gls_registry_list_cache = list;
+    gls_registry_array_cache = error == GLS_OK ? nullptr : gls_canned_registry;
+}
+
+// Fills the cache for a look-up, whose error word says how the look-up goes and not this.
+void fill_cache(void *ctx) {
+    int32_t &word = *_gl_ext_errno(ctx);
+    const int32_t word_before = word;
+    gls_registry_node *list;
+    const int32_t error = read_registry(ctx, nullptr, &list);
+    word = word_before;
+    if (error != GLS_ERR_NO_MEMORY)
+        publish(list, error);
+}
+
 // Number of a name, or -1 where the place that was asked does not have it.
 int number_in_cache(std::string_view name) {
     for (const gls_registry_node *node = gls_registry_list_cache; node != nullptr;
@@ -241,22 +278,14 @@ constinit gls_registry_node *gls_registry_list_cache = nullptr;
 constinit const gls_registry_row *gls_registry_array_cache = nullptr;
 
 void gl_cache_registry(void *ctx, const char *regfile) {
-    gl_free_registry_cache();
-    // Whatever goes wrong leaves the system working with the built-in table.
-    gls_registry_array_cache = gls_canned_registry;
-    FILE *const opened = open_registry(ctx, regfile);
-    if (opened == nullptr)
-        return;
-    registry_file file(opened);
-    gls_registry_node *list = nullptr;
-    const int32_t error = read_list(file, &list);
-    if (error != GLS_OK) {
-        free_list(list);
+    gls_registry_node *list;
+    const int32_t error = read_registry(ctx, regfile, &list);
+    if (error != GLS_OK)
         set_engine_error(ctx, error);
-        return;
-    }
-    gls_registry_list_cache = list;
-    gls_registry_array_cache = nullptr;
+    // Whatever goes wrong leaves the system working: with the built-in table, or with the names
+    // that it already had when there is no memory to read them again.
+    if (error != GLS_ERR_NO_MEMORY || gls_registry_list_cache == nullptr)
+        publish(list, error);
 }
 
 void gl_free_registry_cache(void) {
@@ -270,9 +299,11 @@ int gl_cs_name2cs_num(void *ctx, const char *name, const char *regfile) {
     while (name != nullptr && name[wanted.length] != '\0' && wanted.add(name[wanted.length])) {
     }
     int32_t error = GLS_OK;
-    const bool cached = gls_registry_list_cache != nullptr || gls_registry_array_cache != nullptr;
-    int number = cached ? number_in_cache(wanted.view())
-                        : number_in_file(ctx, wanted.view(), regfile, error);
+    // A file that one caller names is not everybody's.
+    if (!is_cached() && (regfile == nullptr || *regfile == '\0'))
+        fill_cache(ctx);
+    int number = is_cached() ? number_in_cache(wanted.view())
+                             : number_in_file(ctx, wanted.view(), regfile, error);
     if (number < 0 && error == GLS_OK) {
         number = decimal_value(wanted.view());
         error = number < 0 ? GLS_ERR_SPECIFIER : GLS_OK;

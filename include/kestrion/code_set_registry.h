@@ -14,7 +14,7 @@
 // so far counts; a bad number discards the file. Where the file is missing or bad, a built-in table
 // serves.
 //
-// The cache is process-wide and nothing locks it.
+// The cache is process-wide and nothing locks it: the first look-up must come before any thread.
 
 #pragma once
 
@@ -51,15 +51,17 @@ extern const gls_registry_row gls_canned_registry[];
 
 // Reads the registry into the cache: from `regfile` when it is given and not empty, else by search.
 // When that fails the built-in table takes its place, with GLS_ERR_NO_REGISTRY (no file),
-// GLS_ERR_MALFORMED (bad file) or GLS_ERR_NO_MEMORY. With a null context the word is `temperr`.
+// GLS_ERR_MALFORMED (bad file) or GLS_ERR_NO_MEMORY, which leaves a list that is there. With a null
+// context the word is `temperr`.
 void gl_cache_registry(void *ctx, const char *regfile);
 // Drops the cache.
 void gl_free_registry_cache(void);
 
 // Returns the number of the code set `name`, of which at most 21 characters count, in any case. A
-// name that the registry lacks may be a decimal number below 65536. Without a cache the file is
-// read from its top. Returns gl_unknown_code_set with GLS_ERR_SPECIFIER (unknown name),
-// GLS_ERR_NO_REGISTRY (no file), GLS_ERR_MALFORMED (bad file) or GLS_ERR_NO_MEMORY.
+// name that the registry lacks may be a decimal number below 65536. Without a cache the look-up
+// fills it; but a `regfile` is read from its top, and so is the file without memory for a cache.
+// Returns gl_unknown_code_set with GLS_ERR_SPECIFIER (unknown name), GLS_ERR_NO_REGISTRY (no file),
+// GLS_ERR_MALFORMED (bad file) or GLS_ERR_NO_MEMORY.
 // Example "Latin-1" -> 819, "819" -> 819.
 int gl_cs_name2cs_num(void *ctx, const char *name, const char *regfile);
 

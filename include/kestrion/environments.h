@@ -45,7 +45,8 @@ int InitGlsEnv(GlsEnv *env);
 // Returns 0, -1 when no request could be built, or the result of CreateGlsEnv.
 int cdrInitGlsEnv(void);
 
-// Empties the current environment: names, date format, registry cache, locales, conversions.
+// Empties the current environment: names, date format, locales, conversions; and drops the cache of
+// code-set names, which all environments share and the next look-up fills again.
 void freegls(void);
 
 // Releases every created environment and empties the default one, which is current afterwards.

@@ -4,6 +4,7 @@
 #include "support/stated_leaks.h"
 #include <kestrion/cached_names.h>
 #include <kestrion/categories.h>
+#include <kestrion/code_set_registry.h>
 #include <kestrion/conversion.h>
 #include <kestrion/date_format.h>
 #include <kestrion/env_registry.h>
@@ -257,6 +258,17 @@ TEST(Startup, ACreatedEnvironmentHasItsOwnLocaleAndIsReused) {
     EXPECT_EQ(FreeAllGlsEnv(), 0);
     EXPECT_EQ(CheckGlsEnv(), &gls_env);
     EXPECT_EQ(gls_env.cur_lc, nullptr);
+}
+
+// The names of the code sets belong to the environments that run on as well.
+TEST(Startup, AFailedStartLeavesTheNamesOfTheCodeSets) {
+    setenv("KESTRIONDIR", INSTALLATION, 1);
+    ASSERT_EQ(chkglsinit(), 0);
+    setenv("CLIENT_LOCALE", "xx_XX.819", 1);
+    EXPECT_NE(cdrInitGlsEnv(), 0);
+    EXPECT_NE(gls_registry_list_cache, nullptr);
+    freegls();
+    EXPECT_EQ(gls_registry_list_cache, nullptr);
 }
 
 TEST(Startup, ADateFormatInACallersBufferStaysTheCallers) {

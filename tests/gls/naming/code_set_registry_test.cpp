@@ -43,6 +43,7 @@ TEST(CodeSetRegistry, FileIsReadLineByLine) {
     const std::string text = "# 8859-1 1\n\n  \tLatin-1\t 819 the rest # is ignored\n"
                              "latin-1 820\n"
                              "x12345678901234567890 7\n"
+                             "max 65535\n"
                              "9 10\r\n";
     const struct {
         const char *name;
@@ -53,7 +54,8 @@ TEST(CodeSetRegistry, FileIsReadLineByLine) {
         {"8859-1", "error 7"}, // in a comment
         {"x12345678901234567890", "7"},
         {"x12345678901234567890zzz", "7"}, // a longer name is cut
-        {"9", "10"},                       // a name before it is a number
+        {"max", "65535"},
+        {"9", "10"}, // a name before it is a number
         {"65535", "65535"},
         {"65536", "error 7"},
         {"00000000000000000819", "819"},
@@ -117,14 +119,40 @@ TEST(CodeSetRegistry, NameOf22CharactersEndsTheReading) {
 
 TEST(CodeSetRegistry, MissingFileLeavesTheBuiltInTableAndItsErrorWord) {
     setenv("GL_PATH", "/no/such/directory", 1);
-    EXPECT_EQ(answer("8859-1", nullptr), "error 15");
-    EXPECT_EQ(answer("819", nullptr), "error 15");
+    EXPECT_EQ(answer("8859-1", "/no/such/file"), "error 15");
+    EXPECT_EQ(answer("819", "/no/such/file"), "error 15");
     gl_cache_registry(nullptr, nullptr);
     EXPECT_EQ(temperr, 15);
     temperr = 0;
     EXPECT_EQ(answer("8859-1", nullptr), "819");
     EXPECT_EQ(answer("utf8", nullptr), std::to_string(0xE01C));
     EXPECT_EQ(temperr, 0) << "later look-ups don't report it again";
+    gl_free_registry_cache();
+}
+
+TEST(CodeSetRegistry, LookUpWithoutACacheFillsIt) {
+    const counting_allocator memory;
+    const temp_dir dir;
+    setenv("GL_PATH", dir.path().c_str(), 1);
+    EXPECT_EQ(answer("greek", nullptr), std::to_string(0x2E1)) << "there is no file";
+    EXPECT_EQ(gls_registry_array_cache, gls_canned_registry);
+    gl_free_registry_cache();
+    dir.write("registry", "one 1\n");
+    EXPECT_EQ(answer("one", dir.at("registry").c_str()), "1");
+    EXPECT_EQ(gls_registry_list_cache, nullptr) << "a caller's own file is not everybody's";
+    counting_allocator::fail_call(0);
+    EXPECT_EQ(answer("one", nullptr), "1");
+    EXPECT_EQ(gls_registry_array_cache, nullptr) << "the file has names that the table lacks";
+    EXPECT_EQ(answer("one", nullptr), "1");
+    dir.write("registry", "");
+    EXPECT_EQ(answer("one", nullptr), "1");
+    // A start without memory does not take the names away.
+    dir.write("registry", "two 2\n");
+    counting_allocator::fail_call(0);
+    int32_t word = 0;
+    gl_cache_registry(&word, nullptr);
+    EXPECT_EQ(word, GLS_ERR_NO_MEMORY);
+    EXPECT_EQ(answer("one", nullptr), "1");
     gl_free_registry_cache();
 }
 
