@@ -1,11 +1,8 @@
-// What the tests of the engine share: a fresh start for each, an allocator that counts and fails,
-// and files in memory.
+// What the tests of the engine share: an allocator that counts and fails, and files in memory.
 
 #pragma once
 
-#include <kestrion/code_set_registry.h>
 #include <kestrion/ext_funcs.h>
-#include <kestrion/gls_log.h>
 
 #include <gtest/gtest.h>
 #include <stdio.h>
@@ -13,25 +10,6 @@
 #include <string.h>
 #include <string>
 #include <string_view>
-
-// Brings what the engine keeps for the process, and what it reads of the environment, back to the
-// start before each test, so that a test program can also run whole.
-class engine_at_its_start : public testing::EmptyTestEventListener {
-    void OnTestStart(const testing::TestInfo &) override {
-        gl_free_registry_cache();
-        for (uint32_t slot = 0; slot < GL_SLOTS; ++slot)
-            _gl_set_ext_funcptr(slot, nullptr);
-        _gl_reset_ext_func();
-        temperr = GLS_OK;
-        gls_debug_initialized = gls_logging = gls_popups = 0;
-        for (const char *name :
-             {"KESTRIONDIR", "GLSLOG", "GLSDEBUG", "GL_PATH", "GL_ALL", "GL_LANG", "GL_CTYPE",
-              "GL_COLLATE", "GL_NUMERIC", "GL_MONETARY", "GL_TIME", "GL_MESSAGES", "TZ"})
-            unsetenv(name);
-    }
-};
-inline const bool starts_are_fresh =
-    (testing::UnitTest::GetInstance()->listeners().Append(new engine_at_its_start), true);
 
 // Serves the engine's allocations while it lives: counts the blocks that are alive and lets one
 // allocation fail.
