@@ -71,9 +71,35 @@ void code_set_side::add(side_row row) { rows.push_back(std::move(row)); }
 void code_set_side::finish() {
     std::stable_sort(rows.begin(), rows.end(), precedes);
     rows.erase(std::unique(rows.begin(), rows.end(), same_place), rows.end());
-    for (size_t i = 0; i < rows.size(); ++i)
-        if (!rows[i].one_way && rows[i].characters.size() == 1)
-            writers_.emplace(rows[i].characters[0], i); // the first, which is of the normal state
+    for (size_t i = 0; i < rows.size(); ++i) {
+        if (rows[i].one_way || rows[i].characters.size() != 1)
+            continue;
+        // Control characters are in both states, the normal one of which comes first.
+        size_t &writer = writers_.try_emplace(rows[i].characters[0], i).first->second;
+        if (rows[i].place.offset < rows[writer].place.offset)
+            writer = i;
+    }
+}
+
+std::optional<written_bytes> code_set_side::spelled(const code_sequence &bytes) const {
+    if (unicode_bytes != 0)
+        return bytes.length == unicode_bytes ? std::optional(written_bytes{bytes}) : std::nullopt;
+    const auto has = [&](std::string_view text, bool shifted) {
+        return std::any_of(rows.begin(), rows.end(), [&](const side_row &row) {
+            return row.shifted == shifted && row.sequence.text() == text;
+        });
+    };
+    if (has(bytes.text(), true))
+        return written_bytes{bytes, true};
+    for (std::string_view left = bytes.text(); !left.empty();) {
+        size_t length = 1;
+        while (length <= left.size() && !has(left.substr(0, length), false))
+            ++length;
+        if (length > left.size())
+            return {};
+        left.remove_prefix(length);
+    }
+    return written_bytes{bytes};
 }
 
 code_set_side side_of_charmap(const std::string &name, const charmap &map) {
@@ -122,11 +148,13 @@ code_set_side shifted_side(const std::string &name, const charmap &map,
     return side;
 }
 
-code_set_side unicode_side(const code_set_side &other, int bytes) {
+code_set_side unicode_side(const code_set_side &other, int bytes, std::optional<char32_t> more) {
     code_set_side side;
     side.name = bytes == 2 ? "UCS-2" : "UCS-4";
-    side.unicode = true;
+    side.unicode_bytes = bytes;
     std::set<char32_t> characters;
+    if (more)
+        characters.insert(*more);
     for (const side_row &row : other.rows)
         characters.insert(row.characters.begin(), row.characters.end());
     for (const char32_t character : characters) {

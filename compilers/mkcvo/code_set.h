@@ -8,6 +8,7 @@
 
 #include "compilers/posix/charmap.h"
 
+#include <optional>
 #include <stdint.h>
 #include <string>
 #include <unordered_map>
@@ -23,18 +24,26 @@ struct side_row {
     source_place place;
 };
 
+// Bytes to write, all in one state.
+struct written_bytes {
+    code_sequence bytes;
+    bool shifted = false;
+};
+
 struct code_set_side {
     std::string name;
     std::vector<side_row> rows; // ascending by sequence, each sequence once in a state
     bool stateful = false;
     code_sequence shift_in, shift_out; // of a stateful side
-    bool unicode = false;              // a fixed-width Unicode form
+    int unicode_bytes = 0;             // 2 or 4 of a fixed-width Unicode form, else 0
 
-    // The row that writes a character, or null.
+    // The row that writes a character, or null: of several two-way rows the first of the charmap.
     const side_row *find(char32_t character) const;
+    // Whether bytes can be written: a character in either state, or several in the normal one.
+    std::optional<written_bytes> spelled(const code_sequence &bytes) const;
 
     void add(side_row row);
-    void finish(); // sorts, drops what is named twice, and indexes
+    void finish(); // sorts, drops sequences that are there twice, and indexes
 
 private:
     std::unordered_map<char32_t, size_t> writers_;
@@ -48,8 +57,10 @@ code_set_side shifted_side(const std::string &name, const charmap &map,
                            const code_sequence &shift_in, const code_sequence &shift_out,
                            diagnostics &said);
 
-// UCS-2 or UCS-4 with the characters of the other side; UCS-2 lacks those beyond U+FFFF.
+// UCS-2 or UCS-4 with the characters of the other side and one more; UCS-2 lacks those beyond
+// U+FFFF.
 constexpr char32_t last_of_two_bytes = 0xffff;
-code_set_side unicode_side(const code_set_side &other, int bytes);
+code_set_side unicode_side(const code_set_side &other, int bytes,
+                           std::optional<char32_t> more = std::nullopt);
 
 } // namespace kestrion

@@ -10,15 +10,10 @@ namespace {
 constexpr int byte_values = 256;
 
 // The bytes of several characters together, when they fit one mapping.
-struct written {
-    code_sequence bytes;
-    bool shifted = false;
-};
-
-std::optional<written> write(const code_set_side &target, std::u32string_view characters) {
-    written out;
-    if (target.unicode && characters.size() > 1)
-        return {}; // every character has the same width there
+std::optional<written_bytes> write(const code_set_side &target, std::u32string_view characters) {
+    written_bytes out;
+    if (target.unicode_bytes != 0 && characters.size() != 1)
+        return {}; // a mapping always writes one character there
     for (size_t i = 0; i < characters.size(); ++i) {
         const side_row *row = target.find(characters[i]);
         if (row == nullptr || out.bytes.length + row->sequence.length > gl_char_bytes ||
@@ -31,22 +26,33 @@ std::optional<written> write(const code_set_side &target, std::u32string_view ch
     return out;
 }
 
-std::optional<written> write_substitute(const code_set_side &target, char32_t character,
-                                        const substitutes &instead) {
+// An empty transliteration drops the character: its mapping has no bytes.
+std::optional<written_bytes> write_substitute(const code_set_side &target, char32_t character,
+                                              const substitutes &instead) {
     if (const auto near = instead.near_bytes.find(character); near != instead.near_bytes.end())
-        return written{near->second, false};
+        return target.spelled(near->second);
     if (instead.translit != nullptr)
         if (const auto *choices = instead.translit->find(character); choices != nullptr)
             for (const std::u32string &choice : *choices)
-                if (!choice.empty())
-                    if (const auto out = write(target, choice); out)
-                        return out;
+                if (const auto out = write(target, choice))
+                    return out;
     if (instead.character)
         return write(target, std::u32string_view(&*instead.character, 1));
     return {};
 }
 
-unsigned char control_byte(const written &out, char32_t first, bool inexact) {
+// Reports what the target cannot write.
+void check_substitutes(const code_set_side &target, const substitutes &instead, diagnostics &said) {
+    for (const auto &[character, bytes] : instead.near_bytes)
+        if (!target.spelled(bytes))
+            said.error(target.name + " does not have the bytes " + hex_text(bytes.text()),
+                       "give --near bytes of its characters");
+    if (instead.character && target.find(*instead.character) == nullptr)
+        said.error(target.name + " does not have " + code_point_text(*instead.character),
+                   "give --substitute one of its characters");
+}
+
+unsigned char control_byte(const written_bytes &out, char32_t first, bool inexact) {
     unsigned control = CV_MAPPED | out.bytes.length;
     if (first == 0)
         control |= CV_TERMINATOR;
@@ -71,7 +77,7 @@ void add_loss(const code_set_side &target, const side_row &row, diagnostics &sai
 
 conversion_entry entry_of(const code_set_side &target, const side_row &row,
                           const substitutes &instead, diagnostics &said) {
-    std::optional<written> out = write(target, row.characters);
+    std::optional<written_bytes> out = write(target, row.characters);
     const bool exact = out.has_value();
     if (!exact && row.characters.size() == 1)
         out = write_substitute(target, row.characters[0], instead);
@@ -127,7 +133,7 @@ bool looks_fixed_width(int least, int greatest) {
 }
 
 void check_widths(const code_set_side &side, int least, int greatest) {
-    if (!side.unicode && !side.stateful && looks_fixed_width(least, greatest))
+    if (side.unicode_bytes == 0 && !side.stateful && looks_fixed_width(least, greatest))
         throw compiler_failure(side.name + ": all characters have " + std::to_string(least) +
                                " bytes, which the runtime takes for a fixed-width Unicode form");
 }
@@ -144,6 +150,9 @@ bool all_bytes_map(const conversion_object &object) {
 conversion_object join(const code_set_side &source, const code_set_side &target,
                        const substitutes &instead, diagnostics &said) {
     conversion_object object;
+    check_substitutes(target, instead, said);
+    if (said.failed())
+        return object;
     // The runtime keeps shift states of either side only for an object with two tables.
     object.source_stateful = source.stateful || target.stateful;
     object.target_stateful = target.stateful;

@@ -17,8 +17,8 @@ struct substitutes {
     std::optional<char32_t> character;
 };
 
-// Characters without any counterpart stay valid in the source and are losses.
-// Throws compiler_failure when the two have no character in common, or when the runtime would take
+// Characters without any counterpart stay valid in the source and are losses; substitutes that the
+// target cannot write are errors, and the object is then empty. Throws compiler_failure when the two have no character in common, or when the runtime would take
 // one of them for a fixed-width Unicode form.
 conversion_object join(const code_set_side &source, const code_set_side &target,
                        const substitutes &instead, diagnostics &said);

@@ -144,7 +144,7 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
     if (source.unicode_bytes != 0)
         from = unicode_source(to, source.unicode_bytes, said);
     if (target.unicode_bytes != 0)
-        to = unicode_side(from, target.unicode_bytes);
+        to = unicode_side(from, target.unicode_bytes, options.substitute);
 
     substitutes instead{options.near_bytes, nullptr, options.substitute};
     std::unique_ptr<transliteration> translit;
@@ -155,6 +155,8 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
         instead.translit = translit.get();
     }
     conversion_object object = join(from, to, instead, said);
+    if (said.failed())
+        return {};
     object.head =
         head_lines("mkcvo", last_component(run.sources[0]) + " " + last_component(run.sources[1]),
                    texts_read(source, target, held));
