@@ -88,6 +88,20 @@ conversion_entry entry_of(const code_set_side &target, const side_row &row,
     return {row.sequence, control_byte(*out, row.characters[0], !exact), out->bytes};
 }
 
+// Tables hold no character that begins with the bytes of another: the longer one is read as several.
+std::vector<const side_row *> rows_for_table(const code_set_side &source, diagnostics &said) {
+    std::vector<const side_row *> kept;
+    for (const side_row &row : source.rows) {
+        const bool extends = !kept.empty() && kept.back()->shifted == row.shifted &&
+                             row.sequence.extends(kept.back()->sequence);
+        if (!extends)
+            kept.push_back(&row);
+        else
+            said.loss(*row.place.file, row.place.position(), prefix_loss, prefix_remedy);
+    }
+    return kept;
+}
+
 // The sequences that change the source's state, each in the state where it does; in the other state
 // they write nothing.
 void add_switches(const code_set_side &source, conversion_object &object) {
@@ -157,9 +171,9 @@ conversion_object join(const code_set_side &source, const code_set_side &target,
     object.source_stateful = source.stateful || target.stateful;
     object.target_stateful = target.stateful;
     object.shifts = {target.shift_in, target.shift_out, source.shift_in, source.shift_out};
-    for (const side_row &row : source.rows)
-        (row.shifted ? object.shifted : object.normal)
-            .push_back(entry_of(target, row, instead, said));
+    for (const side_row *row : rows_for_table(source, said))
+        (row->shifted ? object.shifted : object.normal)
+            .push_back(entry_of(target, *row, instead, said));
     if (source.stateful)
         add_switches(source, object);
     std::stable_sort(object.normal.begin(), object.normal.end(), by_source);

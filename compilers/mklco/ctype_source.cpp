@@ -49,12 +49,13 @@ private:
     named_class &named(std::string_view name, const source_place &place);
 
     void sort_rows();
+    void drop_extensions();
+    void check_sequences() const;
     void set_widths(const charmap *widths, locale_object &object);
     void set_named_classes(locale_object &object);
     void set_case(locale_object &object);
     void add_missing_bytes(locale_object &object) const;
     uint32_t partner(const std::map<uint32_t, uint32_t> &partners, uint32_t key) const;
-    void check_sequences() const;
     void note_growth(const code_sequence &from, uint32_t to_key, locale_object &object) const;
 
     source_library &library_;
@@ -199,21 +200,26 @@ void ctype_compiler::sort_rows() {
                 rows_.end());
 }
 
-// A character may not begin another one, and only the terminator has the byte 0: texts could not be
-// walked.
+// A character may not begin another one: texts could not be walked.
+void ctype_compiler::drop_extensions() {
+    const charmap_row *last = nullptr;
+    std::erase_if(rows_, [&](const charmap_row *row) {
+        const bool extends = last != nullptr && row->sequence.extends(last->sequence);
+        if (extends)
+            said_.loss(map_.source(), map_.place(*row).position(), prefix_loss, prefix_remedy);
+        else
+            last = row;
+        return extends;
+    });
+}
+
+// Only the terminator has the byte 0.
 void ctype_compiler::check_sequences() const {
-    for (size_t i = 0; i < rows_.size(); ++i) {
-        const code_sequence &here = rows_[i]->sequence;
-        if (here.length > 1 && std::count(here.bytes + 1, here.bytes + here.length, 0) != 0)
-            throw source_error(map_.place(*rows_[i]),
-                               "this character has a zero byte after its first byte",
+    for (const charmap_row *row : rows_)
+        if (row->sequence.length > 1 &&
+            row->sequence.text().find('\0', 1) != std::string_view::npos)
+            throw source_error(map_.place(*row), "this character has a zero byte after its first",
                                "a terminated text cannot hold it; choose another charmap");
-        if (i + 1 < rows_.size() && rows_[i + 1]->sequence.length > here.length &&
-            std::equal(here.bytes, here.bytes + here.length, rows_[i + 1]->sequence.bytes))
-            throw source_error(map_.place(*rows_[i + 1]),
-                               "this character begins with the bytes of another one",
-                               "remove one of the two from the charmap");
-    }
 }
 
 void ctype_compiler::set_widths(const charmap *widths, locale_object &object) {
@@ -319,6 +325,7 @@ void ctype_compiler::add_missing_bytes(locale_object &object) const {
 
 void ctype_compiler::fill(const charmap *widths, locale_object &object) {
     sort_rows();
+    drop_extensions();
     check_sequences();
     for (const charmap_row *row : rows_)
         object.characters.push_back({row->sequence, classes_[keys_.of(*row)]});

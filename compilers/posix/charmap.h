@@ -64,4 +64,8 @@ private:
     std::unordered_map<std::string, uint32_t> named_rows_;
 };
 
+// The loss of a character that begins with the bytes of another one, which tables cannot hold.
+constexpr char prefix_loss[] = "these bytes begin with those of another character";
+constexpr char prefix_remedy[] = "the object reads them as several characters";
+
 } // namespace kestrion

@@ -25,6 +25,10 @@ struct code_sequence {
     // The bytes from the highest place on: sequences sorted by it are in the order of their bytes.
     uint32_t order() const { return packed() << 8 * (gl_char_bytes - length); }
     std::string_view text() const { return {reinterpret_cast<const char *>(bytes), length}; }
+    // Whether the bytes begin with all those of another, shorter sequence.
+    bool extends(const code_sequence &other) const {
+        return length > other.length && text().starts_with(other.text());
+    }
     bool operator==(const code_sequence &other) const = default;
 };
 

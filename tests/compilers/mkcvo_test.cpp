@@ -134,7 +134,7 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "./other", "./to"}, 4, "have no character in common"},
         {{"-o", "old.cvo", "./pairs", "./to"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "old.cvo", "./to", "./pairs"}, 4, "takes for a fixed-width Unicode form"},
-        {{"-o", "old.cvo", "./prefix", "./to"}, 4, "is the beginning of another"},
+        {{"-o", "x", "./prefix", "./to"}, 1, "./prefix:9:1: loss: these bytes begin with those"},
         {{"-o", "old.cvo", "too_long"}, 4, "where target characters have at most 1"},
         {{"-o", "old.cvo", "endless"}, 4, "endless:3:11: error"},
         {{"-o", "old.cvo", "-sU+FFFD", "./from", "./to"}, 4, "./to does not have U+FFFD"},
@@ -252,6 +252,15 @@ TEST_F(Mkcvo, WideFormsAreThoseOfTheCLibrary) {
             EXPECT_EQ(convert(back.cv, wide, 8).text, character) << form;
         }
     }
+}
+
+// A table cannot hold a character that begins with another one's bytes; it can be written, though.
+TEST_F(Mkcvo, ACharacterThatBeginsWithAnotherIsLostAsASource) {
+    loaded_object there(object({"TCVN5712-1", "UTF-8"}));
+    EXPECT_EQ(convert(there.cv, "Ti\xd5ng", 16).text, "Ti\xe1\xba\xbfng");
+    EXPECT_EQ(convert(there.cv, "c\xb3", 16).text, "c\xcc\x81") << "a letter and an accent";
+    loaded_object back(object({"./to", "./prefix"}));
+    EXPECT_EQ(convert(back.cv, "ab", 8).text, "AAB");
 }
 
 TEST_F(Mkcvo, TwoByteFormHasNothingBeyondSixteenBits) {

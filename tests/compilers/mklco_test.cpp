@@ -116,6 +116,25 @@ TEST_F(Mklco, ClassesAndCaseFollowTheCodeSet) {
         << list;
 }
 
+TEST_F(Mklco, CharactersThatTextsCannotHoldAreLostOrRefused) {
+    const auto compile_with = [&](const char *row) {
+        std::ofstream("charmaps/P") << "<code_set_name> P\n<escape_char> /\nCHARMAP\n<U0041> /x41\n"
+                                    << row << "END CHARMAP\n";
+        return compile("", "", "", "", {"-fP", "--losses=lost"});
+    };
+    EXPECT_EQ(compile_with("<U0042> /x41/x42\n<U0043> /x43/x44\n").status, 1);
+    EXPECT_NE(content("lost").find("charmaps/P:5:1: these bytes begin with those"),
+              std::string::npos)
+        << content("lost");
+    mklco({"--list", "-olist", "new.lco"});
+    EXPECT_NE(content("list").find("class 41 upper alpha graph print vowel\nclass 4344 -\n"),
+              std::string::npos)
+        << content("list");
+    const outcome zero = compile_with("<U0042> /x81/x00\n");
+    EXPECT_EQ(zero.status, 4);
+    EXPECT_NE(zero.said.find("charmaps/P:5:1: error"), std::string::npos) << zero.said;
+}
+
 TEST_F(Mklco, RangesCountAsTheirEllipsisSays) {
     std::ofstream("charmaps/R") << "<code_set_name> R\n<escape_char> /\nCHARMAP\n"
                                    "<U0058>..<U005A> /x58\n<U0104> /xa1\n<U02D8> /xa2\n"
