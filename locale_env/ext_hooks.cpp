@@ -1,6 +1,5 @@
 #include <kestrion/ext_hooks.h>
 
-#include "base/regular_file.h"
 #include <kestrion/env_registry.h>
 
 #include <stdlib.h>
@@ -31,9 +30,7 @@ void *cl_ext_calloc(size_t count, size_t size) { return calloc(count, size); }
 void *cl_ext_realloc(void *block, size_t size) { return realloc(block, size); }
 void cl_ext_free(void *block) { free(block); }
 
-FILE *cl_ext_fopen(const char *name, const char *mode) {
-    return strcmp(mode, "r") == 0 ? kestrion::open_regular_stream(name) : fopen(name, mode);
-}
+FILE *cl_ext_fopen(const char *name, const char *mode) { return gl_ext_fopen(name, mode); }
 
 int cl_ext_fclose(FILE *file) { return fclose(file); }
 // One thread reads an object file: its lock would take half of the loading time.

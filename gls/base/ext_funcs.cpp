@@ -1,5 +1,6 @@
 #include <kestrion/ext_funcs.h>
 
+#include "base/regular_file.h"
 #include "gls/base/engine_error.h"
 
 #include <iterator>
@@ -34,7 +35,7 @@ constinit const gl_file_functions gl_ext_functions = {.allocate = _gl_ext_malloc
                                                       .open = _gl_ext_fopen,
                                                       .close = _gl_ext_fclose};
 constinit const gl_file_functions gl_reg_functions = {
-    .allocate = malloc, .release = free, .open = fopen, .close = fclose};
+    .allocate = malloc, .release = free, .open = gl_ext_fopen, .close = fclose};
 
 int gl_setextfunc(void *ctx, uint32_t slot, gl_function function) {
     if (slot >= GL_SLOTS)
@@ -156,7 +157,9 @@ int gl_ext_fgetc(FILE *file) { return getc_unlocked(file); }
 
 char *gl_ext_fgets(char *buffer, int size, FILE *file) { return fgets(buffer, size, file); }
 
-FILE *gl_ext_fopen(const char *name, const char *mode) { return fopen(name, mode); }
+FILE *gl_ext_fopen(const char *name, const char *mode) {
+    return strcmp(mode, "r") == 0 ? open_regular_stream(name) : fopen(name, mode);
+}
 
 void gl_ext_free(void *block) { free(block); }
 

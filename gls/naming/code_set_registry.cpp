@@ -101,7 +101,7 @@ FILE *open_registry(void *ctx, const char *regfile) {
     const int32_t word_before = word;
     word = GLS_OK;
     FILE *const file = regfile != nullptr && *regfile != '\0'
-                           ? fopen(regfile, "r")
+                           ? gl_ext_fopen(regfile, "r")
                            : gl_path_search_no_ext(ctx, "registry", "cm", "3");
     if (file != nullptr)
         word = word_before;

@@ -108,7 +108,7 @@ extern int32_t _gl_ext_func;              // 0 until the first registration
 extern int32_t temperr;                   // the error word of a null context
 
 extern const gl_file_functions gl_ext_functions; // the engine's own, by the table
-extern const gl_file_functions gl_reg_functions; // the plain library's
+extern const gl_file_functions gl_reg_functions; // the built-in ones
 
 // Fills a slot and switches the table on. Returns 0, or -1 with GLS_ERR_ARGUMENT for a slot above
 // 20; the table then stays as it was.
@@ -170,7 +170,7 @@ int gl_ext_feof(FILE *file);
 int gl_ext_ferror(FILE *file);
 int gl_ext_fgetc(FILE *file);
 char *gl_ext_fgets(char *buffer, int size, FILE *file);
-FILE *gl_ext_fopen(const char *name, const char *mode);
+FILE *gl_ext_fopen(const char *name, const char *mode); // with "r" regular files alone
 void gl_ext_free(void *block);
 int gl_ext_fseek(FILE *file, long offset, int whence);
 long gl_ext_ftell(FILE *file);

@@ -1,6 +1,9 @@
 #include "gls/engine_test.h"
 #include "tests/support/temp_dir.h"
+#include <kestrion/code_set_registry.h>
 #include <kestrion/path_search.h>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -104,6 +107,19 @@ TEST_F(PathSearch, InstallationDirectoryOf257CharactersFailsEverySearch) {
     EXPECT_EQ(found_by(gl_path_search, "in_two"), "error 8");
     EXPECT_EQ(gl_path_search(nullptr, "in_two", "lc", "11"), nullptr);
     EXPECT_EQ(temperr, 8);
+}
+
+// The opening of a pipe waits for a writer, who may never come.
+TEST_F(PathSearch, OnlyRegularFilesAreOpened) {
+    ASSERT_EQ(mkfifo(root.at("pipe").c_str(), 0600), 0);
+    set_path(root.path());
+    int32_t word = 0;
+    EXPECT_EQ(gl_path_search(&word, "pipe", "lc", "11"), nullptr);
+    EXPECT_EQ(word, GLS_ERR_FILE);
+    EXPECT_EQ(gl_path_search_no_ext(&word, "pipe", "lc", "11"), nullptr);
+    EXPECT_EQ(gl_open_file(&word, root.at("pipe").c_str()), nullptr);
+    gl_cache_registry(&word, root.at("pipe").c_str());
+    EXPECT_EQ(word, GLS_ERR_NO_REGISTRY);
 }
 
 } // namespace
