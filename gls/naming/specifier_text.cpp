@@ -75,8 +75,9 @@ void start_item(out_text &out, const spec_item &category, bool first) {
 }
 
 size_t room_for(const spec_items &found, text_view dir) {
-    return (found.composite ? gl_composite_spec_size : gl_simple_spec_size) +
-           (dir.empty() ? 0 : dir.size() + 1);
+    const size_t directory = dir.empty() ? 0 : dir.size() + 1;
+    return found.composite ? gl_composite_spec_size + gl_category_count * directory
+                           : gl_simple_spec_size + directory;
 }
 
 int parsed_spec::parse(void *ctx, text_view spec, const char *regfile) {

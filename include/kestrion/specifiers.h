@@ -18,8 +18,8 @@
 // cached; null for the one that the path search finds. Failure is -1 with GLS_ERR_SPECIFIER, unless
 // an operation says otherwise. A bad specifier is not logged.
 //
-// Sizes of `out`: gl_simple_spec_size or gl_composite_spec_size, plus the length of `dir` and its
-// mark, once. What would not fit is refused with GLS_ERR_SPECIFIER.
+// Sizes of `out`: gl_simple_spec_size plus the length of `dir` and its mark, or gl_composite_spec_size
+// plus six times as much. What would not fit is refused with GLS_ERR_SPECIFIER.
 
 #pragma once
 
@@ -29,7 +29,7 @@
 #include <stdint.h>
 
 enum {
-    gl_simple_spec_size = 32,
+    gl_simple_spec_size = 34, // "lan_TE.", 21 characters, "@modi" and the terminator
     gl_composite_spec_size = 512,
     gl_lc_fname_size = 20, // "lan_te/e01cmodi.lco" and the terminator
     gl_cv_fname_size = 13  // "0333e01c.cvo" and the terminator

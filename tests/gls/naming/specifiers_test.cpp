@@ -77,12 +77,12 @@ TEST_F(Specifiers, SimpleSpecifiersNameFiles) {
         {"fil_PH.000000000000000000819@dict", "fil_ph/0333dict.lco"},
     };
     for (const auto &row : rows) {
-        EXPECT_EQ(result_of(file_name, row.spec, 32), row.wanted) << row.spec;
+        EXPECT_EQ(result_of(file_name, row.spec, gl_simple_spec_size), row.wanted) << row.spec;
         int32_t word = 5;
         EXPECT_EQ(gl_is_lc_spec(&word, row.spec), row.wanted[0] != 'e' || row.wanted[1] != 'r');
         EXPECT_EQ(word, 5);
     }
-    EXPECT_EQ(result_of(message_directory, "en_US.8859-1@dict", 32), "en_us/0333");
+    EXPECT_EQ(result_of(message_directory, "en_US.8859-1@dict", 34), "en_us/0333");
 }
 
 TEST_F(Specifiers, CompositeSpecifiersHoldOneCodeSet) {
@@ -123,7 +123,7 @@ TEST_F(Specifiers, CompositeSpecifiersHoldOneCodeSet) {
 
 TEST_F(Specifiers, DirectoriesComeFirstWithAMark) {
     int32_t word = 0;
-    char out[512 + 201];
+    char out[64];
     EXPECT_EQ(gl_lc_spec2lc_fname(&word, "en_US.819", out, nullptr, "/a/b"), 0);
     EXPECT_STREQ(out, "/a/b\xFF"
                       "en_us/0333.lco");
@@ -136,11 +136,31 @@ TEST_F(Specifiers, DirectoriesComeFirstWithAMark) {
     EXPECT_EQ(gl_cs_nums2cv_fname(&word, 0xE01C, 0x1B5, exact.data(), "dd"), 0);
     EXPECT_STREQ(exact.data(), "dd\xFF"
                                "e01c01b5.cvo");
-    // Six names below a long directory outgrow what the caller has room for.
+    // A directory counts for each of six names.
     const std::string dir(200, 'd');
-    EXPECT_EQ(gl_lc_spec2lc_fname(&word, all_six("en_US.819").c_str(), out, nullptr, dir.c_str()),
-              -1);
-    EXPECT_EQ(word, 7);
+    guarded_bytes all(std::string(512 + 6 * 201, '?'));
+    EXPECT_EQ(gl_lc_spec2lc_fname(&word, all_six("fil_PH.819@dict").c_str(), all.data(), nullptr,
+                                  dir.c_str()),
+              0);
+    EXPECT_EQ(all.data(), all_six(dir + "\xFF"
+                                        "fil_ph/0333dict.lco"));
+}
+
+// Every operation takes the longest simple specifier; a whole text has at most 285 characters.
+TEST_F(Specifiers, TheLongestOnesAreTaken) {
+    const std::string longest = "fil_PH.000000000000000000819@dict";
+    ASSERT_EQ(longest.size(), 33u);
+    EXPECT_EQ(result_of(gl_lc_spec2lc_short, longest, 34), longest);
+    EXPECT_EQ(result_of(gl_lc_spec2lc_norm, longest, 34), "fil_PH.819@dict");
+    char out[34];
+    int32_t word = 0;
+    EXPECT_EQ(gl_lc_spec2category(&word, longest.c_str(), GL_CAT_TIME, out, nullptr), 0);
+    EXPECT_EQ(out, longest);
+    std::string whole = all_six(longest) + " ; ";
+    whole.erase(whole.find("0000"), whole.size() - 286);
+    EXPECT_EQ(result_of(file_name, whole, 512), "error 7");
+    whole.erase(whole.find("0000"), 1);
+    EXPECT_EQ(result_of(file_name, whole, 512), all_six("fil_ph/0333dict.lco"));
 }
 
 TEST_F(Specifiers, FileNamesFallIntoPiecesAndBack) {
@@ -166,7 +186,7 @@ TEST_F(Specifiers, FileNamesFallIntoPiecesAndBack) {
         EXPECT_STREQ(lang, row.lang);
         EXPECT_STREQ(cs, row.cs);
         EXPECT_STREQ(modifier, row.modifier);
-        guarded_bytes out(std::string(32, '?'));
+        guarded_bytes out(std::string(gl_simple_spec_size, '?'));
         EXPECT_EQ(gl_lc_pieces2lc_spec(&word, lang, cs, modifier, out.data()), 0);
         EXPECT_STREQ(out.data(), row.spec);
     }
@@ -176,7 +196,7 @@ TEST_F(Specifiers, FileNamesFallIntoPiecesAndBack) {
     EXPECT_EQ(gl_lc_fname2lc_pieces(&word, "os/en_us", lang, cs, modifier), -1);
     EXPECT_EQ(word, 7);
 
-    char out[32];
+    char out[gl_simple_spec_size];
     EXPECT_EQ(gl_lc_pieces2lc_spec(&word, "en_US.8859-1", "819123", nullptr, out), 0);
     EXPECT_STREQ(out, "en_US.81912") << "a point ends the language, five characters the code set";
     const char *const bad[][3] = {
@@ -191,7 +211,7 @@ TEST_F(Specifiers, FileNamesFallIntoPiecesAndBack) {
 }
 
 TEST_F(Specifiers, NormalFormIsByNumber) {
-    EXPECT_EQ(result_of(gl_lc_spec2lc_norm, "EN_us.Latin-1@dict", 32), "en_US.819@dict");
+    EXPECT_EQ(result_of(gl_lc_spec2lc_norm, "EN_us.Latin-1@dict", 34), "en_US.819@dict");
     EXPECT_EQ(result_of(gl_lc_spec2lc_norm, all_six("en_us.8859-1") + " ; ", 512),
               all_six("en_US.819"));
     EXPECT_EQ(result_of(gl_lc_spec2lc_norm, "GL_TIME = en_US.819", 512), "error 7")
@@ -205,7 +225,7 @@ TEST_F(Specifiers, ShortAndLongFormsAreInverse) {
     EXPECT_EQ(result_of(gl_lc_spec2lc_short, mixed, 512),
               "en_US.819;sv_SE.819;en_US.819;de_DE.8859-1;en_US.819;fr_FR.819@x");
     EXPECT_EQ(result_of(gl_lc_spec2lc_short, all_six("en_US.819"), 512), "en_US.819");
-    EXPECT_EQ(result_of(gl_lc_spec2lc_short, "en_US.8859-1", 32), "en_US.8859-1");
+    EXPECT_EQ(result_of(gl_lc_spec2lc_short, "en_US.8859-1", 34), "en_US.8859-1");
     const struct {
         const char *text;
         std::string wanted;
@@ -226,7 +246,7 @@ TEST_F(Specifiers, ShortAndLongFormsAreInverse) {
 
 TEST_F(Specifiers, OneCategoryCanBeTakenOut) {
     const char *const composite = "GL_TIME = de_DE.819 ; GL_CTYPE = fr_FR.8859-1";
-    char out[32];
+    char out[gl_simple_spec_size];
     int32_t word = 0;
     EXPECT_EQ(gl_lc_spec2category(&word, composite, GL_CAT_TIME, out, nullptr), 0);
     EXPECT_STREQ(out, "de_DE.819");
@@ -266,7 +286,7 @@ TEST_F(Specifiers, FilesNameTheirCodeSet) {
         {"en_us/0333" + std::string(40, 'x'), "error 7"},
     };
     for (const auto &row : rows)
-        EXPECT_EQ(result_of(gl_lc_fname2lc_spec, row.fname, row.fname[0] == 'G' ? 512 : 32),
+        EXPECT_EQ(result_of(gl_lc_fname2lc_spec, row.fname, row.fname[0] == 'G' ? 512 : 34),
                   row.wanted);
 }
 
