@@ -61,6 +61,8 @@ int32_t gl_lc_load(locale_rec **out, const char *spec, const char *regfile, cons
     char name[gl_composite_spec_size];
     if (gl_create_null_locale_4(out) != 0 || gl_init_glu(*out) != 0)
         return -1;
+    if (spec == nullptr)
+        return fail(*out, GLS_ERR_ARGUMENT);
     const char *setting = name;
     if (gl_lc_spec2lc_fname(*out, spec, name, regfile, nullptr) != 0)
         setting = spec;

@@ -39,7 +39,8 @@ enum { gl_setting_limit = 311 };
 
 // ---- Whole locales
 
-// Loads the locale of a specifier; any other text is the file name of an object.
+// Loads the locale of a specifier; any other text is the file name of an object, and a null one is
+// GLS_ERR_ARGUMENT.
 // out      the record, also after a failure: its error word says why; loc_nomem without memory.
 // regfile  code-set registry to use instead of the installed one, or null.
 // dir      directory to read objects from instead of the search, or null.

@@ -83,6 +83,8 @@ TEST_F(Categories, BadSettingsAreRefused) {
     std::string name33(29, 'n');
     name33 += ".lco";
     directory.write(name33, latin.all());
+    directory.write("a/b.lco", latin.all());
+    const std::string out_of_it = "../" + directory.path().substr(directory.path().rfind('/') + 1);
     struct {
         int32_t category;
         std::string text;
@@ -91,7 +93,8 @@ TEST_F(Categories, BadSettingsAreRefused) {
         {GL_CAT_CTYPE, name33, GLS_ERR_MIXED_CODE_SETS}, // loads; the other categories are empty
         {GL_CAT_CTYPE, name33 + "x", GLS_ERR_FILE},
         {GL_CAT_CTYPE, "missing.lco", GLS_ERR_FILE},
-        {GL_CAT_CTYPE, "../latin.lco", GLS_ERR_FILE},
+        {GL_CAT_CTYPE, "a/b.lco", GLS_ERR_MIXED_CODE_SETS},
+        {GL_CAT_CTYPE, out_of_it + "/a/b.lco", GLS_ERR_FILE}, // it is there
         {GL_CAT_CTYPE, "a/../latin.lco", GLS_ERR_FILE},
         {GL_CAT_CTYPE,
          "a\xff..\xff"
@@ -163,7 +166,11 @@ TEST_F(Categories, LentDataOutliveTheBorrower) {
     char *names = set_categories(borrower, GL_CAT_TIME, "other.lco", directory.path().c_str());
     EXPECT_STREQ(names, "other.lco");
     gl_destroystring(names);
-    EXPECT_EQ(borrower->shared[4], 0);
+    EXPECT_EQ(borrower->shared[4], 0) << "its own data, which go with it";
+    gl_free_category(borrower, GL_CAT_MONETARY);
+    EXPECT_EQ(borrower->shared[3], 0);
+    EXPECT_EQ(gl_make_null_category(borrower, GL_CAT_NUMERIC), 0);
+    EXPECT_EQ(borrower->shared[2], 0);
     gl_free_nonshared_loc(borrower);
     EXPECT_STREQ(lender->time_cat.day[0], "Sunday");
     EXPECT_EQ(gl_mbsbytes(lender, "abc"), 4);
@@ -181,6 +188,9 @@ TEST_F(Categories, WholeLocalesLoadBySpecifierOrFileName) {
     gl_lc_unload(loaded);
     EXPECT_EQ(gl_lc_load(&loaded, "latin.lco", nullptr, dir.c_str()), 0) << "no specifier";
     EXPECT_EQ(loaded->err, 0);
+    gl_lc_unload(loaded);
+    EXPECT_EQ(gl_lc_load(&loaded, nullptr, nullptr, dir.c_str()), -1);
+    EXPECT_EQ(loaded->err, GLS_ERR_ARGUMENT);
     gl_lc_unload(loaded);
     EXPECT_EQ(gl_lc_load(&loaded, "de_DE.8859-1", nullptr, dir.c_str()), -1);
     EXPECT_EQ(loaded->err, GLS_ERR_FILE);
