@@ -64,13 +64,16 @@ int32_t read_head_lines(FILE *file, char *cs_name) {
 bool find_marker(FILE *file, const char *marker) {
     char piece[line_size];
     bool line_begins = true;
-    while (_gl_ext_fgets(piece, sizeof piece, file) != nullptr) {
+    for (;;) {
+        memset(piece, 1, sizeof piece);
+        if (_gl_ext_fgets(piece, sizeof piece, file) == nullptr)
+            return false;
         if (line_begins && strcmp(piece, marker) == 0)
             return true;
-        size_t length = strlen(piece);
-        line_begins = length > 0 && piece[length - 1] == '\n';
+        // A line may hold zero bytes: the last one is the terminator.
+        const auto *end = static_cast<const char *>(memrchr(piece, 0, sizeof piece));
+        line_begins = end > piece && end[-1] == '\n';
     }
-    return false;
 }
 
 // Whether two code-set names mean the same; names that are both unknown do.

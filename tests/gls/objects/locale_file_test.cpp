@@ -88,6 +88,12 @@ TEST(LocaleObject, ThePagesExampleMeansWhatThePageSays) {
     EXPECT_TRUE(is_wide(lc->time_cat.wide_d_fmt, "%Y-%m-%d"));
     EXPECT_EQ(lc->time_cat.eras[0].start_year, 1950);
     EXPECT_STREQ(lc->messages_cat.noexpr, "^[n]");
+    for (multi_arr *table :
+         {lc->ctype_cat.class_table, lc->ctype_cat.case_index, lc->collate_cat.row_table}) {
+        const std::string written =
+            text_written([&](FILE *f) { _gl_fprintf_multi(f, table, ub2_writer); });
+        EXPECT_NE(text.find("\n" + written), std::string::npos) << "this is written:\n" << written;
+    }
 }
 
 // Fields whose places could be exchanged without breaking the grammar.
@@ -273,7 +279,8 @@ TEST(LocaleObject, EachFaultHasItsError) {
         {2, "HEADER_LINES=4", "HEADER_LINES", 11},
         {2, "HEADER_LINES=4", "HEADER_LINES=x", 11},
         {2, "\nutf8\n", "\nname-of-20-characters\n", 11},
-        {2, "\nutf8\n", "\n8859-1-of-19-charact\n", 11},
+        {2, "\nutf8\n", "\n8859-1-of-19-charac\n", 0},
+        {2, "\nutf8\n", "\n8859-1-of-20-charact\n", 11},
         {2, "\nutf8\n", "\n\n", 11},
         {2, "### LC_CTYPE", "#### LC_CTYPE", 11},
         {2, "\n1\n0 full_width\n", "\n0\n", 0},
@@ -312,6 +319,7 @@ TEST(LocaleObject, EachFaultHasItsError) {
         {6, "gregorian\n", "gregorian \n", 50},
         {6, "gregorian\n", "julian\n", 50},
         {6, "12\n3 4a616e\n", "11\n3 4a616e\n", 11},
+        {6, "3 446563\n12\n3 4a616e\n", "3 446563\n11\n", 11}, // fewer in full than abbreviated
         {6, "12\n3 4a616e\n", "1001\n3 4a616e\n", 11},
         {7, "3 796573\n", "3 79657\n", 8},
     };
@@ -377,6 +385,8 @@ TEST(LocaleObject, TheFirstMarkerThatBeginsALineWins) {
     ASSERT_TRUE(lc.read(GL_CAT_MESSAGES,
                         object.head + noise + "x" + category_markers[5] + messages + object.all()));
     EXPECT_STREQ(lc->messages_cat.nostr, "d");
+    const std::string zeros = std::string("zero bytes ") + '\0' + "in a line" + '\0' + "\n";
+    ASSERT_TRUE(lc.read(GL_CAT_MESSAGES, object.head + zeros + messages));
 }
 
 TEST(LocaleObject, EveryCutIsRefusedAndNothingLeaks) {
