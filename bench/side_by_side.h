@@ -21,7 +21,7 @@ struct contestant {
     }
 };
 
-// Runs each contestant `calls` times in a round, round by round, behind one round that is not
+// Runs each contestant `calls` times in a round, round by round, after one round that is not
 // counted.
 inline void run_in_turns(std::vector<contestant> &field, int rounds, int calls) {
     for (int round = -1; round < rounds; ++round) {

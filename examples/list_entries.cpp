@@ -1,4 +1,4 @@
-// Lists the entries of $KESTRIONDIR/etc/passwd_file, one a line, tokens parted by tabs.
+// Lists the entries of $KESTRIONDIR/etc/passwd_file, one a line, tokens separated by tabs.
 //
 //     c++ -std=c++20 list_entries.cpp $(pkg-config --cflags --libs kestrion)
 

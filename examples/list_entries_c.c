@@ -1,4 +1,4 @@
-/* Lists the entries of $KESTRIONDIR/etc/passwd_file, one a line, tokens parted by tabs.
+/* Lists the entries of $KESTRIONDIR/etc/passwd_file, one a line, tokens separated by tabs.
  *
  *     cc -std=c11 list_entries_c.c $(pkg-config --cflags --libs kestrion)
  */

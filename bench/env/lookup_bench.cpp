@@ -11,7 +11,7 @@
 
 namespace {
 
-// An environment of the usual size: the variable stands in the middle of 40.
+// An environment of the usual size: the variable is in the middle of 40.
 void fill_environment() {
     clearenv();
     for (int i = 0; i < 40; ++i)
@@ -50,7 +50,7 @@ void set_by_index(benchmark::State &state) {
     beside_getenv(state, "KESTRIONSERVER", [] { return idx_ggetenv("KESTRIONSERVER", index); });
 }
 
-// The worst case for whatever stands around getenv: it finds the variable at once.
+// The worst case for whatever is around getenv: it finds the variable at once.
 void set_first_by_index(benchmark::State &state) {
     constexpr int32_t index = kestrion::variable_index("W1");
     clearenv();

@@ -2,7 +2,7 @@
 // many.
 //
 // Needs the installation directory that the tests lay down. setlocale, which loads the system's own
-// locale, stands beside the start.
+// locale, is beside the start.
 
 #include <kestrion/env_registry.h>
 #include <kestrion/environments.h>

@@ -1,5 +1,5 @@
 // Sealing and opening 60 KB in process, beside the provider's own time: the same calls made to it
-// directly, each behind the one that names the thread's record as the provider demands, on buffers
+// directly, each after the one that names the thread's record as the provider demands, on buffers
 // that are already there.
 
 #include "passwords/keys.h"

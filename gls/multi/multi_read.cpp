@@ -202,7 +202,7 @@ bool table_reader::read_compressed_node(multi_node *node, int32_t depth) {
 }
 
 // Reads the children of a node, whose flags and child_count are set. Slots are given out in the
-// order of the bytes, which is the order in which the children stand.
+// order of the bytes, which is the order of the children.
 bool table_reader::read_children(multi_node *node, int32_t depth) {
     const size_t count = static_cast<size_t>(node->child_count);
     node->children = static_cast<multi_node **>(_gl_ext_calloc(count, sizeof(multi_node *)));

@@ -36,7 +36,7 @@ bool read_method(locale_rec *lc, FILE *file, bool &rows_follow) {
     return true;
 }
 
-// The integers may stand on lines of their own or not.
+// The integers may be on lines of their own or not.
 bool read_spaced_number(locale_rec *lc, FILE *file, int64_t high, int64_t &out) {
     _gl_skip_whitespace(file);
     return read_number(lc, file, 0, high, out);

@@ -37,7 +37,7 @@ int add_spec_of_file(void *ctx, std::string_view name, out_text &out) {
         spec.add('@').add(pieces.modifier);
     const std::string_view written = simple;
     const auto length = static_cast<int32_t>(written.size());
-    // The head may hold any text where the code set's name should stand.
+    // The head may hold any text where the code set's name is expected.
     if (!spec.fits() || _gl_is_xopen_spec(simple, length, nullptr) != length)
         return fail(ctx, GLS_ERR_MALFORMED);
     out.add(written);
