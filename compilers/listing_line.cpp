@@ -6,6 +6,7 @@
 namespace kestrion {
 namespace {
 
+constexpr std::string_view end_keyword = "end";
 constexpr std::string_view white_space = " \t\r";
 
 // True when the whole text is a number of this type and base.
@@ -19,6 +20,20 @@ bool read_whole(std::string_view text, Number &value, Base... base) {
 std::string shown(double value) {
     char digits[32];
     return {digits, std::to_chars(digits, digits + sizeof digits, value).ptr};
+}
+
+void read_statement(const listing_line &line, const std::vector<listing_statement> &kinds,
+                    std::vector<bool> &seen) {
+    size_t kind = 0;
+    while (kind < kinds.size() && line[0] != kinds[kind].keyword)
+        ++kind;
+    if (kind == kinds.size())
+        line.fail(0, "unknown keyword " + line[0], "write one that --list prints");
+    if (seen[kind] && kinds[kind].occurs != occurrence::any)
+        line.fail(0, "a second " + line[0] + " line", "remove one of the two");
+    seen[kind] = true;
+    line.check_operands(kinds[kind].least_operands, kinds[kind].most_operands);
+    kinds[kind].read(line);
 }
 
 } // namespace
@@ -109,17 +124,28 @@ code_sequence listing_line::sequence(size_t word, std::string_view part) const {
 }
 
 void read_statements(const source_file &source, const std::vector<listing_statement> &kinds) {
+    std::vector<bool> seen(kinds.size());
+    bool ended = false;
     for (size_t number = 2; number <= source.line_count(); ++number) {
         const listing_line line(source, number);
         if (line.empty())
             continue;
-        const auto kind = std::find_if(kinds.begin(), kinds.end(),
-                                       [&](const auto &known) { return line[0] == known.keyword; });
-        if (kind == kinds.end())
-            line.fail(0, "unknown keyword " + line[0], "write one that --list prints");
-        line.check_operands(kind->least_operands, kind->most_operands);
-        kind->read(line);
+        if (ended)
+            line.fail(0, "unexpected line after end", "remove it");
+        ended = line[0] == end_keyword;
+        if (ended)
+            line.check_operands(0, 0);
+        else
+            read_statement(line, kinds, seen);
     }
+    const source_place end{&source, source.text().size()};
+    if (!ended)
+        throw source_error(end, "the listing is cut: its last line is not end",
+                           "list the object again");
+    for (size_t i = 0; i < kinds.size(); ++i)
+        if (kinds[i].occurs == occurrence::once && !seen[i])
+            throw source_error(end, std::string("the ") + kinds[i].keyword + " line is missing",
+                               "write one, as --list does");
 }
 
 std::string quoted(std::string_view bytes) {

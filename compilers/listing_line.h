@@ -4,6 +4,7 @@
 //     head "SOURCE=en_US \xe4"    a word in quotes: \x and two hexadecimal digits are a byte,
 //                                 a backslash before any other character keeps that character
 //     # ...                       a comment, where a word may begin
+//     end                         the last line: a listing that was cut has none
 #pragma once
 
 #include "compilers/posix/code_sequence.h"
@@ -50,9 +51,11 @@ private:
     std::vector<word_read> words_;
 };
 
-// A kind of line, and what to do with one.
+// A kind of line: how often a listing has it, and what to do with one.
+enum class occurrence { once, at_most_once, any };
 struct listing_statement {
     const char *keyword;
+    occurrence occurs;
     size_t least_operands, most_operands;
     std::function<void(const listing_line &line)> read;
 };

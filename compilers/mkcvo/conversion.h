@@ -36,6 +36,12 @@ struct conversion_object {
     std::vector<conversion_entry> shifted; // the same; empty unless source_stateful
 };
 
+// The order of the entries.
+bool by_source(const conversion_entry &a, const conversion_entry &b);
+
+// Sets what follows from the entries: lengths, expansion and whether there is a byte table.
+void measure(conversion_object &object);
+
 // The object's file. Throws compiler_failure for entries that no table can hold.
 std::string object_text(const conversion_object &object);
 

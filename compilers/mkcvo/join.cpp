@@ -7,8 +7,6 @@ namespace kestrion {
 
 namespace {
 
-constexpr int byte_values = 256;
-
 // The bytes of several characters together, when they fit one mapping.
 std::optional<written_bytes> write(const code_set_side &target, std::u32string_view characters) {
     written_bytes out;
@@ -113,35 +111,6 @@ void add_switches(const code_set_side &source, conversion_object &object) {
     object.shifted.push_back({source.shift_in, pass, {}});
 }
 
-bool by_source(const conversion_entry &a, const conversion_entry &b) {
-    return memcmp(a.source.bytes, b.source.bytes, sizeof a.source.bytes) < 0;
-}
-
-void measure(conversion_object &object) {
-    const int longest_shift =
-        std::max<int>(object.shifts[SHIFT_IN].length, object.shifts[SHIFT_OUT].length);
-    object.source_min = object.target_min = gl_char_bytes;
-    for (const auto *entries : {&object.normal, &object.shifted}) {
-        for (const conversion_entry &entry : *entries) {
-            const int source = entry.source.length;
-            const int target = entry.target.length;
-            object.source_min = std::min(object.source_min, source);
-            object.source_max = std::max(object.source_max, source);
-            if (target == 0)
-                continue;
-            object.target_min = std::min(object.target_min, target);
-            object.target_max = std::max(object.target_max, target);
-            // A shifted character alone has a sequence on either side.
-            const int shifts =
-                (entry.control & CV_SHIFTED) != 0
-                    ? object.shifts[SHIFT_IN].length + object.shifts[SHIFT_OUT].length
-                    : longest_shift;
-            object.expansion =
-                std::max(object.expansion, static_cast<double>(target + shifts) / source);
-        }
-    }
-}
-
 bool looks_fixed_width(int least, int greatest) {
     return least == greatest && (least == 2 || least == 4);
 }
@@ -150,13 +119,6 @@ void check_widths(const code_set_side &side, int least, int greatest) {
     if (side.unicode_bytes == 0 && !side.stateful && looks_fixed_width(least, greatest))
         throw compiler_failure(side.name + ": all characters have " + std::to_string(least) +
                                " bytes, which the runtime takes for a fixed-width Unicode form");
-}
-
-bool all_bytes_map(const conversion_object &object) {
-    return object.source_max == 1 && object.target_max == 1 &&
-           object.normal.size() == byte_values &&
-           std::all_of(object.normal.begin(), object.normal.end(),
-                       [](const conversion_entry &entry) { return entry.control != 0; });
 }
 
 } // namespace
@@ -184,7 +146,6 @@ conversion_object join(const code_set_side &source, const code_set_side &target,
                                " have no character in common");
     check_widths(source, object.source_min, object.source_max);
     check_widths(target, object.target_min, object.target_max);
-    object.no_byte_table = !all_bytes_map(object);
     return object;
 }
 

@@ -2,7 +2,7 @@
 
 #include "compilers/listing_line.h"
 
-#include <charconv>
+#include <algorithm>
 
 // The lines of a listing:
 //
@@ -10,19 +10,17 @@
 //     head "SOURCE_CRC32=..."        each line that the runtime skips, in order
 //     states 0 0                     source, target
 //     shifts - - 0e 0f               into and out of the shifted target, then source; - for none
-//     lengths 1 2 1 2                target least and greatest, source least and greatest
-//     byte_table 0                   1: the runtime may build one
-//     expansion 1
 //     normal 8140 12 a1a1            source, control byte, target; no target after a 00
 //     shifted 3021 12 b0a1
+//     end
+//
+// Lengths, expansion and whether there is a byte table follow from the rows.
 
 namespace kestrion {
 
 namespace {
 
 constexpr std::string_view listing_mark = "conversion_listing 1";
-// A byte that becomes a shift sequence, a character and a shift sequence.
-constexpr double most_expansion = 3 * gl_char_bytes;
 
 std::string hex(const code_sequence &sequence) {
     return sequence.length == 0 ? "-" : hex_text(sequence.text());
@@ -60,36 +58,73 @@ conversion_entry entry_of(const listing_line &line) {
     return entry;
 }
 
-std::vector<listing_statement> statements(conversion_object &object) {
-    constexpr int longest = gl_char_bytes;
+// A row of the listing with its place in it.
+struct placed_entry {
+    conversion_entry entry;
+    source_place place;
+};
+
+// The entries of one state, in the order of their source bytes. Throws source_error for those that
+// no table can hold together.
+std::vector<conversion_entry> sorted_entries(std::vector<placed_entry> rows) {
+    std::stable_sort(rows.begin(), rows.end(),
+                     [](const auto &a, const auto &b) { return by_source(a.entry, b.entry); });
+    std::vector<conversion_entry> entries;
+    for (const auto &[entry, place] : rows) {
+        if (!entries.empty() && entries.back().source == entry.source)
+            throw source_error(place, "a second meaning of " + hex_text(entry.source.text()),
+                               "remove one of the two lines");
+        if (!entries.empty() && entry.source.extends(entries.back().source))
+            throw source_error(place, prefix_loss, "remove one of the two");
+        entries.push_back(entry);
+    }
+    return entries;
+}
+
+struct listing_reader {
+    conversion_object object = {};
+    std::vector<placed_entry> normal = {}, shifted = {};
+
+    std::vector<listing_statement> statements();
+    void finish(const source_file &source);
+};
+
+std::vector<listing_statement> listing_reader::statements() {
+    const size_t shifts = object.shifts.size();
     return {
-        {"head", 1, 1, [&](const listing_line &line) { object.head.push_back(line[1]); }},
-        {"states", 2, 2,
+        {"head", occurrence::any, 1, 1,
+         [&](const listing_line &line) { object.head.push_back(line[1]); }},
+        {"states", occurrence::once, 2, 2,
          [&](const listing_line &line) {
              object.source_stateful = line.number(1, 0, 1) != 0;
              object.target_stateful = line.number(2, 0, 1) != 0;
          }},
-        {"shifts", object.shifts.size(), object.shifts.size(),
+        {"shifts", occurrence::once, shifts, shifts,
          [&](const listing_line &line) {
              for (size_t i = 0; i < object.shifts.size(); ++i)
                  object.shifts[i] = sequence_or_none(line, 1 + i);
          }},
-        {"lengths", 4, 4,
+        {"normal", occurrence::any, 2, 3,
          [&](const listing_line &line) {
-             object.target_min = static_cast<int>(line.number(1, 0, longest));
-             object.target_max = static_cast<int>(line.number(2, 1, longest));
-             object.source_min = static_cast<int>(line.number(3, 0, longest));
-             object.source_max = static_cast<int>(line.number(4, 0, longest));
+             normal.push_back({entry_of(line), line.place(0)});
          }},
-        {"byte_table", 1, 1,
-         [&](const listing_line &line) { object.no_byte_table = line.number(1, 0, 1) == 0; }},
-        {"expansion", 1, 1,
-         [&](const listing_line &line) { object.expansion = line.real(1, 0, most_expansion); }},
-        {"normal", 2, 3,
-         [&](const listing_line &line) { object.normal.push_back(entry_of(line)); }},
-        {"shifted", 2, 3,
-         [&](const listing_line &line) { object.shifted.push_back(entry_of(line)); }},
+        {"shifted", occurrence::any, 2, 3,
+         [&](const listing_line &line) {
+             shifted.push_back({entry_of(line), line.place(0)});
+         }},
     };
+}
+
+void listing_reader::finish(const source_file &source) {
+    if (!shifted.empty() && !object.source_stateful)
+        throw source_error(shifted[0].place, "there is no shifted state",
+                           "write states 1 0 or 1 1, or remove the shifted lines");
+    object.normal = sorted_entries(std::move(normal));
+    object.shifted = sorted_entries(std::move(shifted));
+    measure(object);
+    if (object.target_max == 0)
+        throw source_error({&source, source.text().size()}, "no row has a target",
+                           "write rows with target bytes");
 }
 
 } // namespace
@@ -106,24 +141,17 @@ std::string listing_text(const conversion_object &object) {
     out += "\nshifts";
     for (const code_sequence &shift : object.shifts)
         out += " " + hex(shift);
-    out += "\nlengths " + std::to_string(object.target_min) + " " +
-           std::to_string(object.target_max) + " " + std::to_string(object.source_min) + " " +
-           std::to_string(object.source_max);
-    out += "\nbyte_table " + std::to_string(!object.no_byte_table) + "\nexpansion ";
-    char number[32];
-    out.append(
-        number,
-        std::to_chars(number, number + sizeof number, static_cast<float>(object.expansion)).ptr);
     out += "\n";
     append_entries(out, "normal", object.normal);
     append_entries(out, "shifted", object.shifted);
-    return out;
+    return out + "end\n";
 }
 
 conversion_object read_listing(const source_file &source) {
-    conversion_object object;
-    read_statements(source, statements(object));
-    return object;
+    listing_reader reader;
+    read_statements(source, reader.statements());
+    reader.finish(source);
+    return std::move(reader.object);
 }
 
 } // namespace kestrion

@@ -177,22 +177,23 @@ std::vector<output_file> compile(const mkcvo_options &options, const compiler_ru
     return {{run.output, compile_charmaps(options, run, held, said)}};
 }
 
-std::vector<output_file> list(const compiler_run &run, diagnostics &said) {
+std::vector<output_file> list(const compiler_run &run, held_sources &held, diagnostics &said) {
     if (run.sources.size() != 1)
         throw usage_error("--list takes one conversion object");
     const source_file file = source_file::read(run.sources[0]);
-    const conversion_object object = read_object(file);
-    if (object_text(object) != file.text())
+    const std::string listing = listing_text(read_object(file));
+    const source_file &again = held.hold(std::make_unique<source_file>("listing", listing));
+    if (object_text(read_listing(again)) != file.text())
         said.warning(file, {}, "mkcvo did not lay this object out",
                      "the listing compiles to the same conversions, not to the same bytes");
-    return {{run.output, listing_text(object)}};
+    return {{run.output, listing}};
 }
 
 std::vector<output_file> run_mkcvo(const mkcvo_options &options, const compiler_run &line,
                                    diagnostics &said) {
     held_sources held;
     try {
-        return options.list ? list(line, said) : compile(options, line, held, said);
+        return options.list ? list(line, held, said) : compile(options, line, held, said);
     } catch (const source_error &error) {
         said.error(*error.where.file, error.where.position(), error.what(), error.remedy);
         return {};

@@ -20,6 +20,7 @@
 //     weights 0 2 2                 of row 0, one for each level
 //     LC_NUMERIC decimal_point "."  bytes outside ASCII as \xa0
 //     LC_NUMERIC grouping 3 0
+//     end
 //
 // Numbers of case, row and of rows, code_order and max_weight are decimal, all others hexadecimal.
 // Statements may come in any order, but for those that count (pair, expansion, contraction,

@@ -59,49 +59,54 @@ std::vector<listing_statement> listing_reader::statements() {
         return line[word] == "-" ? 0 : static_cast<uint32_t>(line.number(word, 1, UINT32_MAX, 16));
     };
     std::vector<listing_statement> kinds = {
-        {"head", 1, 1, [&](const auto &line) { object_.head.push_back(line[1]); }},
-        {"code_set", 1, 1, [&](const auto &line) { object_.code_set = line[1]; }},
-        {"class_name", 2, 2,
+        {"head", occurrence::any, 1, 1, [&](const auto &line) { object_.head.push_back(line[1]); }},
+        {"code_set", occurrence::once, 1, 1, [&](const auto &line) { object_.code_set = line[1]; }},
+        {"class_name", occurrence::any, 2, 2,
          [&](const auto &line) {
              const auto bit = static_cast<int>(line.number(1, INT32_MIN, INT32_MAX));
              object_.class_names.emplace_back(bit, line[2]);
          }},
-        {"class", 2, most_classes_of_a_line, [&](const auto &line) { class_line(line); }},
-        {"pair", 2, 2,
+        {"class", occurrence::any, 2, most_classes_of_a_line,
+         [&](const auto &line) { class_line(line); }},
+        {"pair", occurrence::any, 2, 2,
          [&](const auto &line) {
              object_.pairs.push_back({partner(line, 1), partner(line, 2)});
          }},
-        {"growth", 1, 1,
+        {"growth", occurrence::once, 1, 1,
          [&](const auto &line) { object_.growth = line.real(1, 0, lco_growth_limit); }},
-        {"case", 2, 2, [&](const auto &line) { cases_.push_back(numbered_range(line)); }},
-        {"row", 2, 2, [&](const auto &line) { rows_.push_back(numbered_range(line)); }},
-        {"collation", 1, 1, [&](const auto &line) { collation_line(line); }},
-        {"code_order", 1, 1,
+        {"case", occurrence::any, 2, 2,
+         [&](const auto &line) { cases_.push_back(numbered_range(line)); }},
+        {"row", occurrence::any, 2, 2,
+         [&](const auto &line) { rows_.push_back(numbered_range(line)); }},
+        {"collation", occurrence::once, 1, 1, [&](const auto &line) { collation_line(line); }},
+        {"code_order", occurrence::at_most_once, 1, 1,
          [&](const auto &line) {
              collation.code_order_form = static_cast<int32_t>(line.number(1, 0, INT32_MAX));
          }},
-        {"max_weight", 1, 1,
+        {"max_weight", occurrence::at_most_once, 1, 1,
          [&](const auto &line) {
              collation.max_weight = static_cast<uint32_t>(line.number(1, 0, UINT32_MAX));
          }},
-        {"levels", 1, any_operands,
+        {"levels", occurrence::at_most_once, 1, any_operands,
          [&](const auto &line) {
              for (const uint32_t level : hex_numbers(line, 1, UINT16_MAX))
                  collation.levels.push_back(static_cast<uint16_t>(level));
          }},
-        {"contraction", 1, any_operands,
+        {"contraction", occurrence::any, 1, any_operands,
          [&](const auto &line) {
              collation.contractions.push_back({static_cast<uint16_t>(line.number(1, 0, UINT16_MAX)),
                                                hex_numbers(line, 2, UINT32_MAX)});
          }},
-        {"expansion", 0, any_operands,
+        {"expansion", occurrence::any, 0, any_operands,
          [&](const auto &line) {
              collation.expansions.push_back(hex_numbers(line, 1, UINT32_MAX));
          }},
-        {"weights", 1, any_operands, [&](const auto &line) { weights_line(line); }},
+        {"weights", occurrence::any, 1, any_operands,
+         [&](const auto &line) { weights_line(line); }},
     };
     for (const char *section : object_section_names)
-        kinds.push_back({section, 1, any_operands, [&](const auto &line) { field_line(line); }});
+        kinds.push_back({section, occurrence::any, 1, any_operands,
+                         [&](const auto &line) { field_line(line); }});
     return kinds;
 }
 
@@ -253,10 +258,8 @@ void listing_reader::check_all_is_there() const {
             fail_at_end(std::string("there is no ") + section_name(object_fields[i].section) + " " +
                             object_fields[i].keyword,
                         "write that line, even with nothing after the keyword");
-    if (object_.characters.empty() || object_.code_set.empty() ||
-        (!object_.collation.thai && object_.collation.rows.empty()))
-        fail_at_end("characters, code set or weights are missing",
-                    "write class, code_set and weights lines");
+    if (object_.characters.empty() || (!object_.collation.thai && object_.collation.rows.empty()))
+        fail_at_end("characters or weights are missing", "write class and weights lines");
 }
 
 locale_object listing_reader::read() {

@@ -162,6 +162,7 @@ std::string write_listing(const locale_object &object) {
     append_collation(out, object);
     for (size_t i = 0; i < object_field_count; ++i)
         append_field(out, object_fields[i], object.fields[i]);
+    append_line(out, "end", {});
     return out;
 }
 

@@ -43,9 +43,6 @@ struct Mkcvo : command_test {
                                 "<U00E4> \"<U0041><U0045>\"\n<U20AC> \"<U20A0>\";\"<U0045>\"\n"
                                 "<U0043> \"\"\n"
                                 "translit_end\nEND LC_CTYPE\n";
-        std::ofstream("too_long")
-            << "conversion_listing 1\nlengths 1 1 1 1\nnormal ff 14 01020304\n";
-        std::ofstream("endless") << "conversion_listing 1\nlengths 1 1 1 1\nexpansion 1e300\n";
         std::ofstream("old.cvo") << "old";
     }
     // The object of a command line, loaded.
@@ -135,8 +132,6 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "./pairs", "./to"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "old.cvo", "./to", "./pairs"}, 4, "takes for a fixed-width Unicode form"},
         {{"-o", "x", "./prefix", "./to"}, 1, "./prefix:9:1: loss: these bytes begin with those"},
-        {{"-o", "old.cvo", "too_long"}, 4, "where target characters have at most 1"},
-        {{"-o", "old.cvo", "endless"}, 4, "endless:3:11: error"},
         {{"-o", "old.cvo", "-sU+FFFD", "./from", "./to"}, 4, "./to does not have U+FFFD"},
         {{"-o", "old.cvo", "-nU+00E4=c4a1", "./from", "./to"},
          4,
@@ -184,6 +179,25 @@ TEST_F(Mkcvo, ListingsCompileToTheSameBytes) {
     }
 }
 
+TEST_F(Mkcvo, ListingsNeedRowsAndAreMeasuredByThem) {
+    const std::string head = "conversion_listing 1\nstates 0 0\nshifts - - - -\n";
+    std::ofstream("none") << head << "normal 61 00\nend\n";
+    EXPECT_NE(mkcvo({"-o", "old.cvo", "none"}).said.find("none:5:4: error: no row has a target"),
+              std::string::npos);
+    std::ofstream("some") << head << "normal 4142 13 616263\nnormal 43 11 63\nend\n";
+    loaded_object loaded(object({"some"}));
+    EXPECT_EQ(std::tie(loaded.cv->source_min_len, loaded.cv->source_max_len,
+                       loaded.cv->target_min_len, loaded.cv->target_max_len, loaded.cv->expansion),
+              std::make_tuple(1, 2, 1, 3, 1.5F));
+    std::ofstream("other.cvo") << object_lines{
+        .expansion = "9.0",
+        .normal = {{"A", "\x11z"}}}.text();
+    const outcome other = mkcvo({"-l", "-o", "listing", "other.cvo"});
+    EXPECT_EQ(other.status, 1);
+    EXPECT_NE(other.said.find("not to the same bytes"), std::string::npos);
+    EXPECT_EQ(mkcvo({"-o", "again.cvo", "listing"}).status, 0);
+}
+
 TEST_F(Mkcvo, ListingsAreCheckedLineByLine) {
     object({"./other", "./other"});
     mkcvo({"-l", "-o", "listing", "x.cvo"});
@@ -191,14 +205,22 @@ TEST_F(Mkcvo, ListingsAreCheckedLineByLine) {
     const struct {
         const char *from, *to, *said;
     } rows[] = {
-        {"states 0", "states 2", "expected a number from 0 to 1"},
+        {"states 0", "states 2", "bad:5:8: error: expected a number from 0 to 1"},
+        {"states 0 0", "states 0 0\nstates 0 0", "bad:6:1: error: a second states line"},
+        {"normal 61 11 61", "shifted 61 11 61", ": error: there is no shifted state"},
+        {"normal 61 11 61", "normal 61 11 61\nnormal 61 12 6161",
+         ": error: a second meaning of 61"},
+        {"normal 61 11 61", "normal 61 11 61\nnormal 6161 11 62",
+         ": error: these bytes begin with those"},
+        {"shifts - - - -\n", "", ": error: the shifts line is missing"},
+        {"\nend", "", ": error: the listing is cut: its last line is not end"},
+        {"\nend", "\nend\nnormal 61 11 61", ": error: unexpected line after end"},
         {"normal 61", "normal 6", "expected one to four bytes"},
         {"normal 61", "normal 6x", "expected one to four bytes"},
         {"normal 61", "normal -", "expected one to four bytes"},
         {"11 61", "12 61", "the control byte counts other target bytes"},
         {"11 61", "11 61 62", "unexpected words at the end of the line"},
         {"normal", "norml", "unknown keyword norml"},
-        {"expansion 1", "expansion x", "expected a real number from 0 to 12"},
     };
     for (const auto &row : rows) {
         std::string bad = good;
