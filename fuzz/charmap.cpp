@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     try {
         const kestrion::charmap map(source);
         for (const kestrion::charmap_row &row : map.rows) {
-            if (row.sequence.length < 1 || row.sequence.length > kestrion::gl_char_bytes)
+            if (row.sequence.length < 1 || row.sequence.length > gl_char_bytes)
                 abort();
             if (row.code_point < 0x110000 && !row.one_way && map.find(row.code_point) == nullptr)
                 abort();
