@@ -87,6 +87,13 @@ bool widen_children(multi_node *node) {
     return true;
 }
 
+bool is_zero(const unsigned char *bytes, size_t size) {
+    for (size_t i = 0; i < size; ++i)
+        if (bytes[i] != 0)
+            return false;
+    return true;
+}
+
 // Ends a sequence on the byte b of `node`.
 int insert_end(multi_node *node, unsigned char b, const void *datum, multi_arr *table) {
     if (multi_flag_at(node, b) == MULTI_CHILD || !make_missing_flags(node, table))
@@ -158,7 +165,8 @@ unsigned char *multi_make_data_array(const multi_arr *table) {
     // Zeroed, so that the bytes between data and slots never differ.
     unsigned char *const data =
         static_cast<unsigned char *>(_gl_ext_calloc(gl_bytes, size_t{1} << table->shift));
-    for (size_t b = 0; data != nullptr && b < gl_bytes; ++b)
+    const bool filled = data == nullptr || is_zero(table->default_datum, table->data_size);
+    for (size_t b = 0; !filled && b < gl_bytes; ++b)
         memcpy(multi_slot(table, data, b), table->default_datum, table->data_size);
     return data;
 }
