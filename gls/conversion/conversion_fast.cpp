@@ -71,8 +71,8 @@ inline Entry character(const Entry *__restrict entries, const unsigned char *tex
             return entry;
         }
         const auto state = static_cast<uint32_t>(entry);
-        const uint32_t in_state = text[length] ^ (state >> 2 & 0xc0);
-        if ((in_state & state >> 4 & 0xc0) != 0)
+        const uint32_t in_state = text[length] ^ (state >> (state_prefix_shift - 4) & 0xf0);
+        if ((in_state & state >> (state_shared_shift - 4) & 0xf0) != 0)
             return 0;
         entry = entries[first_entry(state) + in_state];
     }

@@ -3,16 +3,15 @@
 #include <kestrion/ext_funcs.h>
 
 #include <bit>
+#include <initializer_list>
 
 namespace kestrion {
 
 namespace {
 
-constexpr uint32_t largest_base = (1u << 20) - 1;  // units that a 32-bit entry can name
-constexpr size_t largest_table = size_t{16} << 20; // bytes: beyond it the tree is the smaller evil
-constexpr uint32_t quarters = 4;
+constexpr size_t largest_base = 0xffff; // units that a 32-bit entry can name
 constexpr uint32_t utf8_first_lead = 0xe0;
-constexpr uint32_t utf8_trail_quarter = 2;
+constexpr uint32_t utf8_first_trail = 0x80;
 
 const unsigned char *datum_of(const multi_arr *table, const multi_node *node, uint32_t byte) {
     return node->data == nullptr ? table->default_datum
@@ -20,25 +19,32 @@ const unsigned char *datum_of(const multi_arr *table, const multi_node *node, ui
 }
 
 struct state_range {
-    uint32_t first; // byte value
-    uint32_t units; // 1 or 4
+    uint32_t first;  // byte value
+    uint32_t shared; // the high bits that all bytes share
+    uint32_t size() const { return gl_bytes - shared; }
+    uint32_t units() const { return size() / state_unit; }
 };
 
-// The bytes that a node goes on with, as one quarter of all bytes where that is enough.
+// The bytes that a node goes on with. Those of UTF-8 keep their quarter whole, which rows[] needs.
 state_range range_of(const multi_node *node, bool root) {
-    uint32_t used = 0;
-    for (uint32_t b = 0; node->flag_bytes != nullptr && b < gl_bytes; ++b)
-        if (node->flag_bytes[b] != MULTI_NONE)
-            used |= 1u << (b / state_unit);
-    for (uint32_t quarter = 0; quarter < quarters && !root; ++quarter)
-        if (used == 1u << quarter)
-            return {quarter * state_unit, 1};
-    return {0, quarters};
+    uint32_t first = gl_bytes, last = 0;
+    for (uint32_t b = 0; node->flag_bytes != nullptr && b < gl_bytes; ++b) {
+        if (node->flag_bytes[b] != MULTI_NONE) {
+            first = first < b ? first : b;
+            last = b;
+        }
+    }
+    for (const uint32_t shared : {0xf0u, 0xc0u}) {
+        if (!root && first <= last && ((first ^ last) & shared) == 0 &&
+            (shared == 0xc0 || (first & 0xc0) != utf8_first_trail))
+            return {first & shared, shared};
+    }
+    return {0, 0};
 }
 
 size_t count_units(const multi_node *node, bool root) {
-    size_t units = range_of(node, root).units;
-    for (int b = 0; node->flag_bytes != nullptr && b < gl_bytes; ++b)
+    size_t units = range_of(node, root).units();
+    for (int b = 0; node->child_count != 0 && b < gl_bytes; ++b)
         if (node->flag_bytes[b] == MULTI_CHILD)
             units += count_units(node->children[node->child_slot[b]], false);
     return units;
@@ -67,17 +73,17 @@ template <typename Entry> struct layout {
     Entry place(const multi_node *node, bool root) {
         const state_range range = range_of(node, root);
         const uint32_t base = used_units;
-        used_units += root ? root_units + 1 : range.units; // the empty unit follows the root
+        used_units += range.units() + (root ? empty_units : 0);
         Entry *own = entries + static_cast<size_t>(base) * state_unit;
-        for (uint32_t i = 0; i < range.units * state_unit; ++i) {
+        for (uint32_t i = 0; i < range.size(); ++i) {
             const uint32_t b = range.first + i;
             const unsigned char flag = node->flag_bytes == nullptr ? 0 : node->flag_bytes[b];
             own[i] = flag == MULTI_END     ? finished(node, b)
                      : flag == MULTI_CHILD ? place(node->children[node->child_slot[b]], false)
                                            : absent_entry;
         }
-        const uint32_t quarter = range.first / state_unit << state_quarter_shift;
-        return base << state_base_shift | (range.units == 1 ? state_quarter_mark | quarter : 0);
+        return base << state_base_shift | range.shared >> 4 << state_shared_shift |
+               range.first >> 4 << state_prefix_shift;
     }
 };
 
@@ -86,15 +92,15 @@ template <typename Entry> bool is_state(Entry entry) {
 }
 
 template <typename Entry> bool is_utf8_trail_state(Entry entry) {
-    constexpr uint32_t wanted = state_quarter_mark | utf8_trail_quarter << state_quarter_shift;
-    return is_state(entry) && (static_cast<uint32_t>(entry) & 0xf00) == wanted;
+    constexpr uint32_t wanted = 0xcu << state_shared_shift | 0x8u << state_prefix_shift;
+    return is_state(entry) && (static_cast<uint32_t>(entry) & 0xff00) == wanted;
 }
 
 template <typename Entry> void fill_rows(fast_tables *fast, const Entry *entries) {
     for (uint32_t lead = 0; lead < utf8_leads; ++lead) {
         const Entry second = entries[utf8_first_lead + lead];
-        for (uint32_t i = 0; i < state_unit; ++i) {
-            uint32_t *row = &fast->rows[lead * state_unit + i];
+        for (uint32_t i = 0; i < utf8_trails; ++i) {
+            uint32_t *row = &fast->rows[lead * utf8_trails + i];
             *row = empty_unit * state_unit;
             if (!is_utf8_trail_state(second))
                 continue;
@@ -120,7 +126,7 @@ template <typename Entry> void lay_out(const multi_arr *table, fast_tables *fast
     auto *entries = entries_of<Entry>(fast);
     layout<Entry> plan{table, entries};
     plan.place(table->root, true);
-    for (uint32_t i = 0; i < state_unit; ++i)
+    for (uint32_t i = 0; i < empty_units * state_unit; ++i)
         entries[empty_unit * state_unit + i] = absent_entry;
     fast->only_zero_ends = plan.only_zero_ends;
     fast->keeps_ascii = all_ascii_stays(entries);
@@ -163,9 +169,9 @@ void make_flat_tables(cv_rec *cv) {
     if (table->max_len > gl_char_bytes || table->min_len != 1)
         return;
     const bool wide = cv->target_max_len > 3;
-    const size_t units = count_units(table->root, true) + 1;
+    const size_t units = count_units(table->root, true) + empty_units;
     const size_t bytes = units * state_unit * (wide ? sizeof(uint64_t) : sizeof(uint32_t));
-    if (units > largest_base || bytes > largest_table)
+    if (units > largest_base)
         return;
     auto *fast = static_cast<fast_tables *>(_gl_ext_malloc(offset_of_entries() + bytes));
     if (fast == nullptr)

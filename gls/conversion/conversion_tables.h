@@ -10,16 +10,18 @@
 //     bits 8 up   finished: the target bytes, the first one lowest (3 in a 32-bit entry, 4 in a
 //                 64-bit one)
 //                 not finished: the next state
-//     a state     bits 12 up: its first entry, in units of 64
-//                 bits 8-9:   the quarter of the byte values that it has, when it has 64 entries
-//                 bits 10-11: both set for 64 entries, clear for 256
+//     a state     bits 16 up:  its first entry, in units of 16
+//                 bits 12-15:  which of the high four bits of a byte all its bytes share: 1111 for
+//                              16 entries, 1100 for 64, 0000 for 256
+//                 bits 8-11:   these bits
 //
 // A byte that no character goes on with, or ends with unmapped, leads to an empty state, and that
 // to itself, so that a walk has nothing to test but its end.
 //
-// Trail bytes of most code sets lie in one quarter, which keeps the tables in the cache. Three-byte
-// characters of UTF-8 get there by one step more directly: rows[] has the state after their first
-// two bytes. Runs of ASCII that stay as they are move eight bytes at a time.
+// Trail bytes of most code sets lie in one quarter of the byte values, or less, which keeps the
+// tables small and in the cache. Three-byte characters of UTF-8 get there by one step more directly:
+// rows[] has the state after their first two bytes. Runs of ASCII that stay as they are move eight
+// bytes at a time.
 
 #pragma once
 
@@ -28,14 +30,18 @@
 
 namespace kestrion {
 
-inline constexpr uint32_t state_unit = 64; // entries
-inline constexpr uint32_t root_units = 4;
+inline constexpr uint32_t state_unit = 16; // entries
+inline constexpr uint32_t root_units = gl_bytes / state_unit;
+inline constexpr uint32_t utf8_trails = 64;        // entries of a state for trail bytes of UTF-8
 inline constexpr uint32_t empty_unit = root_units; // after the root: leads to itself alone
-inline constexpr uint32_t state_quarter_shift = 8;
-inline constexpr uint32_t state_quarter_mark = 3u << 10;
-inline constexpr uint32_t state_base_shift = 12;
+inline constexpr uint32_t empty_units = utf8_trails / state_unit;
+inline constexpr uint32_t state_prefix_shift = 8;
+inline constexpr uint32_t state_shared_shift = 12;
+inline constexpr uint32_t state_base_shift = 16;
 // No such character, or no mapping: a state that never ends one.
-inline constexpr uint32_t absent_entry = empty_unit << state_base_shift | state_quarter_mark;
+inline constexpr uint32_t absent_entry = empty_unit << state_base_shift | 0xfu
+                                                                              << state_shared_shift;
+
 inline constexpr uint32_t utf8_leads = 16;
 
 enum class table_form : unsigned char { single, narrow, wide };
@@ -45,7 +51,7 @@ struct fast_tables {
     bool only_zero_ends; // no character but a zero byte ends a terminated text
     bool keeps_ascii;    // bytes below 80 stay as they are
     bool has_rows;
-    uint32_t rows[utf8_leads * state_unit]; // first entry by the first two bytes
+    uint32_t rows[utf8_leads * utf8_trails]; // first entry by the first two bytes
 };
 
 // What the record of a single-byte pair has in place of the rows and entries above.
@@ -69,7 +75,7 @@ template <typename Entry> const Entry *entries_of(const fast_tables *fast) {
 }
 
 template <typename Entry> uint32_t first_entry(Entry state) {
-    return static_cast<uint32_t>(state) >> state_base_shift << (31 - __builtin_clz(state_unit));
+    return (static_cast<uint32_t>(state) >> state_base_shift) * state_unit;
 }
 
 // Make the tables of a record with a complete table_normal and no shift states. Without memory, or
