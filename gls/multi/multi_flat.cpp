@@ -11,8 +11,8 @@ namespace {
 constexpr uint32_t max_states = 65536; // what the 16 bits of a step can number
 constexpr size_t row_size = gl_bytes * sizeof(multi_step);
 
-// States that were made for nodes without children, by their arrays. In a compressed table many
-// nodes have the same ones, and one state serves them all.
+// States that were made for nodes without children, by what is in their arrays: in a large code set
+// many nodes hold the same, and one state serves them all.
 struct shared_state {
     const multi_node *node;
     uint32_t state; // 0: free place
@@ -31,6 +31,7 @@ struct flattening {
     bool has_rows() const { return table->data_size != sizeof(multi_step::datum); }
     bool grow();
     bool grow_seen();
+    uint64_t key_of(const unsigned char *array, size_t size) const;
     shared_state *place_of(const multi_node *node);
     bool place(const multi_node *node, uint32_t &state);
     uint16_t datum_at(const multi_node *node, uint32_t state, size_t b) const;
@@ -53,14 +54,34 @@ bool flattening::grow() {
     return true;
 }
 
+constexpr uint64_t hash_factor = 0x9E3779B97F4A7C15u;
+
+// A compressed table has one array for each content, and its address will do.
+uint64_t flattening::key_of(const unsigned char *array, size_t size) const {
+    if (array == nullptr || table->shared_flags != nullptr)
+        return reinterpret_cast<uintptr_t>(array);
+    uint64_t key = 0;
+    for (size_t i = 0; i < size; i += sizeof key) { // arrays are a multiple of 256 bytes
+        uint64_t word;
+        memcpy(&word, array + i, sizeof word);
+        key = (key ^ word) * hash_factor;
+        key ^= key >> 32;
+    }
+    return key;
+}
+
+bool same_array(const unsigned char *a, const unsigned char *b, size_t size) {
+    return a == b || (a != nullptr && b != nullptr && memcmp(a, b, size) == 0);
+}
+
 // The place of a childless node's state: its own, or the free one where it belongs.
 shared_state *flattening::place_of(const multi_node *node) {
-    const uint64_t key = reinterpret_cast<uintptr_t>(node->flag_bytes) * 31 +
-                         reinterpret_cast<uintptr_t>(node->data);
-    for (uint64_t i = key * 0x9E3779B97F4A7C15u >> 32;; ++i) {
+    const size_t data_size = multi_data_array_size(table);
+    const uint64_t key = key_of(node->flag_bytes, gl_bytes) * 31 + key_of(node->data, data_size);
+    for (uint64_t i = key * hash_factor >> 32;; ++i) {
         shared_state *const at = &seen[i & (seen_capacity - 1)];
-        if (at->state == 0 ||
-            (at->node->flag_bytes == node->flag_bytes && at->node->data == node->data))
+        if (at->state == 0 || (same_array(at->node->flag_bytes, node->flag_bytes, gl_bytes) &&
+                               same_array(at->node->data, node->data, data_size)))
             return at;
     }
 }

@@ -88,6 +88,36 @@ TEST(Multi, AllFormsAgreeWithAPlainMap) {
     }
 }
 
+// Plain tables have an array for each node, of which most are equal in a large code set.
+TEST(Multi, EqualNodesOfAPlainTableAreOneState) {
+    multi_arr *const table = new_u16_table();
+    for (int i = 0; i < 0x10100; ++i)
+        insert(table,
+               {static_cast<char>(i >> 16), static_cast<char>(i >> 8), static_cast<char>(i), 'x'},
+               7);
+    EXPECT_EQ(kestrion::multi_flatten(table), 0);
+    EXPECT_EQ(datum_of(table, std::string("\1\0\xFFx", 4)), 7);
+    _gl_free_multi(table);
+}
+
+// States are numbered in 16 bits, and 1 is not one.
+TEST(Multi, AsManyStatesAsAStepCanNumberAreMade) {
+    multi_arr *const table = new_u16_table();
+    const auto insert_leaf = [&](int i) {
+        insert(table, {static_cast<char>(i >> 8), static_cast<char>(i), 'x'},
+               static_cast<uint16_t>(i));
+    };
+    constexpr int leaves = 65535 - 1 - 255; // besides the root and its children
+    for (int i = 0; i < leaves; ++i)
+        insert_leaf(i);
+    EXPECT_EQ(kestrion::multi_flatten(table), 0);
+    EXPECT_EQ(datum_of(table, "\xFE\xFDx"), 0xFEFD);
+    insert_leaf(leaves);
+    EXPECT_EQ(kestrion::multi_flatten(table), -1);
+    EXPECT_EQ(datum_of(table, "\xFE\xFDx"), 0xFEFD);
+    _gl_free_multi(table);
+}
+
 TEST(Multi, InsertDropsTheFlatTable) {
     multi_arr *const table = new_u16_table();
     insert(table, "AB", 1);
