@@ -1,7 +1,9 @@
 #include <kestrion/env_registry.h>
 
+#include "base/installation.h"
 #include "base/locale_hooks.h"
 #include "base/owned_text.h"
+#include "env/place_variables.h"
 #include "env/variable_table.h"
 #include <kestrion/error_numbers.h>
 #include <kestrion/first_load.h>
@@ -60,6 +62,8 @@ bool over_limit(const char *value, const char *name, int32_t index) {
 char *environment_value(const char *name, int32_t index) {
     char *value = getenv(name);
     if (value == nullptr)
+        return nullptr;
+    if (kestrion::has_raised_privileges() && kestrion::is_place_variable(name))
         return nullptr;
     char *converted = kestrion::locale_hooks.text_from_system(value);
     if (converted != nullptr)

@@ -60,7 +60,7 @@ int add_program_rows() {
 
 int add_ignored_names(env_name_list *ignore) {
     const char *names = getenv("ENVIGNORE");
-    if (names == nullptr)
+    if (names == nullptr || kestrion::has_raised_privileges())
         return 0;
     char *copy = kestrion::joined_text(names); // cut up here, not in the environment
     if (copy == nullptr)
@@ -77,7 +77,7 @@ int add_ignored_names(env_name_list *ignore) {
 }
 
 int read_system_file(const env_name_list *ignore, uint32_t *flags) {
-    const char *directory = getenv("KESTRIONDIR");
+    const char *directory = kestrion::directory_from_environment();
     char *path = kestrion::joined_text(
         directory == nullptr ? kestrion::built_in_directory : directory, "/etc/kestrion.rc");
     if (path == nullptr)
@@ -127,7 +127,8 @@ int settle_locale_variables(uint32_t flags) {
 int read_settings(const env_name_list *ignore) {
     uint32_t flags = 0;
     int status = read_system_file(ignore, &flags);
-    if (status == 0 || status == err_env_value_size)
+    const bool goes_on = status == 0 || status == err_env_value_size;
+    if (goes_on && !kestrion::has_raised_privileges())
         status = read_user_file(ignore, &flags);
     if (status != 0 && status != err_env_value_size)
         return err_env_no_memory;

@@ -1,6 +1,9 @@
 #include "isi/diagnostics.h"
 
+#include "base/installation.h"
+
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -12,9 +15,14 @@ constinit void *libisiHandle = nullptr;
 namespace {
 
 using kestrion::isi_source_name;
+using kestrion::place_from_environment;
 using kestrion::trace_calls;
 using kestrion::trace_functions;
 using kestrion::trace_load;
+
+// The provider's file, opened for root; -1 for all others. It stays open while the library is loaded,
+// which goes by the number of this descriptor in the process.
+constinit int provider_file = -1;
 
 constexpr const char *default_provider = "libisi.so.1";
 constexpr int required_major = 1;
@@ -36,13 +44,9 @@ bool open_main_program() {
     return false;
 }
 
-// Settings name files to write and functions to call, so a process with raised privileges takes
-// none from its environment.
-const char *setting(const char *name) { return secure_getenv(name); }
-
 // Hands the function of the running program that the variable names to `install`.
 void read_callback(const char *variable, const char *kind, int (*install)(isi_line_callback)) {
-    const char *name = setting(variable);
+    const char *name = place_from_environment(variable);
     if (name == nullptr)
         return;
     void *function = dlsym(isi_shared_globals.main_handle, name);
@@ -54,22 +58,22 @@ void read_callback(const char *variable, const char *kind, int (*install)(isi_li
 }
 
 void read_settings() {
-    if (const char *name = setting("ISI_ERR_FILE"))
+    if (const char *name = place_from_environment("ISI_ERR_FILE"))
         isi_set_err_file(name);
     read_callback("ISI_ERR_CALLBACK", "err", isi_set_err_callback);
-    if (const char *level = setting("ISI_TRACE_LEVEL"))
+    if (const char *level = place_from_environment("ISI_TRACE_LEVEL"))
         isi_set_trace_level(static_cast<int>(strtol(level, nullptr, 10)));
-    if (const char *name = setting("ISI_TRACE_FILE"))
+    if (const char *name = place_from_environment("ISI_TRACE_FILE"))
         isi_set_trace_file(name);
     read_callback("ISI_TRACE_CALLBACK", "trace", isi_set_trace_callback);
 }
 
 // An owned path, or null with the result set.
 char *provider_path(int *result) {
-    const char *name = setting("LIBISI_NAME");
+    const char *name = place_from_environment("LIBISI_NAME");
     if (name == nullptr)
         name = default_provider;
-    const char *directory = getenv("KESTRIONDIR");
+    const char *directory = kestrion::directory_from_environment();
     if (directory == nullptr) {
         LOG_ERR(ISI_ERR_PLACE, "getenv", 0,
                 "please set KESTRIONDIR to enable loading of $KESTRIONDIR/lib/%s", name);
@@ -86,22 +90,45 @@ char *provider_path(int *result) {
     return path;
 }
 
-// For root a provider must be root's own: whoever can replace it would run as root. `stat` follows
-// links, so it is the target that is judged.
+// The linker finds a library by the name under which it was loaded before, also one that was closed
+// and stays in memory. So each provider gets a number that no earlier one had, as long as there are
+// any.
+int with_new_number(int descriptor) {
+    static constinit int next_number = 0;
+    int moved = fcntl(descriptor, F_DUPFD_CLOEXEC, next_number);
+    if (moved < 0)
+        moved = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    close(descriptor);
+    next_number = moved + 1;
+    return moved;
+}
+
+// For root the file is opened, so that the one that is judged is the one that is loaded whatever
+// happens to the path meanwhile.
+int look_at_file(const char *path, struct stat *status) {
+    if (geteuid() != 0)
+        return stat(path, status);
+    const int descriptor = open(path, O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    if (descriptor < 0)
+        return -1;
+    provider_file = with_new_number(descriptor);
+    return provider_file < 0 ? -1 : fstat(provider_file, status);
+}
+
+// For root a provider must be root's own: whoever can replace it would run as root. Links are
+// followed, so it is the target that is judged.
 bool is_acceptable_file(const char *path) {
     struct stat status;
-    const int code = stat(path, &status);
+    const int code = look_at_file(path, &status);
     if (code != 0) {
         LOG_ERR(ISI_ERR_ERRNO, "stat", code, "cannot access %s", path);
         return false;
     }
-    if (geteuid() != 0)
-        return true;
-    if (status.st_uid != 0) {
+    if (geteuid() == 0 && status.st_uid != 0) {
         LOG_ERR(ISI_ERR_MESSAGE, nullptr, 0, "%s exists, but is not owned by root", path);
         return false;
     }
-    if (!S_ISREG(status.st_mode) && !S_ISLNK(status.st_mode)) {
+    if (!S_ISREG(status.st_mode)) {
         LOG_ERR(ISI_ERR_MESSAGE, nullptr, 0,
                 "%s exists, but is not a regular file or symbolic link", path);
         return false;
@@ -110,7 +137,9 @@ bool is_acceptable_file(const char *path) {
 }
 
 bool open_provider(const char *path) {
-    libisiHandle = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
+    char opened[sizeof "/proc/self/fd/" + 10];
+    snprintf(opened, sizeof opened, "/proc/self/fd/%d", provider_file);
+    libisiHandle = dlopen(provider_file >= 0 ? opened : path, RTLD_NOW | RTLD_GLOBAL);
     if (libisiHandle == nullptr) {
         LOG_ERR(ISI_ERR_DLERROR, "OPEN_LIB", 0, "cannot load library %s", path);
         return false;
@@ -219,5 +248,8 @@ void isi_cleanup() {
     for (isi_functab_row &function : isi_functab)
         function.isi_fp.address = nullptr;
     close_library(&libisiHandle);
+    if (provider_file >= 0)
+        close(provider_file);
+    provider_file = -1;
     close_library(&isi_shared_globals.main_handle);
 }

@@ -75,10 +75,17 @@ void directory_name(const char *spec, char (&name)[gl_composite_spec_size]) {
         name[0] = '\0';
 }
 
+// Names come from the caller. They are looked up below the installation directory, and where the caller
+// must not choose the file they do not lead out of it.
+bool is_usable(const char *middle) {
+    return middle != nullptr && *middle != '\0' &&
+           !(strstr(middle, "..") != nullptr && kestrion::has_raised_privileges());
+}
+
 // Returns false when the attempt needs a name that is absent, or does not fit.
 bool build_path(char (&path)[gen_path_size], const char *base, const attempt &row,
                 const char *middle, const char *leaf) {
-    const bool has_middle = middle != nullptr && *middle != '\0';
+    const bool has_middle = is_usable(middle);
     if (!has_middle && row.middle != NO_NAME)
         return false;
     const int length = snprintf(path, sizeof path, "%s/%s%s%s%s", base, row.above,

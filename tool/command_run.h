@@ -25,7 +25,7 @@ extern int16_t op_mode;
 extern char inputfile_path[file_name_size];
 extern char outputfile_path[file_name_size];
 extern char key_input[access_key_size];
-extern const char *qvtxdir; // KESTRIONDIR as the plain process environment has it
+extern const char *qvtxdir; // directory_from_environment(): no configuration file decides it
 
 // What one run holds. A block that was given back is null.
 struct command_run {

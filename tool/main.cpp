@@ -4,8 +4,7 @@
 // It prints to standard error alone, and on success nothing. Until the messages are loaded it
 // prints fixed English texts.
 
-#include <kestrion/message_slots.h>
-
+#include "base/installation.h"
 #include "passwords/keys.h"
 #include "passwords/message_texts.h"
 #include "passwords/password_text.h"
@@ -13,6 +12,7 @@
 #include "passwords/whole_files.h"
 #include "tool/command_options.h"
 #include "tool/command_run.h"
+#include <kestrion/message_slots.h>
 
 #include <errno.h>
 #include <stdio.h>
@@ -41,7 +41,7 @@ int32_t pw_init_messages() {
 
 // Before the options: a run without arguments, too, says first what its surroundings lack.
 void check_surroundings() {
-    qvtxdir = getenv("KESTRIONDIR");
+    qvtxdir = directory_from_environment();
     if (qvtxdir == nullptr)
         error("KESTRIONDIR env variable is not set\n");
     if (access(qvtxdir, F_OK) != 0)

@@ -1,5 +1,6 @@
 #include <kestrion/ext_funcs.h>
 
+#include "base/installation.h"
 #include "base/regular_file.h"
 #include "gls/base/engine_error.h"
 
@@ -141,7 +142,7 @@ char *_gl_get_env_var(const char *name) {
     return value != nullptr && *value != '\0' ? value : nullptr;
 }
 
-char *gl_ext_getenv(const char *name) { return getenv(name); }
+char *gl_ext_getenv(const char *name) { return kestrion::place_from_environment(name); }
 
 int32_t *gl_ext_errno(void *ctx) { return ctx != nullptr ? static_cast<int32_t *>(ctx) : &temperr; }
 

@@ -1,5 +1,6 @@
 #include <kestrion/gls_log.h>
 
+#include "base/installation.h"
 #include "gls/base/log_with_name.h"
 #include "gls/base/real_identity.h"
 #include <kestrion/ext_funcs.h>
@@ -51,7 +52,9 @@ void gl_message(const char *text) { kestrion::log_with_name("", text); }
 
 FILE *openlogfile(const char *name, const char *mode) {
     kestrion::real_identity identity;
-    if (!identity.take())
+    // The current folder of a raised program is its caller's choice, also where a configuration file
+    // asks for the log.
+    if (kestrion::has_raised_privileges() || !identity.take())
         return nullptr;
     FILE *const log = fopen(name, mode);
     identity.give_back();

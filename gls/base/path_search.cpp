@@ -1,5 +1,6 @@
 #include <kestrion/path_search.h>
 
+#include "base/installation.h"
 #include "gls/base/engine_error.h"
 #include "gls/base/log_with_name.h"
 #include <kestrion/gls_log.h>
@@ -14,7 +15,6 @@ namespace {
 
 constexpr size_t max_base_length = 256;
 constexpr size_t stack_path_size = 1024;
-constexpr std::string_view default_base = "/usr/kestrion/";
 
 // A path under construction: on the stack while it is short, from the search's allocator above
 // that.
@@ -144,7 +144,7 @@ FILE *search::in_installation(std::string_view base) {
 
 FILE *search::run() {
     const char *const set_base = _gl_ext_getenv("KESTRIONDIR");
-    const std::string_view base = set_base != nullptr ? set_base : default_base;
+    const std::string_view base = set_base != nullptr ? set_base : kestrion::built_in_directory;
     if (base.size() > max_base_length) {
         gl_message("Environment variable KESTRIONDIR cannot be greater than 256 characters");
         return fail_with_null(ctx, GLS_ERR_FILE);
@@ -154,7 +154,7 @@ FILE *search::run() {
     if (name.starts_with('/'))
         return keep_directory("/") ? open_file(ctx, name.data(), functions) : nullptr;
     // Read past the table: the search also runs before a host has registered anything.
-    const char *const list = getenv("GL_PATH");
+    const char *const list = kestrion::place_from_environment("GL_PATH");
     return list != nullptr && *list != '\0' ? in_directories(list) : in_installation(base);
 }
 

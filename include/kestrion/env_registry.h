@@ -1,11 +1,14 @@
 // The registry of variables: where all of the runtime reads its settings instead of calling getenv.
 //
 // A lookup answers from the first of three layers that has a value:
-//   1. the process environment, which always wins; a value over its limit counts as not set
+//   1. the process environment, which always wins; a value over its limit counts as not set, and so
+//      does, in a program with raised privileges (set-user-id and the like), the value of a variable
+//      that names a file, a folder or a program
 //   2. the settings of the current locale environment (14 names; after start-up these hold what was
 //      derived from the others, and so shadow a later ginsenv of the same names)
 //   3. the live entry: ~/.kestrion, else $KESTRIONDIR/etc/kestrion.rc, else the built-in default
-// A name that is not in the table is answered from the process environment alone.
+// A name that is not in the table is answered from the process environment alone. With raised
+// privileges etc/kestrion.rc is that of the built-in directory, and ~/.kestrion is not read.
 //
 // Example: KESTRIONDIR has the default "/usr/kestrion" and a limit of 256 characters. With 256 in
 // the environment ggetenv("KESTRIONDIR") returns them; with 257 it returns what a configuration

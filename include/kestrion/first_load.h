@@ -3,7 +3,8 @@
 // for it, the locale variables.
 //
 // ENVIGNORE in the process environment, names with ":" between them, keeps lines out of both files;
-// it does not touch the environment's own variables.
+// it does not touch the environment's own variables. With raised privileges it does not count, the
+// system's file is that of the built-in directory, and the user's file is not read.
 //
 // Results of type int are 0 or one of the err_env_ numbers of <kestrion/error_numbers.h>.
 

@@ -25,8 +25,8 @@ void gl_init_debug(void);
 void gl_message(const char *text);
 
 // Opens the log. As root on behalf of another real user, the file is opened as that user. Returns
-// null when it can't be opened or the identity can't be dropped; the process ends when the identity
-// can't be restored.
+// null when it can't be opened, when the identity can't be dropped, and with raised privileges
+// (set-user-id and the like); the process ends when the identity can't be restored.
 FILE *openlogfile(const char *name, const char *mode);
 
 // Writes "Assert in FILE at line LINE failed." to the standard error and ends the process.

@@ -68,6 +68,13 @@ extern void *libisiHandle; /* the provider library; null when none is loaded */
 /*
  * Loads $KESTRIONDIR/lib/libisi.so.1 (or the file named by LIBISI_NAME there) and binds it. Not
  * locked: to be called once, before threads start; a second call after a success does nothing.
+ *
+ * Only a regular file is loaded. For root it must be root's own, and what is loaded is the file that
+ * was judged, through /proc, even if its path is given to another one meanwhile. A process with
+ * raised privileges (set-user-id and the like) takes no setting from its environment: it loads the
+ * built-in directory's lib/libisi.so.1 ("/usr/kestrion" unless built otherwise), traces nothing and
+ * calls nobody back.
+ *
  * Returns 0 when the provider is bound, 1 when it isn't, 2 when memory ran out. A failure lies on
  * the error stack and leaves the bridge unbound.
  */

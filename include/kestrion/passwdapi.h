@@ -49,7 +49,8 @@ typedef struct pw_ctx {
     pw_realloc_fn realloc_fn;
     pw_free_fn free_fn;
     char keystore_path[PW_PATH_SIZE]; /* install_dir + "/etc/keystore"; for the caller */
-    char install_dir[PW_PATH_SIZE];   /* KESTRIONDIR, by the environment or the configuration */
+    char install_dir[PW_PATH_SIZE];   /* KESTRIONDIR, by the environment or the configuration; in a
+                                         set-user-id program the built-in directory */
     int32_t counted_lines;            /* result of the last good pwGetLineCount; -1 before it */
 } pw_ctx;
 

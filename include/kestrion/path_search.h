@@ -8,7 +8,9 @@
 //   - GL_PATH, a list of directories with colons between them, decides alone when it is not empty:
 //     ELEMENT/NAME for each element, with no fall-back;
 //   - BASE/gls/lc11/NAME, unless the version is empty, then BASE/gls/lc/NAME, where BASE is
-//     KESTRIONDIR or "/usr/kestrion/".
+//     KESTRIONDIR or the built-in "/usr/kestrion".
+// A program with raised privileges (set-user-id and the like) takes neither variable from its
+// environment.
 // A KESTRIONDIR of more than 256 characters fails every search.
 //
 // Failures: null with GLS_ERR_FILE (no file, unusable KESTRIONDIR) or GLS_ERR_NO_MEMORY. A file

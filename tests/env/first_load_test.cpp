@@ -1,3 +1,4 @@
+#include "base/installation.h"
 #include "environment.h"
 #include <kestrion/config_files.h>
 #include <kestrion/env_registry.h>
@@ -30,6 +31,37 @@ extern "C" os_control *__wrap_CheckOsInit(void) {
     if (wanted != locale_start::done)
         ggetenv("NOT_KNOWN");
     return wanted == locale_start::looks_up_and_fails ? nullptr : __real_CheckOsInit();
+}
+
+constinit bool raised = false;
+extern "C" unsigned long __wrap_getauxval(unsigned long) { return raised; }
+
+// What the caller of such a program can set must not decide which files it reads and writes.
+TEST_F(FirstLoad, RaisedPrivilegesTakeNoPlaceFromTheCaller) {
+    write_system_file("W1 system\nW2 system\n");
+    write_user_file("W1 user\n");
+    const struct {
+        const char *name, *usual, *raised;
+    } rows[] = {
+        {"KESTRIONDIR", root.path().c_str(), kestrion::built_in_directory},
+        {"GL_PATH", "there", nullptr},
+        {"GLSLOG", "there", nullptr},
+        {"LIBISI_NAME", "there", nullptr},
+        {"XENVIRONMENT", "there", nullptr},
+        {"DBDATE", "there", "there"},
+        {"W1", "user", nullptr},
+        {"W2", nullptr, nullptr},
+    };
+    for (const char *name : {"GL_PATH", "GLSLOG", "LIBISI_NAME", "XENVIRONMENT", "DBDATE"})
+        setenv(name, "there", 1);
+    setenv("ENVIGNORE", "W2", 1);
+    for (const auto &row : rows)
+        EXPECT_STREQ(ggetenv(row.name), row.usual) << row.name;
+    gFreeEVars();
+    raised = true;
+    for (const auto &row : rows)
+        EXPECT_STREQ(ggetenv(row.name), row.raised) << row.name;
+    raised = false;
 }
 
 // The load inside the load does the work; the outer one must not repeat it over live entries.

@@ -2,6 +2,7 @@
 
 #include "support/temp_dir.h"
 #include <kestrion/code_set_registry.h>
+#include <kestrion/env_registry.h>
 #include <kestrion/gls_env.h>
 #include <kestrion/message_paths.h>
 #include <kestrion/message_ranges.h>
@@ -38,7 +39,25 @@ struct MessagePaths : testing::Test {
     temp_dir dir;
 };
 
+bool raised = false;
+
 } // namespace
+
+extern "C" unsigned long __wrap_getauxval(unsigned long) { return raised; }
+
+TEST_F(MessagePaths, NamesLeadOutOfTheInstallationOnlyWithoutRaisedPrivileges) {
+    setenv("CLIENT_LOCALE", "../../out", 1);
+    dir.write("here/msg/english/x.qem", "x");
+    dir.write("out/x.qem", "x");
+    ASSERT_NE(ggetenv("KESTRIONDIR"), nullptr);
+    ASSERT_EQ(ginsenv("KESTRIONDIR", dir.at("here").c_str(), nullptr), 0);
+    for (const bool with_privileges : {false, true}) {
+        raised = with_privileges;
+        unsetenv("KESTRIONDIR");
+        EXPECT_EQ(found(), with_privileges ? "here/msg/english" : "here/msg/../../out");
+    }
+    raised = false;
+}
 
 TEST_F(MessagePaths, EachPlaceWinsInItsTurn) {
     setenv("DBLANG", "de_DE.8859-1", 1);
