@@ -5,7 +5,7 @@
 // trace: the cipher's record only from the reading of the file on, its provider context never.
 
 #include "passwords/keys.h"
-
+#include "passwords/leftovers.h"
 #include "passwords/memory.h"
 #include "passwords/password_text.h"
 #include "passwords/sealed_file.h"
@@ -117,12 +117,8 @@ int32_t line_feeds(const char *text) {
     return count;
 }
 
-} // namespace
-
-int pwGetLineCount(pw_ctx *ctx, int32_t *count) {
-    if (ctx == nullptr || count == nullptr)
-        return -1;
-    *count = 0;
+// The two run below their callers, who wipe the stack that they leave.
+[[gnu::noinline]] int count_lines(pw_ctx *ctx, int32_t *count) {
     opening run;
     if (open_passwords(ctx, &run) != 0)
         return -1;
@@ -133,14 +129,31 @@ int pwGetLineCount(pw_ctx *ctx, int32_t *count) {
     return 0;
 }
 
-int pwLoadPW(pw_ctx *ctx, int32_t *count, pw_entry **table) {
-    if (ctx == nullptr || count == nullptr || table == nullptr)
-        return -1;
-    *count = 0;
+[[gnu::noinline]] int load_lines(pw_ctx *ctx, int32_t *count, pw_entry **table) {
     opening run;
     if (open_passwords(ctx, &run) != 0)
         return -1;
     if (parse_lines(ctx, run.text, run.text_length, count, table, ctx->counted_lines) != 0)
         return fail_releasing_blocks(ctx, &run, "parse_file failed\n");
     return close_passwords(ctx, &run);
+}
+
+} // namespace
+
+int pwGetLineCount(pw_ctx *ctx, int32_t *count) {
+    if (ctx == nullptr || count == nullptr)
+        return -1;
+    *count = 0;
+    const int result = count_lines(ctx, count);
+    wipe_leftovers();
+    return result;
+}
+
+int pwLoadPW(pw_ctx *ctx, int32_t *count, pw_entry **table) {
+    if (ctx == nullptr || count == nullptr || table == nullptr)
+        return -1;
+    *count = 0;
+    const int result = load_lines(ctx, count, table);
+    wipe_leftovers();
+    return result;
 }

@@ -1,17 +1,12 @@
 #include "tool/command_run.h"
 
 #include "base/print_as_format.h"
+#include "passwords/leftovers.h"
 
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#if defined(__x86_64__)
-#if defined(__clang__)
-#define _Bool bool // the header speaks C; g++ understands
-#endif
-#include <sys/platform/x86.h>
-#endif
 
 namespace kestrion {
 
@@ -37,30 +32,6 @@ void blank_keys_in_arguments() {
             explicit_bzero(run.argv[i], strlen(run.argv[i]));
 }
 
-// Copying and comparing leave the last bytes in vector registers, and the C library still saves
-// those on the stack where it binds functions of its own during the exit.
-__attribute__((noinline)) void wipe_vector_registers() {
-#if defined(__x86_64__)
-    if (CPU_FEATURE_ACTIVE(AVX512F))
-        asm volatile(".irp n,16,17,18,19,20,21,22,23,24,25,26,27,28,29,30,31\n\t"
-                     "vpxorq %%zmm\\n, %%zmm\\n, %%zmm\\n\n\t"
-                     ".endr" ::);
-    if (CPU_FEATURE_ACTIVE(AVX))
-        asm volatile("vzeroall" ::);
-    else
-        asm volatile(".irp n,0,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15\n\t"
-                     "pxor %%xmm\\n, %%xmm\\n\n\t"
-                     ".endr" ::);
-#endif
-}
-
-// The stack that calls have used and left: printing keeps text there, and so does whatever saved
-// the registers before.
-__attribute__((noinline)) void wipe_dead_stack() {
-    char dead[32 * 1024];
-    explicit_bzero(dead, sizeof dead);
-}
-
 bool is_leaving = false;
 
 // Runs at every exit, so also at the one that the registry of variables takes when it cannot even
@@ -75,8 +46,7 @@ void wipe_secrets() {
     wipe(run.result, static_cast<size_t>(run.result_length));
     for (pw_entry *entry : run.entries)
         wipe(entry, sizeof *entry);
-    wipe_vector_registers();
-    wipe_dead_stack();
+    wipe_leftovers();
     if (!is_leaving)
         fputs("Memory Allocation failed\n", stderr);
 }
@@ -86,8 +56,7 @@ void wipe_secrets() {
 void start_run(int argc, char **argv) {
     run.argc = argc;
     run.argv = argv;
-    wipe_vector_registers();
-    wipe_dead_stack();
+    wipe_leftovers();
     atexit(wipe_secrets); // cannot fail: the C library has places for the first few
 }
 

@@ -1,8 +1,10 @@
+#include "passwords/own_stack.h"
 #include "passwords/sealing.h"
 #include "passwords/staged_tree.h"
 #include "passwords/toy_provider.h"
 #include <kestrion/passwdapi.h>
 
+#include <numeric>
 #include <sys/syscall.h>
 #include <unistd.h>
 #include <utility>
@@ -215,9 +217,38 @@ TEST_F(Loader, NullsFailWithoutAWord) {
               "");
 }
 
+TEST_F(Loader, NothingSecretStaysOnTheStackOrInRegisters) {
+    const std::string rest = " nor-is-this-one-of-more-than-32-characters";
+    toy_provider::leaves_copies = true;
+    seal(two_lines + rest);
+    const std::string file = home.sealed();
+    std::string internal_key(24, '\0');
+    std::iota(internal_key.begin(), internal_key.end(), '\0');
+    const std::string secrets[] = {"opensesame", internal_key, file.substr(file.size() - 27, 24),
+                                   "rosebud", rest};
+    int32_t count = 0;
+    int result = -1;
+    const std::function<void()> actions[] = {
+        [&] { result = pwLoadPW(ctx, &count, table); },
+        [&] { result = pwGetLineCount(ctx, &count); },
+        [&] {
+            result = pwLoadPW(ctx, &count, table);
+            mrand48(); // bound now, which saves the vector registers on the stack
+        },
+    };
+    for (const auto &action : actions) {
+        own_stack stack;
+        stack.run(action);
+        ASSERT_EQ(result, 0);
+        for (const std::string &secret : secrets)
+            EXPECT_FALSE(stack.holds_part_of(secret)) << testing::PrintToString(secret);
+        free_entries();
+    }
+}
+
 } // namespace
 
-// Stands before the C library's for all code that is linked into this program.
+// Comes before the C library's for all code that is linked into this program.
 extern "C" ssize_t read(int fd, void *buffer, size_t count) {
     return syscall(SYS_read, fd, buffer, count < longest_read ? count : longest_read);
 }

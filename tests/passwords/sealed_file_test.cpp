@@ -1,3 +1,4 @@
+#include "passwords/own_stack.h"
 #include "passwords/sealed_file.h"
 #include "passwords/sealing.h"
 #include "passwords/toy_provider.h"
@@ -162,6 +163,29 @@ TEST_F(SealedFile, EveryCutAndEveryFlippedByteEndsInWordsOrText) {
         }
     }
     testing::internal::GetCapturedStderr();
+}
+
+TEST_F(SealedFile, KeysAreWipedFromTheStackTheyWereOn) {
+    sealing s;
+    int32_t length = 0;
+    int result = -1;
+    own_stack sealing_stack;
+    sealing_stack.run([&] {
+        result = pw_encrypt(context(), &s.cipher, plain_text, sizeof plain_text - 1, s.internal_key,
+                            access_key, &s.block, &s.length);
+    });
+    ASSERT_EQ(result, 0);
+    const std::string wrap_key(s.block + s.length - 27, 24);
+    EXPECT_FALSE(sealing_stack.holds_part_of(wrap_key));
+
+    char internal[32];
+    char access[32];
+    length = s.length;
+    own_stack opening_stack;
+    opening_stack.run(
+        [&] { result = extract_keys(context(), &s.cipher, s.block, &length, internal, access); });
+    ASSERT_EQ(result, 0);
+    EXPECT_FALSE(opening_stack.holds_part_of(wrap_key));
 }
 
 // Seals and opens while refusing one thing after the other; nothing secret may come back or stay.

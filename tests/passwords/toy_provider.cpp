@@ -8,6 +8,7 @@
 
 namespace toy_provider {
 
+bool leaves_copies = false;
 int block_size = 16;
 int extra_length = 0;
 
@@ -60,11 +61,20 @@ int release(void *ctx) {
     return 0;
 }
 
+[[gnu::noinline]] void leave_copy(const unsigned char *key) {
+    unsigned char deep[2048]; // so that later calls do not overwrite it
+    memcpy(deep, key, 24);
+    asm volatile("" ::"r"(deep) : "memory");
+}
+
 int init(void *ctx, void *, const unsigned char *key, const unsigned char *) {
     if (refuse())
         return 1;
-    if (key != nullptr)
-        memcpy(static_cast<toy_cipher *>(ctx)->key, key, 24);
+    if (key == nullptr)
+        return 0;
+    memcpy(static_cast<toy_cipher *>(ctx)->key, key, 24);
+    if (leaves_copies)
+        leave_copy(key);
     return 0;
 }
 
@@ -126,6 +136,7 @@ template <class F> void bind(isi_function_index row, F *function) {
 } // namespace
 
 void install() {
+    leaves_copies = false;
     block_size = block;
     extra_length = 0;
     next_random = 0;
