@@ -23,17 +23,19 @@
 #include <locale.h>
 #include <stdlib.h>
 #include <string.h>
-#include <string>
 #include <unistd.h>
 #include <vector>
 
 namespace {
 
+// The variables that the program was started with. putenv() keeps them, so they are never freed.
+auto &environment = *new std::vector<char *>;
+
 class process_start : public testing::EmptyTestEventListener {
 public:
     process_start() {
         for (char **variable = environ; *variable != nullptr; ++variable)
-            environment_.emplace_back(*variable);
+            environment.push_back(strdup(*variable));
         for (const message_slot *row = msginit; row->slot != nullptr; ++row)
             texts_.push_back(*row->slot);
         memcpy(ctype_, _ixctype, sizeof ctype_);
@@ -43,8 +45,8 @@ public:
 
     void OnTestStart(const testing::TestInfo &) override {
         clearenv();
-        for (const std::string &variable : environment_)
-            putenv(strdup(variable.c_str()));
+        for (char *variable : environment)
+            putenv(variable);
         setlocale(LC_ALL, "C");
         reset_bridge();
         reset_messages();
@@ -110,7 +112,6 @@ private:
         currheap = nullptr;
     }
 
-    std::vector<std::string> environment_;
     std::vector<const char *> texts_; // of the runtime's own message slots
     const new_gls_env_rec state_ = new_gls_env;
     const GlsEnv environment_record_ = gls_env;
