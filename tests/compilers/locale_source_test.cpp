@@ -1,6 +1,7 @@
 #include "compilers/posix/locale_source.h"
 #include "compilers/posix/source_library.h"
 #include "compilers/posix/statement_reader.h"
+#include "compilers/posix/transliteration.h"
 
 #include <filesystem>
 #include <fstream>
@@ -57,6 +58,7 @@ TEST(LocaleSource, StatementsFallIntoTokens) {
         {"d \"one/\ntwo\"\n", "wd sone/\ntwo | "},
         {"e <a/>b>\n", "we ya/>b | "},
         {"x 1\n% the end follows /\n", "wx n1 | "},
+        {"a /d255/d256 /377/400\n", "wa b/d255 yU64 n256 b/377 yU34 n0 | "},
     };
     for (const auto &row : rows)
         EXPECT_EQ(tokens_of(file_of(row.text)), row.tokens) << row.text;
@@ -133,6 +135,29 @@ TEST(LocaleSource, CopiesAreFollowedAndCannotGoInCircles) {
     EXPECT_THROW(
         library.for_each_statement(library.open("base"), "LC_U", [](const source_statement &) {}),
         source_error);
+}
+
+TEST(Transliteration, ALocalesOwnLinesGoBeforeThoseItIncludesOrCopies) {
+    std::filesystem::path directory = testing::TempDir() + "transliteration_test";
+    std::filesystem::create_directories(directory);
+    const auto write = [&](const char *name, const std::string &start, const std::string &lines) {
+        std::ofstream(directory / name) << "comment_char %\nescape_char /\nLC_CTYPE\n"
+                                        << start << "translit_start\n"
+                                        << lines << "translit_end\nEND LC_CTYPE\n";
+    };
+    write("base", "", "<U00E4> \"1\"\n<U00E5> \"1\"\n<U00E6> \"1\"\n<U00E7> \"1\"\n");
+    write("copied", "", "<U00E4> \"2\"\n<U00E5> \"2\"\n<U00E6> \"2\"\n");
+    write("own", "copy \"copied\"\n", "include \"base\";\"\"\n<U00E4> \"3\"\n<U00E8> \"\"\n");
+    write("first", "", "<U00E5> \"3\"\ninclude \"base\";\"\"\n");
+    source_library library({directory.string()});
+    const transliteration found(library, library.open("own"));
+    EXPECT_EQ(*found.find(0xE4), std::vector<std::u32string>{U"3"});
+    EXPECT_EQ(*found.find(0xE5), std::vector<std::u32string>{U"2"});
+    EXPECT_EQ(*found.find(0xE7), std::vector<std::u32string>{U"1"});
+    EXPECT_EQ(*found.find(0xE8), std::vector<std::u32string>{U""});
+    EXPECT_EQ(found.find(0xE9), nullptr);
+    const transliteration first(library, library.open("first"));
+    EXPECT_EQ(*first.find(0xE5), std::vector<std::u32string>{U"3"});
 }
 
 TEST(LocaleSource, EveryInstalledSourceReadsToItsEnd) {

@@ -285,13 +285,37 @@ TEST_F(Mkcvo, ACharacterThatBeginsWithAnotherIsLostAsASource) {
     EXPECT_EQ(convert(back.cv, "ab", 8).text, "AAB");
 }
 
+TEST_F(Mkcvo, ATwoWayRowGoesBeforeAOneWayRowOfTheSameBytes) {
+    for (const char *rows : {"%IRREVERSIBLE%<U0042> /x80 B\n<U0041> /x80 A\n",
+                             "<U0041> /x80 A\n%IRREVERSIBLE%<U0042> /x80 B\n"}) {
+        std::ofstream("both") << charmap_text(rows);
+        loaded_object loaded(object({"./both", "./to"}));
+        EXPECT_EQ(convert(loaded.cv, "\x80", 8).text, "a") << rows;
+    }
+}
+
+TEST_F(Mkcvo, AByteTableNeedsEveryByte) {
+    std::string rows;
+    for (unsigned byte = 1; byte < 256; ++byte) {
+        char row[32];
+        snprintf(row, sizeof row, "<U%04X> /x%02x\n", byte, byte);
+        rows += row;
+    }
+    std::ofstream("all") << charmap_text(rows);
+    std::ofstream("most") << charmap_text(rows.substr(rows.find('\n') + 1));
+    EXPECT_EQ(loaded_object(object({"./all", "./all"})).cv->no_sb_table, 0);
+    EXPECT_EQ(loaded_object(object({"./most", "./most"})).cv->no_sb_table, 1);
+    EXPECT_EQ(loaded_object(object({"./all", "./most"})).cv->no_sb_table, 1);
+}
+
 TEST_F(Mkcvo, TwoByteFormHasNothingBeyondSixteenBits) {
-    std::ofstream("wide") << charmap_text("<U00010400> /x41 deseret\n<U0041> /x61 A\n");
+    std::ofstream("wide") << charmap_text(
+        "<U00010400> /x41 deseret\n<U0041> /x61 A\n<UFFFF> /x62\n");
     const outcome there = mkcvo({"-o", "x.cvo", "./wide", "UCS-2"});
     EXPECT_EQ(there.status, 1);
     EXPECT_NE(there.said.find("U+10400 has no counterpart in UCS-2"), std::string::npos);
     loaded_object loaded(content("x.cvo"));
-    EXPECT_EQ(convert(loaded.cv, "aA", 8), (conversion_result{-1, 1, "A\0"s, 1, 6, 0}));
+    EXPECT_EQ(convert(loaded.cv, "abA", 8), (conversion_result{-1, 1, "A\0\xff\xff"s, 2, 4, 0}));
     const outcome back = mkcvo({"-o", "x.cvo", "UCS-2", "./wide"});
     EXPECT_EQ(back.status, 1);
     EXPECT_NE(back.said.find("1 characters of ./wide lie beyond U+FFFF"), std::string::npos);
@@ -321,6 +345,20 @@ TEST_F(Mkcvo, ShiftedFormIsThatOfTheCLibrary) {
               static_cast<size_t>(gl_cv_outbuflen(there.cv, static_cast<int32_t>(text.size()))));
     EXPECT_LE(convert(there.cv, "\xb0\xa1").text.size(),
               static_cast<size_t>(gl_cv_outbuflen(there.cv, 2)));
+}
+
+TEST_F(Mkcvo, ShiftedFormHoldsWhatOneStateCanWrite) {
+    std::ofstream("mixed") << charmap_text("<UAC00> /x81 ga\n<UAC00><U0041> /x82 ga, A\n"
+                                           "<U0041><U0042> /x83 A, B\n<U0041> /x84 A\n");
+    loaded_object there(object({"./mixed", "shifted:EUC-KR"}));
+    EXPECT_EQ(convert(there.cv, "\x81\x83", 16).text, "\x0e\x30\x21\x0f"
+                                                      "AB");
+    EXPECT_EQ(convert(there.cv, "\x82", 16).result, -1) << "its bytes are of two states";
+    EXPECT_EQ(there.cv->expansion, 4.0F) << "one byte becomes two with a shift on either side";
+    std::ofstream("edge") << charmap_text("<U007F> /x7f\n<U0080> /x80\n");
+    loaded_object back(object({"shifted:./edge", "./edge"}));
+    EXPECT_EQ(convert(back.cv, "\x7f", 8).text, "\x7f");
+    EXPECT_EQ(convert(back.cv, "\x80", 8).result, -1);
 }
 
 TEST_F(Mkcvo, ShiftSequencesAreTheOptions) {

@@ -135,6 +135,19 @@ TEST_F(Mklco, CharactersThatTextsCannotHoldAreLostOrRefused) {
     EXPECT_NE(zero.said.find("charmaps/P:5:1: error"), std::string::npos) << zero.said;
 }
 
+TEST_F(Mklco, AnObjectHoldsFourNamedClassesBesideFullWidth) {
+    for (const char *name : {"c2", "c3", "c4", "c5"})
+        more_classes += "class \"" + std::string(name) + "\"; <U0042>\n";
+    ASSERT_EQ(compile("", "", "", "", {"--losses=lost"}).status, 1);
+    EXPECT_NE(content("lost").find("tt:22:7: class c5 with 1 characters is left out"),
+              std::string::npos)
+        << content("lost");
+    mklco({"--list", "-olist", "new.lco"});
+    EXPECT_NE(content("list").find("class 42 upper alpha graph print c2 c3 c4\n"),
+              std::string::npos);
+    EXPECT_EQ(content("list").find("c5"), std::string::npos);
+}
+
 TEST_F(Mklco, RangesCountAsTheirEllipsisSays) {
     std::ofstream("charmaps/R") << "<code_set_name> R\n<escape_char> /\nCHARMAP\n"
                                    "<U0058>..<U005A> /x58\n<U0104> /xa1\n<U02D8> /xa2\n"
