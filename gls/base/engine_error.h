@@ -5,8 +5,6 @@
 #include <kestrion/ext_funcs.h>
 #include <kestrion/gls_errors.h>
 
-#include <stddef.h>
-
 namespace kestrion {
 
 // Stores an error in the word of `ctx`.
@@ -27,7 +25,7 @@ inline bool refuse(void *ctx, int32_t code) {
     store_failure(ctx, code);
     return false;
 }
-inline nullptr_t fail_with_null(void *ctx, int32_t code) {
+inline decltype(nullptr) fail_with_null(void *ctx, int32_t code) {
     store_failure(ctx, code);
     return nullptr;
 }

@@ -25,7 +25,9 @@ constexpr standard_class standard_classes[] = {
 // Bits above the widest mask that the shift can hold name no class.
 constexpr int32_t mask_bits_left = 20;
 
-uint32_t named_mask(int32_t bit) { return bit >= 0 && bit <= mask_bits_left ? CT_NAMED << bit : 0; }
+uint32_t named_mask(int32_t bit) {
+    return bit >= 0 && bit <= mask_bits_left ? uint32_t{CT_NAMED} << bit : 0;
+}
 
 // What an invalid character gives.
 uint32_t no_class(locale_rec *lc, int32_t error) {
