@@ -10,6 +10,7 @@ namespace kestrion {
 
 namespace {
 
+constexpr size_t most_shown = 20;     // of each kind
 constexpr size_t shown_columns = 160; // a longer line is shown from its start
 
 // A source line as it can be shown: control characters would move the caret or the cursor.
@@ -85,14 +86,12 @@ source_position source_file::position(size_t offset) const {
 
 void diagnostics::error(const source_file &source, source_position where, std::string_view what,
                         std::string_view remedy) {
-    ++errors_;
-    print("error", {&source, where}, what, remedy);
+    add(errors_, {&source, where}, what, remedy);
 }
 
 void diagnostics::warning(const source_file &source, source_position where, std::string_view what,
                           std::string_view remedy) {
-    ++warnings_;
-    print("warning", {&source, where}, what, remedy);
+    add(warnings_, {&source, where}, what, remedy);
 }
 
 void diagnostics::loss(const source_file &source, source_position where, std::string_view what,
@@ -101,41 +100,48 @@ void diagnostics::loss(const source_file &source, source_position where, std::st
 }
 
 void diagnostics::error(std::string_view what, std::string_view remedy) {
-    ++errors_;
-    print("error", {nullptr, {}}, what, remedy);
+    add(errors_, {nullptr, {}}, what, remedy);
 }
 
 void diagnostics::warning(std::string_view what, std::string_view remedy) {
-    ++warnings_;
-    print("warning", {nullptr, {}}, what, remedy);
+    add(warnings_, {nullptr, {}}, what, remedy);
 }
 
 void diagnostics::loss(std::string_view what, std::string_view remedy) {
     add_loss({nullptr, {}}, what, remedy);
 }
 
+void diagnostics::make_losses_errors() {
+    losses_are_errors_ = true;
+    losses_.word = "error: loss";
+}
+
 exit_status diagnostics::status() const {
     if (failed())
         return exit_status::nothing_written;
-    return warnings_ + losses_ == 0 ? exit_status::written : exit_status::written_with_losses;
+    return warnings() + losses() == 0 ? exit_status::written : exit_status::written_with_losses;
 }
 
 void diagnostics::add_loss(place at, std::string_view what, std::string_view remedy) {
     loss_list_ += place_text(at.source, at.where);
     loss_list_ += what;
     loss_list_ += '\n';
-    ++losses_;
-    if (losses_ <= losses_shown)
-        print(losses_are_errors_ ? "error: loss" : "loss", at, what, remedy);
-    else if (losses_ == losses_shown + 1 && stream_ != nullptr)
-        fprintf(stream_, "further losses are not shown; --losses FILE lists them all\n");
+    add(losses_, at, what, remedy);
 }
 
-void diagnostics::print(const char *kind, place at, std::string_view what,
+void diagnostics::add(kind &of, place at, std::string_view what, std::string_view remedy) {
+    ++of.count;
+    if (of.count <= most_shown)
+        print(of.word, at, what, remedy);
+    else if (of.count == most_shown + 1 && stream_ != nullptr)
+        fputs(of.further, stream_);
+}
+
+void diagnostics::print(const char *word, place at, std::string_view what,
                         std::string_view remedy) {
     if (stream_ == nullptr)
         return;
-    const std::string prefix = place_text(at.source, at.where) + kind + ": ";
+    const std::string prefix = place_text(at.source, at.where) + word + ": ";
     fprintf(stream_, "%s%.*s\n", prefix.c_str(), static_cast<int>(what.size()), what.data());
     const std::string line = at.source == nullptr ? "" : shown(at.source->line(at.where.line));
     if (!line.empty()) {

@@ -8,6 +8,8 @@
 // Lines and columns count from 1, columns in bytes. A cause is reported once: after an error in a
 // line a compiler does not report what follows from it.
 //
+// Of errors, of warnings and of losses the first twenty are printed; all are counted.
+//
 // A loss is something of the source that the output cannot hold (a character without a counterpart,
 // a text without a translation). It is not an error unless --werror=loss makes it one.
 
@@ -74,8 +76,7 @@ public:
                std::string_view remedy);
     void warning(const source_file &source, source_position where, std::string_view what,
                  std::string_view remedy);
-    // Also a line "name:line:column: what" of the list that --losses writes. The first
-    // `losses_shown` are printed, all are counted and listed.
+    // Also a line "name:line:column: what" of the list that --losses writes.
     void loss(const source_file &source, source_position where, std::string_view what,
               std::string_view remedy);
 
@@ -84,29 +85,33 @@ public:
     void warning(std::string_view what, std::string_view remedy);
     void loss(std::string_view what, std::string_view remedy);
 
-    void make_losses_errors() { losses_are_errors_ = true; } // --werror=loss
+    void make_losses_errors(); // --werror=loss
 
-    size_t errors() const { return errors_; }
-    size_t warnings() const { return warnings_; }
-    size_t losses() const { return losses_; }
-    bool failed() const { return errors_ != 0 || (losses_are_errors_ && losses_ != 0); }
+    size_t errors() const { return errors_.count; }
+    size_t warnings() const { return warnings_.count; }
+    size_t losses() const { return losses_.count; }
+    bool failed() const { return errors() != 0 || (losses_are_errors_ && losses() != 0); }
     exit_status status() const; // of a compiler whose files are written unless failed()
     const std::string &loss_list() const { return loss_list_; }
-
-    static constexpr size_t losses_shown = 20;
 
 private:
     struct place {
         const source_file *source; // null for none
         source_position where;
     };
-    void print(const char *kind, place at, std::string_view what, std::string_view remedy);
+    struct kind {
+        const char *word;
+        const char *further; // what is printed in place of the twenty-first
+        size_t count = 0;
+    };
+    void add(kind &of, place at, std::string_view what, std::string_view remedy);
+    void print(const char *word, place at, std::string_view what, std::string_view remedy);
     void add_loss(place at, std::string_view what, std::string_view remedy);
 
     FILE *stream_;
-    size_t errors_ = 0;
-    size_t warnings_ = 0;
-    size_t losses_ = 0;
+    kind errors_ = {"error", "further errors are not shown\n"};
+    kind warnings_ = {"warning", "further warnings are not shown\n"};
+    kind losses_ = {"loss", "further losses are not shown; --losses FILE lists them all\n"};
     bool losses_are_errors_ = false;
     std::string loss_list_;
 };

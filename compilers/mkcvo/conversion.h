@@ -45,8 +45,9 @@ void measure(conversion_object &object);
 // The object's file. Throws compiler_failure for entries that no table can hold.
 std::string object_text(const conversion_object &object);
 
-// Lets the runtime load an object's bytes. Throws compiler_failure when it refuses them.
-void check_by_loading(const std::string &bytes);
+// Lets the runtime load an object's bytes. Throws compiler_failure, which begins with the name of
+// the source, when it refuses them.
+void check_by_loading(const std::string &bytes, const std::string &source);
 
 // The object of a file, as the runtime loads it. Throws compiler_failure when it refuses the file.
 conversion_object read_object(const source_file &file);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <optional>
@@ -119,9 +120,9 @@ code_set_side unicode_source(const code_set_side &target, int bytes, diagnostics
     return unicode_side(target, bytes);
 }
 
-std::string checked(const conversion_object &object) {
+std::string checked(const conversion_object &object, const std::string &source) {
     std::string text = object_text(object);
-    check_by_loading(text);
+    check_by_loading(text, source);
     return text;
 }
 
@@ -160,7 +161,18 @@ std::string compile_charmaps(const mkcvo_options &options, const compiler_run &r
     object.head =
         head_lines("mkcvo", last_component(run.sources[0]) + " " + last_component(run.sources[1]),
                    texts_read(source, target, held));
-    return checked(object);
+    return checked(object, run.sources[0]);
+}
+
+// The only source of a command line; it may also be a charmap whose target was forgotten.
+const source_file &listing_named(const std::string &path, held_sources &held) {
+    const std::string advice = "; to join charmaps, name two, the source and the target";
+    if (!std::filesystem::exists(path))
+        throw usage_error("there is no listing " + path + advice);
+    const source_file &listing = held.hold(std::make_unique<source_file>(source_file::read(path)));
+    if (!is_listing(listing.text()))
+        throw usage_error(path + " is not a listing" + advice);
+    return listing;
 }
 
 std::vector<output_file> compile(const mkcvo_options &options, const compiler_run &run,
@@ -168,11 +180,8 @@ std::vector<output_file> compile(const mkcvo_options &options, const compiler_ru
     if (run.output.empty())
         throw usage_error("no output is named; -o FILE names it");
     if (run.sources.size() == 1) {
-        const source_file &listing =
-            held.hold(std::make_unique<source_file>(source_file::read(run.sources[0])));
-        if (!is_listing(listing.text()))
-            throw usage_error("two code sets are needed, the source and the target");
-        return {{run.output, checked(read_listing(listing))}};
+        return {{run.output,
+                 checked(read_listing(listing_named(run.sources[0], held)), run.sources[0])}};
     }
     return {{run.output, compile_charmaps(options, run, held, said)}};
 }

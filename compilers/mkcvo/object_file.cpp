@@ -121,8 +121,8 @@ std::string object_text(const conversion_object &object) {
     return out;
 }
 
-void check_by_loading(const std::string &bytes) {
-    const loaded_record loaded(bytes, "the runtime would refuse the object");
+void check_by_loading(const std::string &bytes, const std::string &source) {
+    const loaded_record loaded(bytes, source + ": the object cannot be loaded");
 }
 
 conversion_object read_object(const source_file &file) {

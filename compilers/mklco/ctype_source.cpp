@@ -223,29 +223,27 @@ void ctype_compiler::check_sequences() const {
 }
 
 void ctype_compiler::set_widths(const charmap *widths, locale_object &object) {
-    bool any = false;
-    std::map<uint32_t, std::pair<const charmap_row *, size_t>> no_width; // by the line that says so
+    const charmap &giving = map_.has_widths || widths == nullptr ? map_ : *widths;
+    bool any_wide = false;
+    size_t lost = 0, first_lost = 0; // an offset in the charmap that gives the widths
     for (size_t i = 0; i < rows_.size(); ++i) {
         const charmap_row *row = rows_[i];
-        if (!map_.has_widths && widths != nullptr)
-            row = row->code_point == no_code_point ? nullptr : widths->find(row->code_point);
-        if (row == nullptr || row->width < 0)
-            continue;
-        if (row->width == 2) {
+        if (&giving != &map_)
+            row = row->code_point == no_code_point ? nullptr : giving.find(row->code_point);
+        if (row != nullptr && row->width == 2) {
             object.characters[i].classes |= CT_NAMED;
-            any = true;
-        } else if (row->width == 0 && (object.characters[i].classes & CT_PRINT)) {
-            no_width.try_emplace(row->width_offset, row, 0).first->second.second++;
+            any_wide = true;
+        } else if (row != nullptr && row->width == 0 && (object.characters[i].classes & CT_PRINT)) {
+            first_lost =
+                lost++ == 0 ? row->width_offset : std::min<size_t>(first_lost, row->width_offset);
         }
     }
-    if (any)
+    if (any_wide)
         object.class_names.emplace_back(0, ct_full_width);
-    const charmap &said_by = map_.has_widths || widths == nullptr ? map_ : *widths;
-    for (const auto &[offset, lost] : no_width)
-        said_.loss(said_by.source(), source_place{&said_by.source(), offset}.position(),
-                   "the width 0 of " + std::to_string(lost.second) +
-                       " characters from here on becomes 1",
-                   "an object knows the widths 1 and 2");
+    if (lost != 0)
+        said_.loss(giving.source(), source_place{&giving.source(), first_lost}.position(),
+                   "the width 0 of " + std::to_string(lost) + " characters becomes 1",
+                   "an object has the widths 1 and 2");
 }
 
 void ctype_compiler::set_named_classes(locale_object &object) {

@@ -37,19 +37,24 @@ private:
     static std::vector<uint32_t> hex_numbers(const listing_line &line, size_t first,
                                              uint32_t greatest);
 
+    void head_line(const listing_line &line);
+    void code_set_line(const listing_line &line);
     uint32_t class_mask(const std::string &word) const;
     void class_line(const listing_line &line);
     void collation_line(const listing_line &line);
     void weights_line(const listing_line &line);
+    static void read_field(const listing_line &line, const object_field &field,
+                           object_field_value &value);
     void field_line(const listing_line &line);
 
     void sort_characters();
+    source_place class_place(const code_sequence &sequence) const;
     void apply(const std::vector<range_value> &values, uint16_t object_character::*datum);
     void check_all_is_there() const;
 
     const source_file &source_;
     locale_object object_;
-    std::vector<range_value> cases_, rows_;
+    std::vector<range_value> classes_, cases_, rows_;
     bool filled_[object_field_count] = {};
 };
 
@@ -59,8 +64,8 @@ std::vector<listing_statement> listing_reader::statements() {
         return line[word] == "-" ? 0 : static_cast<uint32_t>(line.number(word, 1, UINT32_MAX, 16));
     };
     std::vector<listing_statement> kinds = {
-        {"head", occurrence::any, 1, 1, [&](const auto &line) { object_.head.push_back(line[1]); }},
-        {"code_set", occurrence::once, 1, 1, [&](const auto &line) { object_.code_set = line[1]; }},
+        {"head", occurrence::any, 1, 1, [&](const auto &line) { head_line(line); }},
+        {"code_set", occurrence::once, 1, 1, [&](const auto &line) { code_set_line(line); }},
         {"class_name", occurrence::any, 2, 2,
          [&](const auto &line) {
              const auto bit = static_cast<int>(line.number(1, INT32_MIN, INT32_MAX));
@@ -92,12 +97,12 @@ std::vector<listing_statement> listing_reader::statements() {
              for (const uint32_t level : hex_numbers(line, 1, UINT16_MAX))
                  collation.levels.push_back(static_cast<uint16_t>(level));
          }},
-        {"contraction", occurrence::any, 1, any_operands,
+        {"contraction", occurrence::any, 1, 1 + longest_collating_sequence,
          [&](const auto &line) {
              collation.contractions.push_back({static_cast<uint16_t>(line.number(1, 0, UINT16_MAX)),
                                                hex_numbers(line, 2, UINT32_MAX)});
          }},
-        {"expansion", occurrence::any, 0, any_operands,
+        {"expansion", occurrence::any, 0, longest_collating_sequence,
          [&](const auto &line) {
              collation.expansions.push_back(hex_numbers(line, 1, UINT32_MAX));
          }},
@@ -149,6 +154,22 @@ std::vector<uint32_t> listing_reader::hex_numbers(const listing_line &line, size
     return found;
 }
 
+void listing_reader::head_line(const listing_line &line) {
+    if (line[1].size() >= size_t{lco_line_limit} || line[1].find('\n') != std::string::npos)
+        line.fail(1,
+                  "expected at most " + std::to_string(lco_line_limit - 1) +
+                      " characters and no line feed",
+                  "shorten it");
+    object_.head.push_back(line[1]);
+}
+
+void listing_reader::code_set_line(const listing_line &line) {
+    if (!is_code_set_name(line[1]))
+        line.fail(1, "expected 1 to 19 characters without a blank",
+                  "give the code set's name in the registry");
+    object_.code_set = line[1];
+}
+
 // The mask of a class; 0 for a word that names none.
 uint32_t listing_reader::class_mask(const std::string &word) const {
     for (int bit = 0; bit < ct_named_limit; ++bit)
@@ -174,6 +195,7 @@ void listing_reader::class_line(const listing_line &line) {
                       "name it by a class_name line before this one");
         mask |= found;
     }
+    classes_.push_back(value);
     for (code_sequence at = value.first;; ++at.bytes[at.length - 1]) {
         object_.characters.push_back({at, static_cast<uint16_t>(mask)});
         if (at == value.last)
@@ -200,6 +222,25 @@ void listing_reader::weights_line(const listing_line &line) {
                   "give one for each level");
 }
 
+void listing_reader::read_field(const listing_line &line, const object_field &field,
+                                object_field_value &value) {
+    const bool numbers = field.kind == field_kind::group || field.kind == field_kind::integer;
+    if (field.kind == field_kind::group)
+        line.check_operands(1, 1 + size_t{gl_group_limit});
+    else if (field.kind != field_kind::counted)
+        line.check_operands(1U + field.count, 1U + field.count);
+    for (size_t word = 2; word < line.size(); ++word) {
+        if (numbers)
+            value.numbers.push_back(line.number(word, INT32_MIN, UINT32_MAX));
+        else
+            value.texts.push_back(line[word]);
+        if (line[word].size() > max_text_length)
+            line.fail(word, too_long_text(line[word]), "shorten it");
+    }
+    if (field.kind == field_kind::line && !is_calendar(line[2]))
+        line.fail(2, "expected a calendar", "write gregorian, hebrew, islamic or arabic");
+}
+
 void listing_reader::field_line(const listing_line &line) {
     for (size_t i = 0; i < object_field_count; ++i) {
         const object_field &field = object_fields[i];
@@ -207,15 +248,7 @@ void listing_reader::field_line(const listing_line &line) {
             continue;
         if (filled_[i])
             line.fail(1, "this field has a line already", "remove one of the two");
-        const bool texts = field.kind != field_kind::group && field.kind != field_kind::integer;
-        const bool fixed = field.kind != field_kind::group && field.kind != field_kind::counted;
-        if (fixed)
-            line.check_operands(1U + field.count, 1U + field.count);
-        for (size_t word = 2; word < line.size(); ++word)
-            if (texts)
-                object_.fields[i].texts.push_back(line[word]);
-            else
-                object_.fields[i].numbers.push_back(line.number(word, INT32_MIN, UINT32_MAX));
+        read_field(line, field, object_.fields[i]);
         filled_[i] = true;
         return;
     }
@@ -225,12 +258,24 @@ void listing_reader::field_line(const listing_line &line) {
 void listing_reader::sort_characters() {
     std::vector<object_character> &all = object_.characters;
     std::stable_sort(all.begin(), all.end(), by_bytes);
-    const auto twice = std::adjacent_find(all.begin(), all.end(), [](const auto &a, const auto &b) {
-        return a.sequence == b.sequence;
-    });
-    if (twice != all.end())
-        fail_at_end("the character " + hex_text(twice->sequence.text()) + " has two class lines",
-                    "give all its classes in one");
+    for (size_t i = 1; i < all.size(); ++i) {
+        const code_sequence &before = all[i - 1].sequence, &here = all[i].sequence;
+        if (here == before)
+            throw source_error(class_place(here),
+                               "the character " + hex_text(here.text()) + " has two class lines",
+                               "give all its classes in one");
+        if (here.extends(before))
+            throw source_error(class_place(here), prefix_loss, "remove one of the two");
+    }
+}
+
+// The last class line that has a character.
+source_place listing_reader::class_place(const code_sequence &sequence) const {
+    const auto has = [&](const range_value &value) {
+        return value.first.length == sequence.length && value.first.packed() <= sequence.packed() &&
+               sequence.packed() <= value.last.packed();
+    };
+    return std::find_if(classes_.rbegin(), classes_.rend(), has)->place;
 }
 
 // Gives their numbers to the characters of ranges; the characters are sorted by now.

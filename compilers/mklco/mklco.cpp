@@ -5,8 +5,6 @@
 #include "compilers/mklco/ctype_source.h"
 #include "compilers/mklco/listing.h"
 #include "compilers/mklco/sections_source.h"
-#include "gls/objects/locale_object.h"
-#include <kestrion/locale_file.h>
 
 #include <map>
 
@@ -42,9 +40,8 @@ std::string collation_named(const std::string &name) {
 }
 
 std::string calendar_named(const std::string &name) {
-    for (const canned_calendar &calendar : gls_canned_calendars)
-        if (name + "\n" == calendar.name)
-            return name;
+    if (is_calendar(name))
+        return name;
     throw usage_error("--calendar takes gregorian, hebrew, islamic or arabic, not '" + name + "'");
 }
 
@@ -108,9 +105,9 @@ void compilation::describe(locale_object &object, const charmap &map) const {
         head_lines("mklco", last_component(name_) + " " + last_component(options_.charmap), read);
 }
 
-std::string checked(const locale_object &object) {
+std::string checked(const locale_object &object, const std::string &source) {
     std::string bytes = write_object(object);
-    check_by_loading(bytes);
+    check_by_loading(bytes, source);
     return bytes;
 }
 
@@ -125,7 +122,7 @@ std::vector<output_file> compile(const mklco_options &options, const compiler_ru
         if (options.of_a_compilation)
             throw usage_error("a listing goes with no option of a compilation");
         try {
-            return {{run.output, checked(read_listing(listing))}};
+            return {{run.output, checked(read_listing(listing), run.sources[0])}};
         } catch (const source_error &error) {
             said.error(listing, error.where.position(), error.what(), error.remedy);
             return {};
@@ -134,7 +131,7 @@ std::vector<output_file> compile(const mklco_options &options, const compiler_ru
     locale_object object = compilation(options, run.sources[0], said).run();
     if (said.failed())
         return {};
-    return {{run.output, checked(object)}};
+    return {{run.output, checked(object, run.sources[0])}};
 }
 
 // Objects of other makers may hold what a listing does not show: the bytes between two numbers, the

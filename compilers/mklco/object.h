@@ -5,6 +5,7 @@
 #pragma once
 
 #include "compilers/posix/charmap.h"
+#include "gls/objects/locale_object.h"
 
 #include <stdint.h>
 #include <string>
@@ -131,11 +132,25 @@ struct locale_object {
     object_field_value &field(object_section section, std::string_view keyword);
 };
 
+// The longest text of a field, and what to say of a longer one.
+inline constexpr size_t max_text_length = lco_text_limit;
+std::string too_long_text(std::string_view text);
+
+// Characters of a contraction or expansion.
+inline constexpr size_t longest_collating_sequence = 15;
+
+// Whether a word names one of the runtime's calendars.
+bool is_calendar(std::string_view name);
+
+// A code set's name as objects hold it: 1 to 19 characters, none of them blank.
+bool is_code_set_name(std::string_view name);
+
 // The object as its file. Throws compiler_failure when it cannot be one.
 std::string write_object(const locale_object &object);
 
-// Lets the runtime load an object's bytes. Throws compiler_failure when it refuses them.
-void check_by_loading(const std::string &bytes);
+// Lets the runtime load an object's bytes. Throws compiler_failure, which begins with the name of
+// the source, when it refuses them.
+void check_by_loading(const std::string &bytes, const std::string &source);
 
 // The object of a file, as the runtime loads it. Throws compiler_failure when it refuses the file.
 locale_object read_object(const source_file &file);

@@ -4,6 +4,7 @@
 #include "compilers/object_table.h"
 #include "gls/objects/locale_object.h"
 #include <kestrion/categories.h>
+#include <kestrion/gls_errors.h>
 #include <kestrion/locale_file.h>
 
 #include <initializer_list>
@@ -23,8 +24,29 @@ std::string section_word(int32_t category) {
     return std::string(marker.substr(4, marker.size() - 5));
 }
 
-// The record that the runtime makes of an object's bytes.
-loaded_locale load(std::string bytes, const std::string &refusal) {
+// What an engine error says of an object.
+const char *error_text(int32_t error) {
+    switch (error) {
+    case GLS_ERR_BAD_CHARACTER:
+        return "a text is not made of the characters of its LC_CTYPE";
+    case GLS_ERR_NO_MEMORY:
+        return "a table is damaged, or there is no memory";
+    case GLS_ERR_COUNT:
+        return "it has too many group sizes";
+    case GLS_ERR_TABLE_LENGTH:
+        return "it has a character of more than 4 bytes";
+    case GLS_ERR_CALENDAR:
+        return "its calendar is unknown";
+    case GLS_ERR_OBJECT_VERSION:
+        return "it is of another compiler version";
+    default:
+        return "it is malformed";
+    }
+}
+
+// The record that the runtime makes of an object's bytes. Throws compiler_failure, which begins
+// with the name of their source.
+loaded_locale load(std::string bytes, const std::string &source) {
     const std::unique_ptr<FILE, int (*)(FILE *)> file(fmemopen(bytes.data(), bytes.size(), "rb"),
                                                       fclose);
     locale_rec *record = nullptr;
@@ -34,8 +56,9 @@ loaded_locale load(std::string bytes, const std::string &refusal) {
     for (int32_t i = 0; i < gl_category_count; ++i) {
         rewind(file.get());
         if (read_one_category(record, gl_first_category + i, file.get()) != 0)
-            throw compiler_failure(refusal + ": error " + std::to_string(record->err) +
-                                   " in the section " + section_word(i));
+            throw compiler_failure(source + ": " + section_word(i) +
+                                   " cannot be loaded: " + error_text(record->err) + " (error " +
+                                   std::to_string(record->err) + ")");
     }
     return owner;
 }
@@ -167,13 +190,10 @@ void take_fields(const locale_rec &lc, locale_object &object) {
 
 } // namespace
 
-void check_by_loading(const std::string &bytes) {
-    load(bytes, "the runtime would refuse the object");
-}
+void check_by_loading(const std::string &bytes, const std::string &source) { load(bytes, source); }
 
 locale_object read_object(const source_file &file) {
-    const loaded_locale lc =
-        load(std::string(file.text()), file.name() + ": this is not a locale object");
+    const loaded_locale lc = load(std::string(file.text()), file.name());
     locale_object object;
     object.head = skipped_head_lines(file);
     object.code_set = lc->cs_names[0];

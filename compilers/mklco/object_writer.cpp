@@ -29,8 +29,6 @@ std::string character_table(const locale_object &object, uint16_t object_charact
 void append_line(std::string &out, int64_t number) { out += std::to_string(number) + "\n"; }
 
 void append_text(std::string &out, std::string_view text) {
-    if (text.size() > static_cast<size_t>(lco_text_limit))
-        throw compiler_failure("a text of more than " + std::to_string(lco_text_limit) + " bytes");
     out += std::to_string(text.size());
     if (!text.empty())
         out += ' ';
@@ -41,8 +39,7 @@ void append_text(std::string &out, std::string_view text) {
 
 void append_head(std::string &out, const locale_object &object) {
     const std::string &name = object.code_set;
-    if (name.empty() || name.size() > size_t{lco_cs_name_limit} ||
-        !std::all_of(name.begin(), name.end(), is_ascii_graphic))
+    if (!is_code_set_name(name))
         throw compiler_failure(
             "\"" + name +
             "\" is not a code set's name, which has 1 to 19 characters and no blanks");
@@ -83,8 +80,9 @@ void append_ctype(std::string &out, const locale_object &object) {
 }
 
 void append_length(std::string &out, const std::vector<uint32_t> &characters) {
-    if (characters.size() > 15)
-        throw compiler_failure("a collating sequence of more than 15 characters");
+    if (characters.size() > longest_collating_sequence)
+        throw compiler_failure("a collating sequence of more than " +
+                               std::to_string(longest_collating_sequence) + " characters");
     append_hex(out, characters.size(), 1);
 }
 
@@ -139,8 +137,6 @@ void append_field(std::string &out, const object_field &field, const object_fiel
             append_text(out, text);
         break;
     case field_kind::group:
-        if (value.numbers.size() > size_t{gl_group_limit})
-            throw compiler_failure("more than 15 sizes of digit groups");
         out += std::to_string(value.numbers.size());
         for (int64_t size : value.numbers)
             out += " " + std::to_string(size);
@@ -159,6 +155,21 @@ object_field_value &locale_object::field(object_section section, std::string_vie
         if (object_fields[i].section == section && object_fields[i].keyword == keyword)
             return fields[i];
     throw std::out_of_range("no field " + std::string(keyword));
+}
+
+std::string too_long_text(std::string_view text) {
+    return "a text of " + std::to_string(text.size()) + " bytes, and an object holds at most " +
+           std::to_string(max_text_length);
+}
+
+bool is_calendar(std::string_view name) {
+    return std::any_of(std::begin(gls_canned_calendars), std::end(gls_canned_calendars),
+                       [&](const auto &known) { return known.name == std::string(name) + "\n"; });
+}
+
+bool is_code_set_name(std::string_view name) {
+    return !name.empty() && name.size() <= size_t{lco_cs_name_limit} &&
+           std::all_of(name.begin(), name.end(), is_ascii_graphic);
 }
 
 std::string write_object(const locale_object &object) {

@@ -194,9 +194,13 @@ void sections_compiler::set_texts(const object_field &field, const source_statem
                                " texts",
                            "give " + std::to_string(field.count));
     value.texts.clear();
-    for (size_t token : operands)
+    for (size_t token : operands) {
         value.texts.push_back(keyword == "era" ? era(statement, token)
                                                : text(statement, token, is_format(keyword)));
+        if (value.texts.back().size() > max_text_length)
+            throw source_error(statement.place(token), too_long_text(value.texts.back()),
+                               "shorten it");
+    }
     if (list && value.texts.size() == 1 && value.texts[0].empty())
         value.texts.clear();
 }

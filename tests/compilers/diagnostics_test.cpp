@@ -30,6 +30,10 @@ TEST(Diagnostics, TheFirstTwentyOfAKindArePrinted) {
     EXPECT_NE(twenty.find("finding 20."), std::string::npos);
     EXPECT_EQ(twenty.find("further"), std::string::npos);
     EXPECT_EQ(more, twenty + "further losses are not shown; --losses FILE lists them all\n");
+    const auto error = [](diagnostics &said, const std::string &what) { said.error(what, ""); };
+    EXPECT_EQ(printed(500, error), printed(20, error) + "further errors are not shown\n");
+    const auto warning = [](diagnostics &said, const std::string &what) { said.warning(what, ""); };
+    EXPECT_EQ(printed(500, warning), printed(20, warning) + "further warnings are not shown\n");
     diagnostics quiet(nullptr);
     for (int i = 0; i < 22; ++i)
         loss(quiet, "finding");

@@ -283,6 +283,7 @@ TEST_F(Mklco, CaseTablesHoldWhatIsNotOneToOne) {
 }
 
 TEST_F(Mklco, FaultsAreReportedWithTheirPlaceAndNothingIsWritten) {
+    const std::string long_text = "d_fmt \"" + std::string(65536, 'x') + "\"\n";
     const struct {
         const char *numeric, *monetary, *time, *place;
     } rows[] = {
@@ -297,6 +298,7 @@ TEST_F(Mklco, FaultsAreReportedWithTheirPlaceAndNothingIsWritten) {
         {"", "", "abday \"a\";\"b\"\n", "tt:25:1: error"},
         {"", "", "am_pm \"/x81/x40\";\"/x81\"\n", "tt:25:19: error"},
         {"", "", "d_fmt \"%d<U4E00>\"\n", "tt:25:10: error"},
+        {"", "", long_text.c_str(), "tt:25:7: error: a text of 65536 bytes"},
     };
     for (const auto &row : rows) {
         outcome result = compile(row.numeric, row.monetary, row.time, "", {"-oold.lco"});
@@ -326,6 +328,15 @@ TEST_F(Mklco, LossesAreListedAndCanBeErrors) {
     EXPECT_EQ(std::count(lost.begin(), lost.end(), '\n'), 4) << lost;
     EXPECT_EQ(compile("", "", "", "", {"--werror=loss", "-oold.lco"}).status, 4);
     EXPECT_EQ(content("old.lco"), "old");
+}
+
+// Of a UTF-8 charmap it would be hundreds of lines.
+TEST_F(Mklco, TheWidthZeroIsOneLoss) {
+    std::string charmap = content("charmaps/T");
+    charmap.insert(charmap.find("END WIDTH"), "<U00C4> 0\n<U00E4> 0\n");
+    std::ofstream("charmaps/T") << charmap;
+    ASSERT_EQ(compile("", "", "", "", {"--losses=lost"}).status, 1);
+    EXPECT_EQ(content("lost"), "./charmaps/T:141:1: the width 0 of 3 characters becomes 1\n");
 }
 
 TEST_F(Mklco, CommandLinesThatSayTooLittleOrTooMuchAreRefused) {
@@ -419,6 +430,8 @@ TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
     compile("");
     mklco({"--list", "-olist", "new.lco"});
     std::string list = content("list");
+    const std::string long_text = "LC_MESSAGES yesstr \"" + std::string(65536, 'x') + "\"";
+    const std::string long_head = "head \"" + std::string(127, 'x') + "\"";
     const struct {
         const char *line, *place; // put after the first line
     } rows[] = {
@@ -435,13 +448,19 @@ TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
         {"growth x", ":2:8: error"},
         {"LC_TIME day \"x\"", ":2:13: error"},
         {"LC_TIME hour 1", ":2:9: error"},
-        {"LC_TIME calendar \"x\"", ":64:9: error"},
+        {"LC_TIME calendar \"hebrew\"", ":64:9: error"},
         {"weights 7 1", ":2:9: error"},
         {"collation x", ":2:11: error"},
         {"max_weight 1 junk", ":2:14: error"},
         {"growth 1", "error: a second growth line"},
         {"levels 1", "error: a second levels line"},
         {"end", ":3:1: error: unexpected line after end"},
+        {"contraction 0 1 2 3 4 5 6 7 8 9 a b c d e f 10", ":2:45: error: unexpected words"},
+        {"LC_NUMERIC grouping 1 2 3 4 5 6 7 8 9 1 2 3 4 5 6 7", ":2:51: error: unexpected words"},
+        {"LC_TIME calendar \"mayan\"", ":2:18: error: expected a calendar"},
+        {"code_set \"two words\"", ":2:10: error: expected 1 to 19 characters"},
+        {long_text.c_str(), ":2:20: error: a text of 65536 bytes"},
+        {long_head.c_str(), ":2:6: error: expected at most 126 characters"},
     };
     for (const auto &row : rows) {
         std::ofstream("bad") << "locale_object 11\n" << row.line << list.substr(list.find('\n'));
@@ -455,10 +474,17 @@ TEST_F(Mklco, BadListingsAreRefusedWithTheirPlace) {
     list.insert(list.size() - 4, "class 41 upper\n");
     std::ofstream("bad") << list;
     EXPECT_NE(mklco({"-oold.lco", "bad"}).said.find("character 41 has two"), std::string::npos);
-    std::string mayan = list;
-    mayan.replace(mayan.find("gregorian"), 9, "mayan");
-    std::ofstream("mayan") << mayan;
-    EXPECT_EQ(mklco({"-oold.lco", "mayan"}).status, 4) << "the runtime would not load it";
+    list.replace(list.find("class 41 upper\nend"), 8, "class 4142");
+    std::ofstream("bad") << list;
+    EXPECT_NE(mklco({"-oold.lco", "bad"}).said.find("error: these bytes begin with"),
+              std::string::npos);
+    list = content("list");
+    list.replace(list.find("LC_TIME mon"), 11, "LC_TIME mon \"Smarch\"");
+    std::ofstream("months") << list;
+    const outcome months = mklco({"-oold.lco", "months"});
+    EXPECT_NE(months.said.find("months: LC_TIME cannot be loaded: it is malformed (error 11)"),
+              std::string::npos)
+        << months.said;
     EXPECT_EQ(content("old.lco"), "old");
 }
 
