@@ -12,8 +12,13 @@ namespace kestrion {
 
 namespace {
 
-constexpr int padding_on = 10;             // the bridge's value for the provider's block padding
-constexpr int32_t largest_block_size = 64; // of any cipher that a provider may know
+constexpr int padding_on = 10; // the bridge's value for the provider's block padding
+
+// A stored key has no room for longer blocks. The cipher that is asked for has blocks of 16 bytes;
+// another provider may say otherwise.
+constexpr int32_t largest_block_size = 23;
+
+constinit bool reason_given = true; // by the last call of the provider that failed
 
 const unsigned char *as_bytes(const char *text) {
     return reinterpret_cast<const unsigned char *>(text);
@@ -51,23 +56,25 @@ int key_length_refused(const cipher_ctx *cipher) {
     return -1;
 }
 
-int start_decryption(const cipher_ctx *cipher, const char *key) {
-    if (cipher->cipher_handle == nullptr)
-        return provider_failure();
-    if (isi_decrypt_init(cipher->cipher_handle, cipher->cipher_desc, as_bytes(key), nullptr) != 0)
-        return provider_failure();
-    return 0;
-}
-
-// The two directions of a started cipher differ in the provider's calls alone.
+// The two directions differ in the provider's calls alone.
 struct direction {
+    int (*init)(void *ctx, void *type, const unsigned char *key, const unsigned char *iv);
     int (*update)(void *ctx, unsigned char *out, int *out_length, const unsigned char *in,
                   int length);
     int (*final)(void *ctx, unsigned char *out, int *out_length);
 };
 
-constexpr direction encryption = {isi_encrypt_update, isi_encrypt_final};
-constexpr direction decryption = {isi_decrypt_update, isi_decrypt_final};
+constexpr direction encryption = {isi_encrypt_init, isi_encrypt_update, isi_encrypt_final};
+constexpr direction decryption = {isi_decrypt_init, isi_decrypt_update, isi_decrypt_final};
+
+// Sizes of buffers are computed from the block size, so a started cipher has a usable one.
+int start(const direction &way, const cipher_ctx *cipher, const char *key) {
+    if (cipher->cipher_handle == nullptr ||
+        way.init(cipher->cipher_handle, cipher->cipher_desc, as_bytes(key), nullptr) != 0 ||
+        cipher->block_size < 1 || cipher->block_size > largest_block_size)
+        return provider_failure();
+    return 0;
+}
 
 int run_text(const direction &way, const cipher_ctx *cipher, const char *in, int32_t length,
              char *out, int32_t room, int32_t *out_length) {
@@ -97,6 +104,7 @@ int cipher_init(cipher_ctx *cipher) {
         look_up_cipher(cipher);
     }
     pw_init_unlock();
+    reason_given = true; // the first operation that needs what is missing fails again
     return 0;
 }
 
@@ -112,16 +120,16 @@ int cipher_cleanup(pw_ctx *ctx, cipher_ctx *cipher) {
 }
 
 int provider_failure() {
-    print_as_format(stderr, isi_get_err('\n'), nullptr, 0);
+    const char *reason = isi_get_err('\n');
+    reason_given = *reason != '\0';
+    print_as_format(stderr, reason, nullptr, 0);
     return -1;
 }
 
+bool provider_gave_reason() { return reason_given; }
+
 int start_encryption(const cipher_ctx *cipher, const char *key) {
-    if (cipher->cipher_handle == nullptr)
-        return provider_failure();
-    if (isi_encrypt_init(cipher->cipher_handle, cipher->cipher_desc, as_bytes(key), nullptr) != 0)
-        return provider_failure();
-    return 0;
+    return start(encryption, cipher, key);
 }
 
 int start_key_encryption(const cipher_ctx *cipher, const char *key) {
@@ -140,10 +148,8 @@ int encrypt_text(const cipher_ctx *cipher, const char *data, int32_t length, cha
 int decrypt_text(pw_ctx *ctx, const cipher_ctx *cipher, const char *data, int32_t length,
                  const char *key, char **result, int32_t *result_length) {
     *result = nullptr;
-    if (start_decryption(cipher, key) != 0)
+    if (start(decryption, cipher, key) != 0)
         return -1;
-    if (!usable_block_size(cipher))
-        return provider_failure();
     const int64_t size = int64_t{cipher->block_size} + length - 1;
     if (length < 0 || size > INT32_MAX)
         return no_output_buffer();
@@ -157,10 +163,6 @@ int decrypt_text(pw_ctx *ctx, const cipher_ctx *cipher, const char *data, int32_
     }
     (*result)[*result_length] = '\0';
     return 0;
-}
-
-bool usable_block_size(const cipher_ctx *cipher) {
-    return cipher->block_size >= 1 && cipher->block_size <= largest_block_size;
 }
 
 int no_output_buffer() {

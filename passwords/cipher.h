@@ -31,8 +31,13 @@ inline constexpr int32_t cipher_key_size = 24;
 // Prints what the provider has to say about its last failure. Always -1.
 int provider_failure();
 
-// Ready the cipher to encrypt one text under a key of 24 bytes. Only where a key is encrypted is
-// the key length set as well: between a start without a key and one with it.
+// False when the last failure of the provider came without a text: the bridge had no memory for
+// one.
+bool provider_gave_reason();
+
+// Ready the cipher to encrypt one text under a key of 24 bytes. A cipher whose blocks are longer
+// than a stored key has room for counts as a failed call of the provider. Only where a key is
+// encrypted is the key length set as well: between a start without a key and one with it.
 int start_encryption(const cipher_ctx *cipher, const char *key);
 int start_key_encryption(const cipher_ctx *cipher, const char *key);
 
@@ -45,9 +50,6 @@ int encrypt_text(const cipher_ctx *cipher, const char *data, int32_t length, cha
 // passes to the caller, wiped on failure, with a zero byte after the text on success.
 int decrypt_text(pw_ctx *ctx, const cipher_ctx *cipher, const char *data, int32_t length,
                  const char *key, char **result, int32_t *result_length);
-
-// True when the block size is one that a cipher can have; sizes of buffers are computed from it.
-bool usable_block_size(const cipher_ctx *cipher);
 
 // Prints that there is no memory for a result. Always -1.
 int no_output_buffer();

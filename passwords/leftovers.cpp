@@ -10,8 +10,8 @@
 
 namespace {
 
-// The provider and the C library reach down some 5 KB; the smallest stack of a thread, which could run
-// them, has room for this.
+// The provider and the C library reach down some 5 KB; the smallest stack of a thread, which could
+// run them, has room for this.
 constexpr size_t reach = 8 * 1024;
 
 #define XMM_REGISTERS                                                                              \
@@ -19,8 +19,8 @@ constexpr size_t reach = 8 * 1024;
         "xmm11", "xmm12", "xmm13", "xmm14", "xmm15"
 
 // Copying and comparing leave the last bytes there, and the C library still saves them on the stack
-// where it binds functions of its own during the exit. Registers above 15 are the C library's alone:
-// no compiler uses them for the instructions that this is built with.
+// where it binds functions of its own during the exit. Registers above 15 are the C library's
+// alone: no compiler uses them for the instructions that this is built with.
 [[gnu::noinline]] void wipe_vector_registers() {
 #if defined(__x86_64__)
     if (CPU_FEATURE_ACTIVE(AVX512F))

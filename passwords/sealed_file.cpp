@@ -75,8 +75,6 @@ int seal_text(pw_ctx *ctx, const cipher_ctx *cipher, const char *text, int32_t l
               const sealing_keys &keys, char **result, int32_t *result_length) {
     if (start_encryption(cipher, keys.combined.bytes) != 0)
         return -1;
-    if (!usable_block_size(cipher))
-        return provider_failure();
     const int64_t stored = stored_size(keys.internal) + stored_size(keys.access);
     // Twice the stored keys is more than the file needs; the callers' allocators see this size.
     const int64_t size = int64_t{cipher->block_size} + length + 2 * (stored)-1;

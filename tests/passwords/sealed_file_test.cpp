@@ -111,6 +111,7 @@ TEST_F(SealedFile, ATailThatTellsMoreThanIsThereIsRefusedBeforeAnythingIsOpened)
         front + "0" + "1" + wrap + "242",
         front + stored + "0" + wrap + "242",
         front + stored + "9999" + "4" + wrap + "242",
+        front + stored + "322" + "0",
         std::string(32, 's') + "01" + stored + "322" + wrap + "242",
         std::string(65, 's') + "652" + stored + "322" + wrap + "242",
         std::string(31, 's') + "322" + stored + "322" + wrap + "242",
@@ -132,10 +133,22 @@ TEST_F(SealedFile, ATailThatTellsMoreThanIsThereIsRefusedBeforeAnythingIsOpened)
 TEST_F(SealedFile, AnOpenedKeyThatOverrunsItsBufferIsRefused) {
     sealing s;
     constexpr char wrap[] = "wwwwwwwwwwwwwwwwwwwwwwww";
-    const std::string file = std::string(48, 'p') + std::string(32, 's') + "322" +
-                             stored_key(&s.cipher, std::string(32, 'k'), wrap) + "482" + wrap +
-                             "242";
-    EXPECT_EQ(words_of([&] { open_file(&s.cipher, file); }), damaged);
+    for (const size_t length : {31, 32}) {
+        const std::string stored = stored_key(&s.cipher, std::string(length, 'k'), wrap);
+        const std::string file = std::string(48, 'p') +
+                                 stored_key(&s.cipher, std::string(24, 'i'), wrap) + "322" +
+                                 stored + std::to_string(stored.size()) + "2" + wrap + "242";
+        opened o;
+        EXPECT_EQ(words_of([&] { o = open_file(&s.cipher, file); }) == damaged, length == 32);
+        EXPECT_EQ(o.key, length == 31 ? std::string(length, 'k') : "");
+    }
+}
+
+TEST_F(SealedFile, TheAccessKeyGoesOverTheEvenBytesOfACipherKeyAlone) {
+    char key[32];
+    memset(key, '#', sizeof key);
+    combine_keys(key, "abcdefghijklmnopqrstuvwx");
+    EXPECT_EQ(std::string(key, sizeof key), "a#b#c#d#e#f#g#h#i#j#k#l#########");
 }
 
 // Another writer's wrap key of another length: filled up with zero bytes.
@@ -226,13 +239,18 @@ TEST_F(SealedFile, ARefusedProviderCallLeavesNothingSecretBehind) {
 }
 
 TEST_F(SealedFile, AbsurdFiguresOfTheProviderAreFailures) {
-    for (const int size : {0, -1, 65, INT32_MIN, INT32_MAX}) {
+    for (const int size : {0, -1, 24, 32, 64, 65, INT32_MIN, INT32_MAX}) {
         toy_provider::install();
-        toy_provider::block_size = size;
+        watchful_memory::reset();
+        toy_provider::block_size = size; // and up to 64 the blocks are as long
         sealing s;
         EXPECT_EQ(s.seal(plain_text, access_key), -1) << size;
-        EXPECT_EQ(s.block, nullptr);
+        EXPECT_TRUE(watchful_memory::requests().empty()) << size;
     }
+    toy_provider::block_size = 23;
+    sealing largest;
+    ASSERT_EQ(largest.seal(plain_text, access_key), 0);
+    EXPECT_EQ(open_file(&largest.cipher, largest.bytes).text, std::string(plain_text) + '\0');
     for (const int extra : {-17, 64, INT32_MAX - 64}) {
         toy_provider::install();
         sealing s;

@@ -14,19 +14,22 @@ int extra_length = 0;
 
 namespace {
 
-constexpr int block = 16;
+constexpr int longest_block = 64;
 
 // Each text comes in one update, so the place of a byte in it is known.
 struct toy_cipher {
     unsigned char key[24];
-    unsigned char last[block]; // of the opened text, padding and all
-    int length;                // of the text so far
+    unsigned char last[longest_block]; // of the opened text, padding and all
+    int length;                        // of the text so far
 
     void apply(unsigned char *out, const unsigned char *in, int size, int from) const {
         for (int i = 0; i < size; ++i)
             out[i] = static_cast<unsigned char>(in[i] ^ key[(from + i) % 24] ^ 0xa5);
     }
 };
+
+// What the blocks really are: as long as the cipher says, where that is possible.
+int block() { return block_size >= 1 && block_size <= longest_block ? block_size : 16; }
 
 int calls_left = 0; // until the one that is refused
 bool was_refused = false;
@@ -87,8 +90,8 @@ int encrypt_update(void *ctx, unsigned char *out, int *length, const unsigned ch
 
 int encrypt_final(void *ctx, unsigned char *out, int *length) {
     auto *cipher = static_cast<toy_cipher *>(ctx);
-    const int padding = block - cipher->length % block;
-    unsigned char bytes[block];
+    const int padding = block() - cipher->length % block();
+    unsigned char bytes[longest_block];
     memset(bytes, padding, sizeof bytes);
     cipher->apply(out, bytes, padding, cipher->length);
     *length = padding + extra_length;
@@ -97,21 +100,21 @@ int encrypt_final(void *ctx, unsigned char *out, int *length) {
 
 int decrypt_update(void *ctx, unsigned char *out, int *length, const unsigned char *in, int size) {
     auto *cipher = static_cast<toy_cipher *>(ctx);
-    if (size < block || size % block != 0 || refuse())
+    if (size < block() || size % block() != 0 || refuse())
         return 1;
-    *length = size - block;
+    *length = size - block();
     cipher->apply(out, in, *length, 0);
-    cipher->apply(cipher->last, in + *length, block, *length);
+    cipher->apply(cipher->last, in + *length, block(), *length);
     return 0;
 }
 
 int decrypt_final(void *ctx, unsigned char *out, int *length) {
     const auto *cipher = static_cast<toy_cipher *>(ctx);
-    const int padding = cipher->last[block - 1];
-    if (padding < 1 || padding > block || refuse())
+    const int padding = cipher->last[block() - 1];
+    if (padding < 1 || padding > block() || refuse())
         return 1;
-    memcpy(out, cipher->last, static_cast<size_t>(block - padding));
-    *length = block - padding + extra_length;
+    memcpy(out, cipher->last, static_cast<size_t>(block() - padding));
+    *length = block() - padding + extra_length;
     return 0;
 }
 
@@ -137,7 +140,7 @@ template <class F> void bind(isi_function_index row, F *function) {
 
 void install() {
     leaves_copies = false;
-    block_size = block;
+    block_size = 16;
     extra_length = 0;
     next_random = 0;
     refuse_call(0);

@@ -19,7 +19,7 @@ bool refused();
 bool holds_key(); // in any context that was made and not wiped
 
 extern bool leaves_copies; // of each key on the stack, as a real one's key schedule does: false
-extern int block_size;     // what the cipher says of itself: 16
+extern int block_size;     // of the cipher as it says, and up to 64 as it is: 16
 extern int extra_length;   // what each final call adds to the length it reports: 0
 
 } // namespace toy_provider
