@@ -30,19 +30,24 @@ void take_file_name(const char *value, char *path, char *other) {
     snprintf(other, file_name_size, "%s%s", qvtxdir, sealed_name);
 }
 
-void take_key(char *value) {
-    const size_t length = strlen(value);
-    if (length >= access_key_size) {
-        fprintf(stderr, "Maximum access key length exceeded %d characters\n",
-                static_cast<int>(access_key_size - 1));
-        leave(status_failure);
-    }
-    explicit_bzero(key_input, sizeof key_input); // an earlier, longer key
-    memcpy(key_input, value, length + 1);
-    explicit_bzero(value, length);
+// Place in the arguments of a key that is too long; 0 for none.
+constinit int too_long_key = 0;
+
+bool is_option(const char *word) {
+    return word[0] == '-' && strlen(word) == 2 && strchr("edk", word[1]) != nullptr;
 }
 
-void take_option(char letter, char *value) {
+// `place` is that of the value in the arguments.
+void check_key(int place) {
+    if (place != too_long_key)
+        return;
+    fprintf(stderr, "Maximum access key length exceeded %d characters\n",
+            static_cast<int>(access_key_size - 1));
+    leave(status_failure);
+}
+
+void take_option(char letter, int place) {
+    char *value = run.argv[place];
     switch (letter) {
     case 'e':
         op_mode = OP_ENCRYPT;
@@ -53,7 +58,7 @@ void take_option(char letter, char *value) {
         take_file_name(value, outputfile_path, inputfile_path);
         break;
     case 'k':
-        take_key(value);
+        check_key(place);
         break;
     default:
         usage();
@@ -64,6 +69,25 @@ void take_option(char letter, char *value) {
 
 namespace kestrion {
 
+// Follows the reading of the options below, which ends at the first word that is not one and at a
+// key that is too long. What looks like a key after that place is blanked as well.
+void take_keys(int argc, char **argv) {
+    int place = 2;
+    for (; place < argc && is_option(argv[place - 1]) && too_long_key == 0; place += 2) {
+        if (argv[place - 1][1] != 'k')
+            continue;
+        const size_t length = strlen(argv[place]);
+        if (length < access_key_size)
+            memcpy(key_input, argv[place], length + 1);
+        else
+            too_long_key = place;
+        explicit_bzero(argv[place], length);
+    }
+    for (int rest = argc - 1; rest >= place; --rest) // from the end, since a value may be "-k"
+        if (strcmp(argv[rest - 1], "-k") == 0)
+            explicit_bzero(argv[rest], strlen(argv[rest]));
+}
+
 void usage() {
     print_message(s_pwusage, nullptr);
     fputs(usage_examples, stderr);
@@ -73,11 +97,9 @@ void usage() {
 void read_options() {
     for (int i = 1; i < run.argc; i += 2) {
         const char *word = run.argv[i];
-        if (word[0] != '-' || strlen(word) != 2 || strchr("edk", word[1]) == nullptr)
+        if (!is_option(word) || i + 1 >= run.argc)
             usage();
-        if (i + 1 >= run.argc)
-            usage();
-        take_option(word[1], run.argv[i + 1]);
+        take_option(word[1], i + 1);
     }
     if (inputfile_path[0] == '\0' || outputfile_path[0] == '\0')
         usage();

@@ -25,19 +25,11 @@ void wipe(void *start, size_t size) {
         explicit_bzero(start, size);
 }
 
-// Also the values that the option loop did not come to. From the end, since a value may be "-k".
-void blank_keys_in_arguments() {
-    for (int i = run.argc - 1; i >= 2; --i)
-        if (strcmp(run.argv[i - 1], "-k") == 0)
-            explicit_bzero(run.argv[i], strlen(run.argv[i]));
-}
-
 bool is_leaving = false;
 
 // Runs at every exit, so also at the one that the registry of variables takes when it cannot even
 // hold its defaults. That is the only one which is not ours, and it prints nothing.
 void wipe_secrets() {
-    blank_keys_in_arguments();
     wipe(key_input, sizeof key_input);
     wipe(run.internal_key, sizeof run.internal_key);
     wipe(run.sealed_access_key, sizeof run.sealed_access_key);

@@ -46,7 +46,7 @@ struct command_run {
 
 extern command_run run;
 
-// To be called first: from here on every way out wipes what the run holds.
+// To be called before anything that can leave: from here on every way out wipes what the run holds.
 void start_run(int argc, char **argv);
 
 // Ends the process with one of these.

@@ -15,9 +15,11 @@
 #include <kestrion/message_slots.h>
 
 #include <errno.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -28,10 +30,18 @@ using namespace kestrion;
 void *memAlloc(size_t size, const char *, int) { return malloc(size); }
 void *memRealloc(void *block, size_t size, const char *, int) { return realloc(block, size); }
 
-// A crash must not leave keys in a core file.
+// A crash must not leave keys in a core file. The limit is not asked where core files go to a
+// program.
 void forbid_core_files() {
     constexpr rlimit none = {0, 0};
     setrlimit(RLIMIT_CORE, &none);
+    prctl(PR_SET_DUMPABLE, 0);
+}
+
+// A write that these would end is to fail instead, with its message and its status.
+void ignore_signals_of_writes() {
+    signal(SIGXFSZ, SIG_IGN);
+    signal(SIGPIPE, SIG_IGN);
 }
 
 int32_t pw_init_messages() {
@@ -139,6 +149,8 @@ void unseal() {
     int32_t payload = run.file_length;
     if (extract_keys(run.ctx, run.cipher, run.file, &payload, run.internal_key,
                      run.sealed_access_key) == -1) {
+        if (!provider_gave_reason())
+            fputs("Memory Allocation failed\n", stderr);
         release_cipher();
         leave(status_failure);
     }
@@ -172,7 +184,9 @@ void write_output() {
 } // namespace
 
 int main(int argc, char **argv) {
+    take_keys(argc, argv);
     forbid_core_files();
+    ignore_signals_of_writes();
     start_run(argc, argv);
     check_surroundings();
     if (argc <= 1)

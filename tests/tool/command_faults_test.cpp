@@ -3,11 +3,13 @@
 
 #include "tool/command.h"
 
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 #include <set>
-#include <signal.h>
+#include <sstream>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -114,7 +116,6 @@ TEST_F(CommandFaults, AFullDiskIsToldWhereverItStrikes) {
     for (const rlim_t room : {rlim_t{0}, rlim_t{2048}}) {
         command full(tree.path());
         full.first([room] {
-            signal(SIGXFSZ, SIG_IGN);
             const rlimit limit = {room, room};
             setrlimit(RLIMIT_FSIZE, &limit);
         });
@@ -131,6 +132,32 @@ TEST_F(CommandFaults, AFullDiskIsToldWhereverItStrikes) {
     const outcome o = command(tree.path()).run({"-e", plain});
     EXPECT_EQ(o.err.find("Error writing file; errno=28\n"), 0u) << o;
     EXPECT_EQ(o.status, 255);
+}
+
+TEST_F(CommandFaults, WhenNobodyReadsItsMessagesItStillEndsWithItsStatus) {
+    command unheard(tree.path());
+    unheard.first([] {
+        int ends[2];
+        if (pipe(ends) != 0)
+            abort();
+        dup2(ends[1], 2);
+        close(ends[0]);
+        close(ends[1]);
+    });
+    const outcome o = unheard.run({});
+    EXPECT_EQ(o.status, 255);
+    EXPECT_EQ(o.signal, 0);
+}
+
+// The limit for core files does not count where they go to a program.
+TEST_F(CommandFaults, NoCoreFileIsWritten) {
+    tool.set("FAULT_COUNT", tree.at("count"));
+    ASSERT_EQ(seal().status, 0);
+    std::istringstream count(tree.read("count"));
+    int allocations = 0;
+    int dumpable = -1;
+    count >> allocations >> dumpable;
+    EXPECT_EQ(dumpable, 0);
 }
 
 // Refuses one allocation after the other through the whole run. Where nothing that matters was lost
@@ -156,6 +183,13 @@ protected:
             EXPECT_TRUE(o.status == 1 || o.status == 255) << "allocation " << k << ": " << o;
             EXPECT_NE(o.err, "") << "allocation " << k;
             EXPECT_EQ(tree.read(output), "as it was") << "allocation " << k << ": " << o;
+        }
+        tool.set("FAULT_LASTING", "1");
+        for (int k = std::max(1, allocations - 60); k <= allocations; ++k) { // after the start
+            tool.set("FAULT_MALLOC", std::to_string(k));
+            const outcome o = run();
+            EXPECT_TRUE(o.status == 0 || o.err != "") << "from allocation " << k << " on";
+            EXPECT_EQ(o.signal, 0) << "from allocation " << k << " on: " << o;
         }
         for (const auto &[status, words] : wanted)
             EXPECT_TRUE(met.contains({status, words})) << status << ": " << words;

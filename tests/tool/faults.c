@@ -1,7 +1,10 @@
 /* Preloaded into the command: makes one thing fail that the system would seldom let fail.
  *
  *   FAULT_MALLOC=k      the k-th allocation fails
- *   FAULT_COUNT=path    the number of allocations is written there at the end
+ *   FAULT_LASTING=1     and all after it
+ *   FAULT_COUNT=path    the number of allocations is written there at the end, and whether the
+ *                       system may write a core file
+ *   FAULT_STOP=1        stops when the installation directory is looked at, before anything is loaded
  *   FAULT_FILE=path     reads and writes of this file (its real path) are faulty:
  *   FAULT_READ=n        a read takes at most n bytes; 0: interrupted
  *   FAULT_WRITE=n       a write takes at most n bytes; 0: the second one is interrupted
@@ -14,9 +17,11 @@
 #include <fcntl.h>
 #include <malloc.h>
 #include <pwd.h>
+#include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -25,10 +30,12 @@ void *__libc_calloc(size_t count, size_t size);
 
 static long allocations;
 static long refused;
+static int lasting;
 
 __attribute__((constructor)) static void start(void) {
     const char *k = getenv("FAULT_MALLOC");
     refused = k == NULL ? 0 : atol(k);
+    lasting = getenv("FAULT_LASTING") != NULL;
     allocations = 0;
 }
 
@@ -37,12 +44,13 @@ __attribute__((destructor)) static void end(void) {
     if (path == NULL)
         return;
     const int fd = open(path, O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    dprintf(fd, "%ld", allocations);
+    dprintf(fd, "%ld %d", allocations, prctl(PR_GET_DUMPABLE));
     close(fd);
 }
 
 static int refuse(void) {
-    if (++allocations != refused)
+    ++allocations;
+    if (refused == 0 || allocations < refused || (allocations > refused && !lasting))
         return 0;
     errno = ENOMEM;
     return 1;
@@ -87,6 +95,12 @@ struct passwd *getpwnam(const char *name) {
 struct passwd *getpwuid(uid_t uid) {
     (void)uid;
     return &user;
+}
+
+int access(const char *path, int mode) {
+    if (getenv("FAULT_STOP") != NULL)
+        raise(SIGSTOP);
+    return faccessat(AT_FDCWD, path, mode, 0);
 }
 
 static int fail(void) { return 1; }
