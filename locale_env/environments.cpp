@@ -232,6 +232,7 @@ int CreateGlsEnv(const GlsEnvLocale *request, GlsEnv **out, int init) {
         return err_no_block;
     }
 
+    CheckGlsEnv(); // the default environment is counted before any other
     created->node.env = &created->env;
     created->env.state = state;
     state->mode = GLS_MODE_CLIENT;

@@ -51,16 +51,14 @@ GlsEnv *CheckGlsEnv(void) {
     return gls_env_global;
 }
 
-GlsEnv *qvt_get_glsenv_thread(void) {
-    if (gls_env_global == nullptr)
-        gls_env_global = &gls_env;
-    return gls_env_global;
-}
+GlsEnv *qvt_get_glsenv_thread(void) { return CheckGlsEnv(); }
 
 locale_rec *qvt_get_gl_locale_thread(void) { return qvt_get_glsenv_thread()->cur_lc; }
 
 void SetGlsEnv(GlsEnv *env) {
-    if (glsenv_count == 1 && env == &gls_env && gls_env_global != nullptr)
+    const bool is_first_call = gls_env_global == nullptr;
+    CheckGlsEnv(); // counts the default environment
+    if (!is_first_call && glsenv_count == 1 && env == &gls_env)
         return;
     gls_env_global = env;
 }

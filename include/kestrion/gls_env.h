@@ -144,7 +144,7 @@ extern "C" {
 extern GlsEnv gls_env;              // the default environment
 extern new_gls_env_rec new_gls_env; // its state
 extern GlsEnv *gls_env_global;      // the current environment, null until first use
-extern int32_t glsenv_count;        // environments in use; never lowered
+extern int32_t glsenv_count;        // environments made, the default one as soon as anything asks; never lowered
 extern int32_t _8bitfsys;           // 1 when the file system accepts 8-bit names
 extern gls_env_node defGlsEnv;      // the first node, of the default environment
 extern gls_env_node *GlsEnv_List;   // all environments, the default one first
@@ -158,8 +158,7 @@ extern const char *const gls_setting_names[GLS_SETTINGS];
 // nearly every access: two tests.
 GlsEnv *CheckGlsEnv(void);
 
-// The same without touching the count of environments.
-GlsEnv *qvt_get_glsenv_thread(void);
+GlsEnv *qvt_get_glsenv_thread(void); // the same
 
 // Returns the current environment's locale, or null when none is loaded.
 locale_rec *qvt_get_gl_locale_thread(void);

@@ -3,6 +3,7 @@
 #include <kestrion/error_numbers.h>
 #include <kestrion/startup.h>
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <stdlib.h>
 #include <string>
@@ -100,6 +101,34 @@ TEST(Environments, TheOnlyEnvironmentDoesNotReplaceOneInUse) {
     glsenv_count = 2;
     SetGlsEnv(&gls_env);
     EXPECT_EQ(gls_env_global, &gls_env);
+}
+
+TEST(Environments, TheDefaultOneIsCountedWhoeverAsksFirst) {
+    const std::function<void()> first_calls[] = {
+        [] { CheckGlsEnv(); },
+        [] { qvt_get_glsenv_thread(); },
+        [] { qvt_get_gl_locale_thread(); },
+        [] { SetGlsEnv(&gls_env); },
+        [] {},
+    };
+    for (const auto &first_call : first_calls) {
+        gls_env_global = nullptr;
+        glsenv_count = 0;
+        first_call();
+        GlsEnv *made = nullptr;
+        ASSERT_EQ(CreateGlsEnv(nullptr, &made, 0), 0);
+        EXPECT_EQ(glsenv_count, 2);
+        SetGlsEnv(made);
+        SetGlsEnv(&gls_env);
+        EXPECT_EQ(gls_env_global, &gls_env);
+        FreeAllGlsEnv();
+    }
+    hand_made other;
+    gls_env_global = nullptr;
+    glsenv_count = 0;
+    SetGlsEnv(&other.env);
+    EXPECT_EQ(gls_env_global, &other.env);
+    EXPECT_EQ(glsenv_count, 1);
 }
 
 TEST(Environments, AreCreatedInOrderAndFoundInOrder) {
