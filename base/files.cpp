@@ -30,7 +30,7 @@ int settle_exec(int fd, int32_t security) {
     return (security & QVT_KEEP_ON_EXEC) != 0 ? fd : set_fd_cloexec(fd);
 }
 
-// The descriptor stays open whatever the answer: callers look at the file once more through it.
+// The descriptor stays open whatever the result, as the callers of this operation know it.
 int open_unless_world_writable(const char *path, mode_t mode, int32_t security) {
     const int fd = settle_exec(open(path, O_RDONLY, mode), security);
     if (fd <= 0)

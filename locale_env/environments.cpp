@@ -37,19 +37,18 @@ char *normalised_specifier(const char *spec) {
     return text;
 }
 
-// A request with the normal forms of its two specifiers, each made when it is first needed: one
-// request is held against many environments.
+// A request with the normal forms of its specifiers, each made when it is first needed: one request
+// is held against many environments.
 struct wanted {
     const GlsEnvLocale *request;
-    bool known[2] = {};
-    char normal[2][gls_spec_work_size] = {};
+    bool known[GLS_SETTINGS] = {};
+    char normal[GLS_SETTINGS][gls_spec_size] = {};
 
     const char *normal_form(size_t setting) {
-        const size_t which = setting == GLS_DB_LOCALE;
-        if (!known[which])
-            togensp(request->settings[setting], normal[which]);
-        known[which] = true;
-        return normal[which];
+        if (!known[setting])
+            togensp(request->settings[setting], normal[setting]);
+        known[setting] = true;
+        return normal[setting];
     }
 };
 
@@ -83,10 +82,14 @@ int compare_environment(const GlsEnv *env, wanted &want) {
         compare_specifier(env, want, GLS_DB_LOCALE) != 0 || differs(GLS_DBNLS))
         return -1;
     const char *const *have = env->state->settings;
-    if (have[GLS_DBNLS] != nullptr && request->settings[GLS_DBNLS] != nullptr)
-        for (size_t i = GLS_DBLANG; i <= GLS_LC_TIME; ++i)
-            if (differs(i))
+    if (have[GLS_DBNLS] != nullptr && request->settings[GLS_DBNLS] != nullptr) {
+        if (differs(GLS_DBLANG) || differs(GLS_LANG))
+            return -1;
+        // A start stores the categories in their normal form.
+        for (size_t i = GLS_LC_CTYPE; i <= GLS_LC_TIME; ++i)
+            if (compare_specifier(env, want, i) != 0)
                 return -1;
+    }
     if (differs(GLS_DBMONEY) || differs(GLS_DBTIME) || differs(GLS_DBDATE))
         return -1;
     // GL_DATE counts only where neither side has a DBDATE.

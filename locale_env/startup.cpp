@@ -1,6 +1,7 @@
 #include <kestrion/startup.h>
 
 #include "base/default_locale.h"
+#include "base/owned_text.h"
 #include "env/language_setting.h"
 #include "locale_env/release.h"
 #include <kestrion/categories.h>
@@ -21,8 +22,9 @@
 #include <kestrion/plug_in.h>
 #include <kestrion/strings.h>
 
-#include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
+#include <utility>
 
 namespace {
 
@@ -220,31 +222,42 @@ int load_database_locale(start &s, const char *database) {
     return get_locale(&s.state.db_lc, database, ignored) == 0 ? 0 : -1;
 }
 
-// The server side stands behind the gate of setup_glext_funcs: no program of the installation opens
-// it.
-int init_server() {
-    GlsEnv *env = CheckGlsEnv();
-    start s{env, *env->state};
-    s.state.lc_flags |= 1;
-    if (get_locale(&env->cur_lc, kestrion::default_locale_by_number, s.is_gls) != 0)
-        return -1;
-    fill_slots(s, kestrion::default_locale_by_number);
-    const char *server = ggetenv("SERVER_LOCALE");
-    if (server == nullptr) {
-        const int result = ginsenv("SERVER_LOCALE", kestrion::default_locale_by_number, nullptr);
-        if (result != 0)
-            return result;
-        server = kestrion::default_locale_by_number;
+// What a start that fails puts back: the next one derives the settings again, from what the variables
+// say then.
+class settings_before {
+public:
+    explicit settings_before(const new_gls_env_rec &state) : defaulted_(state.defaulted) {
+        for (size_t i = 0; i < GLS_SETTINGS; ++i) {
+            if (state.settings[i] == nullptr)
+                continue;
+            texts_[i] = kestrion::joined_text(state.settings[i]);
+            complete_ = complete_ && texts_[i] != nullptr;
+        }
     }
-    if (get_locale(&s.state.client_lc, server, s.is_gls) != 0 ||
-        initcscdesc(nullptr, nullptr, server, kestrion::default_locale_by_number) != 0)
-        return -1;
-    return initdatetime() == 0 ? 0 : -1;
-}
+    settings_before(const settings_before &) = delete;
+    settings_before &operator=(const settings_before &) = delete;
+    ~settings_before() {
+        for (char *text : texts_)
+            free(text);
+    }
 
-int init_mode(int16_t mode) {
+    bool complete() const { return complete_; }
+
+    void put_back(new_gls_env_rec &state) {
+        for (size_t i = 0; i < GLS_SETTINGS; ++i)
+            std::swap(state.settings[i], texts_[i]);
+        state.defaulted = defaulted_;
+    }
+
+private:
+    char *texts_[GLS_SETTINGS] = {};
+    int32_t defaulted_;
+    bool complete_ = true;
+};
+
+int init_client() {
     set_glserror(0);
-    const int result = mode == GLS_MODE_CLIENT ? init_fe() : init_server();
+    const int result = init_fe();
     // -1 says that the failing step stored its error; any other result is the error itself.
     if (result != 0 && (result != -1 || get_glserror() == 0))
         set_glserror(result);
@@ -278,11 +291,13 @@ int initgls(int16_t mode) {
     new_gls_env_rec &state = *env->state;
     if ((state.init_flags & mode) != 0)
         return 0;
+    settings_before before(state);
+    if (!before.complete())
+        return set_glserror(err_locale_no_memory);
     state.initialising = 1;
-    if (mode != GLS_MODE_CLIENT && mode != GLS_MODE_SERVER)
-        return set_glserror(err_locale_argument);
-    if (init_mode(mode) != 0) {
+    if (init_client() != 0) {
         kestrion::release_loaded(env);
+        before.put_back(state);
         state.initialising = 0;
         return getiniterr();
     }

@@ -12,7 +12,8 @@
 //     GLS_ERR_FILE           a file that can't be used
 //     GLS_ERR_NO_ROOM        the target is full
 //
-// A record is read-only but for its error word; the state of a stateful conversion is the caller's.
+// A record is read-only but for its error word, which an operation that fails writes: threads may
+// share one where none depends on that word. The state of a stateful conversion is the caller's.
 
 #pragma once
 

@@ -2,8 +2,8 @@
 //
 // A lookup answers from the first of three layers that has a value:
 //   1. the process environment, which always wins; a value over its limit counts as not set, and so
-//      does, in a program with raised privileges (set-user-id and the like), the value of a variable
-//      that names a file, a folder or a program
+//      does, in a program with raised privileges (set-user-id and the like), the value of a
+//      variable that names a file, a folder or a program
 //   2. the settings of the current locale environment (14 names; after start-up these hold what was
 //      derived from the others, and so shadow a later ginsenv of the same names)
 //   3. the live entry: ~/.kestrion, else $KESTRIONDIR/etc/kestrion.rc, else the built-in default
@@ -96,7 +96,8 @@ int32_t idx_get_timeout_value(void);
 // ---- Changes ----
 
 // Stores a value in the registry; the only writer of values. `entry` skips the search.
-// value   null makes the entry unset; the empty text makes it set and empty.
+// value   null makes the entry unset, but one that is set and empty stays so; the empty text makes
+//         it set and empty.
 // Returns 0; err_env_no_memory: the old value stays, but an entry that was set and empty becomes
 //         unset; err_env_value_size: the old value stays; err_env_unknown_name; err_env_null_name.
 // Writes  an equal value keeps the stored pointer; any other invalidates it.

@@ -30,6 +30,9 @@ int CompareLocale(const GlsEnv *env, const GlsEnvLocale *request);
 int CheckExistingGlsEnv(const GlsEnvLocale *request, GlsEnv **out);
 
 // Makes an environment for `request` (null: from the variables alone) and appends it to the list.
+// The start of an environment looks its settings up again, and there DB_LOCALE, DBDATE and GL_DATE
+// of the process environment go over those of the request: an environment that was made for other
+// ones never matches the request that it was made for.
 // init    non-zero: InitGlsEnv at once; a failure leaves the list and the current environment as
 //         they were and is returned as a 16-bit value. The texts of the record's settings stay
 //         allocated then, and the count of environments stays raised.

@@ -1,4 +1,4 @@
-// Files: every open, read and write of the runtime goes through here.
+// Files: system calls under the names of the runtime, and an open that decides about security.
 //
 // The wrappers report what the system call reported and leave `errno` as it left it; none retries
 // after an interruption. Only qvt_fd_open(), qvt_mkdir() and qvt_chksec_setumask() decide anything.

@@ -1,4 +1,4 @@
-// Dynamic libraries. Every load and look-up of the runtime goes through here.
+// Dynamic libraries: the dynamic linker under the names of the runtime.
 
 #pragma once
 

@@ -6,8 +6,9 @@
 // set and means nothing outside the locale that made it. A character has at most four bytes; a
 // string ends with as many zero bytes as the code set's shortest character has.
 //
-// A record is read-only once its categories are set, but for its error word. The texts and tables
-// of a category belong to the record, unless `shared` says that another record lent them; the other
+// A record is read-only once its categories are set, but for its error word, which an operation
+// that fails writes: threads may share one where none depends on that word. The texts and tables of
+// a category belong to the record, unless `shared` says that another record lent them; the other
 // record must then live longer. Every operation on characters takes a null record for single-byte
 // ASCII.
 

@@ -12,10 +12,12 @@
  *     }
  *     pw_cleanup(ctx);
  *
- * Every operation returns 0 for success and -1 for failure, and prints the reason to standard
- * error. One thread at a time may use a context. All memory comes from the caller's three functions
- * and goes back to them; what held a key or plain text is wiped first. On failure some blocks stay
- * allocated, so a caller that must give everything back allocates from an arena of its own.
+ * Every operation returns 0 for success and -1 for failure, and prints the reason to standard error.
+ * Call pw_init before other threads start: it loads the settings and the provider of the process.
+ * After that one thread at a time may use a context. All memory comes from the caller's three
+ * functions and goes back to them; what held a key or plain text is wiped first, as is the stack that
+ * an operation leaves. On failure some blocks stay allocated, so a caller that must give everything
+ * back allocates from an arena of its own.
  */
 
 #pragma once

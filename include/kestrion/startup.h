@@ -11,8 +11,7 @@
 #include <stdint.h>
 
 enum {
-    GLS_MODE_CLIENT = 1, // the locale of a client
-    GLS_MODE_SERVER = 2  // the locales of a server
+    GLS_MODE_CLIENT = 1 // the locale of a client, the one kind of start that there is
 };
 
 #ifdef __cplusplus
@@ -25,7 +24,7 @@ int chkglsinit(void);
 
 // Initialises the current environment for `mode`; a mode already initialised does nothing.
 // Returns 0, -1 for any mode but GLS_MODE_CLIENT, or the folded error of getiniterr(). A failed
-// attempt releases what it loaded.
+// attempt releases what it loaded and puts back the settings that it derived.
 int initgls(int16_t mode);
 
 // The client side of initgls: settles the specifiers, loads the locale, opens the conversions,

@@ -169,7 +169,7 @@ TEST(Startup, ASecondLookupAnswersWhereTheLocaleFails) {
 }
 
 TEST(Startup, UnknownModesAreRefusedAtTheGate) {
-    EXPECT_EQ(initgls(GLS_MODE_SERVER), -1);
+    EXPECT_EQ(initgls(GLS_MODE_CLIENT + 1), -1);
     EXPECT_EQ(new_gls_env.initialising, 0);
     EXPECT_EQ(new_gls_env.init_flags, 0);
     EXPECT_EQ(initgls(7), -1);
@@ -412,6 +412,37 @@ TEST(Startup, AParkedLocaleComesBack) {
     ASSERT_EQ(restorelang(2, other, own, nullptr, nullptr, nullptr, nullptr), 0);
     freegls();
     EXPECT_EQ(env.state->saved_lc, nullptr) << "its object went as the database's";
+}
+
+TEST(Startup, AFailedStartIsForgottenWithWhatItDerived) {
+    EXPECT_EQ(in_child({{"CLIENT_LOCALE", "xx_XX.819"}, {"DB_LOCALE", "ja_JP.sjis"}},
+                       [] {
+                           const int no_locale = chkglsinit();
+                           setenv("CLIENT_LOCALE", "de_DE.8859-1", 1);
+                           const int no_conversion = chkglsinit();
+                           unsetenv("DB_LOCALE");
+                           return std::to_string(no_locale) + std::to_string(no_conversion) +
+                                  describe_start();
+                       }),
+              "-23101-231040 de_de/0333.lco client=de_DE.819 db=de_DE.819* date=%d.%m.%Y (not by "
+              "DBDATE)");
+}
+
+// What a start stores of a request is in its normal form; the same request matches all the same.
+TEST(Startup, ARequestWithDbnlsFindsWhatItMade) {
+    for (const char *dbnls : {"1", "2"}) {
+        EXPECT_EQ(
+            in_child(
+                {{"DBNLS", dbnls}, {"LANG", "de_DE.8859-1"}, {"CLIENT_LOCALE", "de_DE.8859-1"}},
+                [] {
+                    for (int i = 0; i < 3; ++i)
+                        if (cdrInitGlsEnv() != 0)
+                            return std::string("no start");
+                    return std::to_string(glsenv_count);
+                }),
+            "2")
+            << dbnls;
+    }
 }
 
 struct money_row {
