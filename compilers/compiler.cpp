@@ -1,5 +1,7 @@
 #include "compilers/compiler.h"
 
+#include "compilers/input_files.h"
+
 #include <errno.h>
 #include <exception>
 #include <getopt.h>
@@ -112,6 +114,7 @@ exit_status compile_and_write(const compiler &self, const parsed_line &line, FIL
 exit_status run_compiler(int argc, char **argv, const compiler &self, FILE *messages) {
     parsed_line line;
     const std::vector<compiler_option> options = all_options(self, line);
+    forget_input_files();
     try {
         parse(argc, argv, self, options, line);
         if (line.help)

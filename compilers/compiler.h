@@ -23,11 +23,6 @@
 
 namespace kestrion {
 
-// A bad command line: the reason is printed with the usage, and the exit is 2.
-struct usage_error : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
 // An option of one compiler's own: --name, and -letter when letter is not 0.
 struct compiler_option {
     const char *name;

@@ -1,5 +1,7 @@
 #include "compilers/diagnostics.h"
 
+#include "compilers/input_files.h"
+
 #include <algorithm>
 #include <errno.h>
 #include <memory>
@@ -57,6 +59,7 @@ source_file source_file::read(const std::string &path) {
     const std::unique_ptr<FILE, int (*)(FILE *)> file(fopen(path.c_str(), "rb"), fclose);
     std::string text;
     if (file != nullptr) {
+        note_input_file(fileno(file.get()));
         char block[16384];
         for (size_t n; (n = fread(block, 1, sizeof block, file.get())) != 0;)
             text.append(block, n);

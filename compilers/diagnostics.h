@@ -39,6 +39,11 @@ struct compiler_failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// A bad command line: the reason is printed with the usage, and the exit is 2.
+struct usage_error : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 struct source_position {
     size_t line = 0;   // from 1; 0: the file as a whole
     size_t column = 0; // from 1, in bytes; 0: the line as a whole

@@ -1,14 +1,18 @@
 #include "compilers/output_file.h"
 
 #include "compilers/diagnostics.h"
+#include "compilers/input_files.h"
+#include "compilers/temporary_names.h"
 
 #include <errno.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <set>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <system_error>
+#include <tuple>
 #include <unistd.h>
 #include <utility>
 
@@ -44,6 +48,31 @@ std::string real_name(const std::string &path) {
     return target.string();
 }
 
+// What a file is, however it is named; a file that is not there is a name in its directory.
+using file_identity = std::tuple<dev_t, ino_t, std::string>;
+
+// Throws usage_error for a file that was read.
+file_identity identity_of(const std::string &path) {
+    struct stat found;
+    if (stat(path.c_str(), &found) == 0) {
+        if (is_input_file(found))
+            throw usage_error(path + " was read and cannot be an output as well");
+        return {found.st_dev, found.st_ino, ""};
+    }
+    const std::filesystem::path named(path);
+    const std::string directory = named.has_parent_path() ? named.parent_path().string() : ".";
+    if (stat(directory.c_str(), &found) != 0)
+        fail(path, "its directory", errno);
+    return {found.st_dev, found.st_ino, named.filename().string()};
+}
+
+void check_outputs_differ(const std::vector<output_file> &files) {
+    std::set<file_identity> seen;
+    for (const output_file &file : files)
+        if (!file.path.empty() && !seen.insert(identity_of(file.path)).second)
+            throw usage_error(file.path + " is named for two outputs");
+}
+
 // A complete copy of an output under a temporary name beside it; removed again unless it is
 // renamed.
 class staged_file {
@@ -70,6 +99,7 @@ public:
     void put_in_place() {
         if (output_calls_in_use.rename(temporary_.c_str(), target_.c_str()) != 0)
             fail(target_, "renaming", errno);
+        forget_temporary(temporary_);
         temporary_.clear();
     }
 
@@ -81,10 +111,13 @@ private:
                                  std::to_string(getpid()) + '.';
         for (int attempt = 0;; ++attempt) {
             temporary_ = stem + std::to_string(attempt);
+            const signals_held held;
             const int fd = output_calls_in_use.open(temporary_.c_str(),
                                                     O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-            if (fd >= 0)
+            if (fd >= 0) {
+                note_temporary(temporary_);
                 return fd;
+            }
             temporary_.clear();
             if (errno != EEXIST || attempt == 100)
                 fail(target_, "making a temporary file beside it", errno);
@@ -106,8 +139,10 @@ private:
     void discard() {
         if (fd_ >= 0)
             output_calls_in_use.close(std::exchange(fd_, -1));
-        if (!temporary_.empty())
+        if (!temporary_.empty()) {
             output_calls_in_use.unlink(temporary_.c_str());
+            forget_temporary(temporary_);
+        }
         temporary_.clear();
     }
 
@@ -124,6 +159,8 @@ void write_standard_output(const std::string &bytes) {
 } // namespace
 
 void write_output_files(const std::vector<output_file> &files) {
+    check_outputs_differ(files);
+    const signals_handled handled;
     std::vector<staged_file> staged;
     for (const output_file &file : files)
         if (!file.path.empty())

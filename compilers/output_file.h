@@ -4,7 +4,8 @@
 // disk, closed, each step checked. Only when all are complete are they renamed, in order, so the
 // file that matters comes last. A failed step removes the temporary files and leaves the old
 // ones byte for byte. A name that is a symbolic link means the file that it leads to; what exists
-// and is not a regular file is refused, not replaced.
+// and is not a regular file is refused, not replaced. A signal that ends the process removes the
+// temporary files, too.
 
 #pragma once
 
@@ -32,7 +33,8 @@ struct output_file {
     std::string bytes;
 };
 
-// Writes all files or none. Throws compiler_failure that names the file, the step and the reason.
+// Writes all files or none. Throws usage_error when two of them are one, or one was read
+// (input_files.h), and compiler_failure that names the file, the step and the reason.
 // What goes to the standard output goes there last, when every file is in place.
 void write_output_files(const std::vector<output_file> &files);
 

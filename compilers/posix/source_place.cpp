@@ -1,7 +1,12 @@
 #include "compilers/posix/source_place.h"
 
+#include "compilers/input_files.h"
+
 #include <errno.h>
+#include <fcntl.h>
+#include <new>
 #include <string.h>
+#include <unistd.h>
 #include <zlib.h>
 
 namespace kestrion {
@@ -22,9 +27,15 @@ std::string damage_text(const std::string &path, const std::string &reason) {
 
 // The text of a file; null with errno when it cannot be opened.
 std::unique_ptr<source_file> read_if_there(const std::string &path) {
-    std::unique_ptr<gzFile_s, gz_closer> file(gzopen(path.c_str(), "rb"));
-    if (!file)
+    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
         return nullptr;
+    note_input_file(fd);
+    const std::unique_ptr<gzFile_s, gz_closer> file(gzdopen(fd, "rb"));
+    if (!file) {
+        close(fd);
+        throw std::bad_alloc();
+    }
     std::string text;
     for (int got = read_step; got == read_step;) {
         size_t length = text.size();

@@ -136,6 +136,8 @@ TEST_F(Mkcvo, CommandsEndInTheirStatus) {
         {{"-o", "old.cvo", "-nU+00E4=c4a1", "./from", "./to"},
          4,
          "./to does not have the bytes c4a1"},
+        {{"-o", "./loc", "-t", "./loc", "./from", "./to"}, 2, "./loc was read"},
+        {{"-o", "to", "./from", "./to"}, 2, "to was read"},
         {{"-o", "old.cvo", "-t", "./nolocale", "./from", "./to"}, 4, "./nolocale"},
         {{"-o", "old.cvo", "--list", "./to"}, 4, "this is not a conversion object"},
         {{"-o", "old.cvo", "./to"}, 2, "./to is not a listing; to join charmaps, name two"},

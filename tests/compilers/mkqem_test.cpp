@@ -23,6 +23,21 @@ struct Mkqem : command_test {
 
 } // namespace
 
+TEST_F(Mkqem, OutputsReplaceNothingThatWasRead) {
+    fs::create_symlink("en.msg", "link");
+    fs::create_hard_link("en.msg", "twin");
+    for (const std::string output : {"en.msg", "./en.msg", "link", "twin"})
+        for (const char *option : {"--output=", "--losses="}) {
+            const outcome result = mkqem({"-oold.qem", option + output, "-ren.msg", "part.msg"});
+            EXPECT_EQ(result.status, 2) << option << output << result.said;
+            EXPECT_NE(result.said.find(output + " was read"), std::string::npos) << result.said;
+            EXPECT_EQ(content("en.msg"), "$args 2 text\n1 one\n2 two %s\n");
+            EXPECT_EQ(content("old.qem"), "old");
+        }
+    EXPECT_EQ(mkqem({"-oold.qem", "en.msg"}).status, 0);
+    EXPECT_EQ(mkqem({"-oen.msg", "part.msg"}).status, 0) << "this run has not read it";
+}
+
 TEST_F(Mkqem, ExitStatusTellsWhetherAFileWasWritten) {
     const struct {
         std::vector<std::string> words;
@@ -51,6 +66,8 @@ TEST_F(Mkqem, ExitStatusTellsWhetherAFileWasWritten) {
         {{"-o", "old.qem", "en.msg", "--unknown"}, 2},
         {{"en.msg", "-o"}, 2},
         {{"--list", "old.qem", "-r", "en.msg"}, 2},
+        {{"-o", "old.qem", "--losses", "./old.qem", "en.msg"}, 2},
+        {{"-o", "new.qem", "--losses", "./new.qem", "en.msg"}, 2},
     };
     for (const auto &row : rows) {
         std::ofstream("old.qem") << "old";

@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <errno.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -85,6 +87,25 @@ TEST_F(OutputFile, OldFileSurvivesEveryFailingCall) {
     EXPECT_EQ(content(dir / "list"), "losses");
     EXPECT_EQ(entries(), 2);
     EXPECT_EQ(failures, 2 + (1 + 4) + 2 + 2 + 2); // open, write, fsync, close, rename
+}
+
+TEST_F(OutputFile, SignalsLeaveNoTemporaryFile) {
+    for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGXFSZ}) {
+        static int sent;
+        sent = signal;
+        const pid_t child = fork();
+        if (child == 0) {
+            ::signal(signal, SIG_DFL);
+            output_calls_in_use.rename = [](const char *, const char *) { return raise(sent); };
+            write_output_files({{dir / "list", "losses"}, {dir / "old", "new"}});
+            _exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal << " " << status;
+        EXPECT_EQ(entries(), 1) << signal;
+        EXPECT_EQ(content(dir / "old"), "the old file");
+    }
 }
 
 TEST_F(OutputFile, NamesThatAreNoRegularFilesAreNotReplaced) {
