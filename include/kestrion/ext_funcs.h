@@ -164,7 +164,7 @@ char *_gl_get_env_var(const char *name);
 
 // Built-in functions of the slots: the C library, and what it lacks.
 char *gl_ext_getenv(const char *name); // null for every name with raised privileges
-int32_t *gl_ext_errno(void *ctx); // the context itself, or `temperr` for null
+int32_t *gl_ext_errno(void *ctx);      // the context itself, or `temperr` for null
 int gl_ext_fclose(FILE *file);
 int gl_ext_feof(FILE *file);
 int gl_ext_ferror(FILE *file);
