@@ -1,4 +1,5 @@
 #include "gls/engine_test.h"
+#include "support/stated_leaks.h"
 
 #include <time.h>
 
@@ -42,6 +43,7 @@ TEST(ExtFuncs, SlotAfterTheLastIsRefusedAndChangesNothing) {
 }
 
 TEST(ExtFuncs, PutenvKeepsItsOwnCopy) {
+    const stated_leaks environment;
     char text[] = "KESTRION_TEST_VALUE=first";
     EXPECT_EQ(_gl_ext_putenv(text), 0);
     memset(text, 'x', sizeof text - 1);
