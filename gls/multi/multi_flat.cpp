@@ -21,20 +21,18 @@ struct shared_state {
 struct flattening {
     const multi_arr *table;
     multi_step *walk = nullptr;
-    const unsigned char **rows = nullptr;
     shared_state *seen = nullptr;
     uint32_t seen_capacity = 0; // a power of two
     uint32_t seen_count = 0;
     uint32_t capacity = 0;
     uint32_t states = 0;
 
-    bool has_rows() const { return table->data_size != sizeof(multi_step::datum); }
     bool grow();
     bool grow_seen();
     uint64_t key_of(const unsigned char *array, size_t size) const;
     shared_state *place_of(const multi_node *node);
     bool place(const multi_node *node, uint32_t &state);
-    uint16_t datum_at(const multi_node *node, uint32_t state, size_t b) const;
+    uint16_t datum_at(const multi_node *node, size_t b) const;
     void release();
 };
 
@@ -44,12 +42,6 @@ bool flattening::grow() {
     if (bigger_walk == nullptr)
         return false;
     walk = static_cast<multi_step *>(bigger_walk);
-    if (has_rows()) {
-        void *const bigger_rows = _gl_ext_realloc(rows, wanted * sizeof *rows);
-        if (bigger_rows == nullptr)
-            return false;
-        rows = static_cast<const unsigned char **>(bigger_rows);
-    }
     capacity = wanted;
     return true;
 }
@@ -104,9 +96,7 @@ bool flattening::grow_seen() {
     return true;
 }
 
-uint16_t flattening::datum_at(const multi_node *node, uint32_t state, size_t b) const {
-    if (has_rows())
-        return static_cast<uint16_t>(state);
+uint16_t flattening::datum_at(const multi_node *node, size_t b) const {
     uint16_t datum;
     memcpy(&datum, node->data != nullptr ? node->data + (b << 1) : table->default_datum,
            sizeof datum);
@@ -134,13 +124,11 @@ bool flattening::place(const multi_node *node, uint32_t &state) {
         ++seen_count;
     }
     memset(walk + (static_cast<size_t>(state) << 8), 0, state == 0 ? 2 * row_size : row_size);
-    if (has_rows())
-        rows[state] = node->data != nullptr ? node->data : table->default_row;
     for (size_t b = 0; b < gl_bytes; ++b) {
         const unsigned char flag = multi_flag_at(node, static_cast<unsigned char>(b));
         multi_step step = {};
         if (flag == MULTI_END) {
-            step = {.datum = datum_at(node, state, b), .next = multi_end};
+            step = {.datum = datum_at(node, b), .next = multi_end};
         } else if (flag == MULTI_CHILD) {
             uint32_t child;
             if (!place(multi_child_at(node, static_cast<unsigned char>(b)), child))
@@ -154,7 +142,6 @@ bool flattening::place(const multi_node *node, uint32_t &state) {
 
 void flattening::release() {
     _gl_free_ptr(walk);
-    _gl_free_ptr(rows);
     _gl_free_ptr(seen);
 }
 
@@ -164,25 +151,17 @@ namespace kestrion {
 
 void multi_drop_flat(multi_arr *table) {
     _gl_free_ptr(const_cast<multi_step *>(table->walk));
-    _gl_free_ptr(table->data_rows);
-    _gl_free_ptr(table->default_row);
     table->walk = nullptr;
-    table->data_rows = nullptr;
-    table->default_row = nullptr;
 }
 
 int multi_flatten(multi_arr *table) {
     multi_drop_flat(table);
+    if (table->data_size != sizeof(multi_step::datum))
+        return -1;
     flattening flat = {.table = table};
-    if (flat.has_rows()) {
-        table->default_row = multi_make_data_array(table);
-        if (table->default_row == nullptr)
-            return -1;
-    }
     uint32_t root;
     if (!flat.place(table->root, root)) {
         flat.release();
-        multi_drop_flat(table);
         return -1;
     }
     _gl_free_ptr(flat.seen);
@@ -190,7 +169,6 @@ int multi_flatten(multi_arr *table) {
     // well.
     void *const trimmed = _gl_ext_realloc(flat.walk, flat.states * row_size);
     table->walk = trimmed != nullptr ? static_cast<multi_step *>(trimmed) : flat.walk;
-    table->data_rows = flat.rows;
     return 0;
 }
 

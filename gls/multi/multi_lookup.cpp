@@ -14,12 +14,6 @@ struct found {
     const void *datum;  // for MULTI_END
 };
 
-const void *flat_datum(const multi_arr *table, const multi_step &step, unsigned char last) {
-    if (table->data_size == sizeof step.datum)
-        return &step.datum;
-    return table->data_rows[step.datum] + (static_cast<size_t>(last) << table->shift);
-}
-
 const void *tree_datum(const multi_arr *table, const multi_node *node, unsigned char last) {
     return node->data != nullptr ? multi_slot(table, node->data, last) : table->default_datum;
 }
@@ -33,7 +27,7 @@ inline found walk_flat(const multi_arr *table, const Bytes &bytes, int32_t limit
         const multi_step &step = table->walk[static_cast<size_t>(state) << 8 | b];
         state = step.next;
         if (state == multi_end)
-            return {MULTI_END, used, flat_datum(table, step, b)};
+            return {MULTI_END, used, &step.datum};
         if (state == multi_stop)
             return {MULTI_NONE, used, nullptr};
         if (used >= limit)

@@ -14,8 +14,8 @@ unsigned char *multi_make_byte_array();
 unsigned char *multi_make_data_array(const multi_arr *table);
 
 // Makes the flat table of a complete table; loaders call it after a successful read. Returns 0, or
-// -1 without memory or when the tree has more states than a step can number: lookups then walk the
-// tree.
+// -1 for data that are not of 16 bits, without memory, or when the tree has more states than a step
+// can number: lookups then walk the tree.
 int multi_flatten(multi_arr *table);
 // Drops the flat table; every change of the tree does.
 void multi_drop_flat(multi_arr *table);

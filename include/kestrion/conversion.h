@@ -8,7 +8,7 @@
 // when the record is the context):
 //     GLS_ERR_BAD_CHARACTER  no such character, or no mapping
 //     GLS_ERR_NO_MEMORY      an allocation failed
-//     GLS_ERR_SPECIFIER      a character cut off at the end of the text, or an unknown code set
+//     GLS_ERR_SPECIFIER      a character that the length cuts off, or an unknown code set
 //     GLS_ERR_FILE           a file that can't be used
 //     GLS_ERR_NO_ROOM        the target is full
 //

@@ -8,9 +8,9 @@
 //                           A1: 1      goes on in children[child_slot[A1]]
 //     child     flag_bytes  B2: 4      the sequence A1 B2 ends here
 //
-// The tree is what files and compilers work with. A complete table also has a flat transition
-// table, made by kestrion::multi_flatten: one four-byte step for each (state, byte), so that a
-// lookup is one indexed load per byte, and for 16-bit data the last load already holds the datum.
+// The tree is what files and compilers work with. A complete table of 16-bit data also has a flat
+// transition table, made by kestrion::multi_flatten: one four-byte step for each (state, byte), so
+// that a lookup is one indexed load per byte, and the last load already holds the datum.
 // Every change of a table drops it, and all lookups give the same answers without it.
 //
 // A lookup never changes a table: a complete one may be read from many threads.
@@ -58,7 +58,7 @@ struct multi_node {
 
 // One step of the flat table.
 typedef struct multi_step {
-    uint16_t datum; // at the end of a sequence: the datum when data_size is 2, else its row
+    uint16_t datum; // at the end of a sequence
     uint16_t next;  // multi_stop, multi_end, or the next state
 } multi_step;
 
@@ -69,24 +69,22 @@ enum {
 };
 
 typedef struct multi_arr {
-    uint32_t data_size;              // bytes of one datum
-    int32_t max_len;                 // longest sequence; 0 at creation
-    int32_t min_len;                 // shortest sequence; 4 at creation
-    int32_t flags;                   // multi_has_flags, multi_compressed
-    int32_t data_count;              // data arrays
-    int32_t flag_count;              // flag arrays, the root's included
-    int32_t offset_count;            // child_slot arrays
-    int32_t err;                     // of the last load: 0, GLS_ERR_NO_MEMORY, GLS_ERR_TABLE_LENGTH
-    multi_node *root;                // never null
-    unsigned char *default_datum;    // data_size bytes; owned
-    int32_t shift;                   // slots of `data` are 1 << shift bytes, not below data_size
-    int32_t reserved;                // 0
-    unsigned char **shared_flags;    // compressed: the flag_count distinct flag arrays
-    unsigned char **shared_data;     // compressed: the data_count distinct data arrays
-    int32_t *shared_flag_children;   // compressed: entries MULTI_CHILD of each shared flag array
-    const multi_step *walk;          // the flat table, [state << 8 | byte]; null when not made
-    const unsigned char **data_rows; // data arrays by multi_step::datum, when data_size is not 2
-    unsigned char *default_row;      // 256 slots of the default, for nodes without data
+    uint32_t data_size;            // bytes of one datum
+    int32_t max_len;               // longest sequence; 0 at creation
+    int32_t min_len;               // shortest sequence; 4 at creation
+    int32_t flags;                 // multi_has_flags, multi_compressed
+    int32_t data_count;            // data arrays
+    int32_t flag_count;            // flag arrays, the root's included
+    int32_t offset_count;          // child_slot arrays
+    int32_t err;                   // of the last load: 0, GLS_ERR_NO_MEMORY, GLS_ERR_TABLE_LENGTH
+    multi_node *root;              // never null
+    unsigned char *default_datum;  // data_size bytes; owned
+    int32_t shift;                 // slots of `data` are 1 << shift bytes, not below data_size
+    int32_t reserved;              // 0
+    unsigned char **shared_flags;  // compressed: the flag_count distinct flag arrays
+    unsigned char **shared_data;   // compressed: the data_count distinct data arrays
+    int32_t *shared_flag_children; // compressed: entries MULTI_CHILD of each shared flag array
+    const multi_step *walk;        // the flat table, [state << 8 | byte]; null when not made
 } multi_arr;
 
 typedef struct cv_rec cv_rec; // <kestrion/conversion.h>

@@ -312,7 +312,7 @@ TEST(MultiFile, RandomTablesSurviveWritingAndReading) {
         for (int i = 0; i < 3; ++i)
             EXPECT_EQ(counts[0][i], counts[1][i]);
         check_lookups(again, reference, random, "read");
-        ASSERT_EQ(kestrion::multi_flatten(again), 0);
+        ASSERT_EQ(kestrion::multi_flatten(again), size == 2 ? 0 : -1);
         check_lookups(again, reference, random, "read and flat");
         _gl_free_multi(table);
         _gl_free_multi(again);
