@@ -3,6 +3,8 @@
 namespace kestrion {
 namespace {
 
+constexpr size_t most_named = size_t{1} << 24;
+
 code_sequence bytes_of(const source_statement &statement, size_t token) {
     code_sequence found;
     for (const text_element &element : statement.source->elements(statement.tokens[token])) {
@@ -62,8 +64,7 @@ std::optional<uint32_t> character_keys::find(const source_statement &statement,
     return row != nullptr ? std::optional(of(*row)) : std::nullopt;
 }
 
-std::vector<uint32_t> character_keys::range(const source_statement &statement,
-                                            size_t ellipsis) const {
+std::vector<uint32_t> character_keys::range(const source_statement &statement, size_t ellipsis) {
     if (ellipsis + 1 >= statement.tokens.size())
         throw source_error(statement.place(ellipsis), "a range without an end",
                            "name its last character");
@@ -84,13 +85,14 @@ std::vector<uint32_t> character_keys::range(const source_statement &statement,
 }
 
 std::vector<uint32_t> character_keys::code_points(const source_statement &statement,
-                                                  size_t ellipsis) const {
+                                                  size_t ellipsis) {
     const auto first = find(statement, ellipsis - 1), last = find(statement, ellipsis + 1);
     if (!first || !last || *first > *last || *last >= code_point_limit)
         throw source_error(statement.place(ellipsis),
                            "the range ends before it begins, or after U+10FFFF",
                            "give the lower end first");
     const auto step = static_cast<uint32_t>(statement.tokens[ellipsis].number);
+    count_named(statement, ellipsis, (*last - *first) / step + 1);
     std::vector<uint32_t> keys;
     for (uint32_t key = *first; key <= *last; key += step)
         keys.push_back(key);
@@ -98,35 +100,43 @@ std::vector<uint32_t> character_keys::code_points(const source_statement &statem
 }
 
 std::vector<uint32_t> character_keys::sequences(const source_statement &statement,
-                                                size_t ellipsis) const {
+                                                size_t ellipsis) {
     const code_sequence first = bytes_of(statement, ellipsis - 1);
     const code_sequence last = bytes_of(statement, ellipsis + 1);
     if (first.length != last.length || first.packed() > last.packed())
         throw source_error(statement.place(ellipsis), "these bytes are not a range",
                            "give two characters of one length, the lower one first");
+    const std::span<const uint32_t> rows = map_.between(first, last);
+    count_named(statement, ellipsis, rows.size());
     std::vector<uint32_t> keys;
-    for (const charmap_row &row : map_.rows)
-        if (row.sequence.length == first.length && row.sequence.packed() >= first.packed() &&
-            row.sequence.packed() <= last.packed())
-            keys.push_back(of(row));
+    for (const uint32_t row : rows)
+        keys.push_back(of(map_.rows[row]));
     return keys;
 }
 
-std::vector<uint32_t> character_keys::names(const source_statement &statement,
-                                            size_t ellipsis) const {
+std::vector<uint32_t> character_keys::names(const source_statement &statement, size_t ellipsis) {
     const source_token &points = statement.tokens[ellipsis];
-    const std::vector<std::string> names =
-        counted_names(statement.tokens[ellipsis - 1].text, statement.tokens[ellipsis + 1].text,
-                      points.text == "...." ? 10 : 16);
-    if (names.empty())
-        throw source_error(statement.place(ellipsis), "these two names are not a range",
-                           "write the same text twice with a number after it, the lower one "
-                           "first");
+    const auto names = counted_names::between(statement.tokens[ellipsis - 1].text,
+                                              statement.tokens[ellipsis + 1].text,
+                                              points.text == "...." ? 10 : 16);
+    if (!names)
+        throw source_error(statement.place(ellipsis), not_a_name_range, name_range_remedy);
+    count_named(statement, ellipsis, names->size());
     std::vector<uint32_t> keys;
-    for (size_t i = 0; i < names.size(); i += static_cast<size_t>(points.number))
-        if (const charmap_row *row = map_.find_name(names[i]))
+    for (uint32_t i = 0; i < names->size(); i += static_cast<uint32_t>(points.number))
+        if (const charmap_row *row = map_.find_name(names->name(i)))
             keys.push_back(of(*row));
     return keys;
+}
+
+void character_keys::count_named(const source_statement &statement, size_t ellipsis,
+                                 size_t characters) {
+    named_ += characters;
+    if (named_ > most_named)
+        throw source_error(statement.place(ellipsis),
+                           "the class lines name more than " + std::to_string(most_named) +
+                               " characters",
+                           "name each character once");
 }
 
 } // namespace kestrion

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <unordered_map>
 
 namespace kestrion {
 namespace {
@@ -62,10 +63,11 @@ private:
     const locale_source &source_;
     const charmap &map_;
     diagnostics &said_;
-    const character_keys keys_;
+    character_keys keys_;
 
-    std::vector<uint16_t> classes_;              // by key
-    std::vector<named_class> named_;             // in the order of the source
+    std::vector<uint16_t> classes_;                            // by key
+    std::vector<named_class> named_;                           // in the order of the source
+    std::map<std::string, size_t, std::less<>> named_indexes_; // in named_, by name
     std::set<std::string, std::less<>> ignored_; // keywords of maps that the object cannot hold
     std::map<uint32_t, uint32_t> upper_, lower_; // partners by key
     source_place transliteration_;               // where an open one began, or no file
@@ -86,15 +88,15 @@ void ctype_compiler::read() {
 }
 
 named_class &ctype_compiler::named(std::string_view name, const source_place &place) {
-    for (named_class &known : named_)
-        if (known.name == name)
-            return known;
+    if (const auto known = named_indexes_.find(name); known != named_indexes_.end())
+        return named_[known->second];
     if (name.empty() || name.size() > longest_class_name ||
         name.find_first_of(" \t\n\v\f\r") != std::string_view::npos)
         throw source_error(place,
                            "expected a name of one word and at most " +
                                std::to_string(longest_class_name) + " characters",
                            "rename the class");
+    named_indexes_.emplace(name, named_.size());
     return named_.emplace_back(named_class{std::string(name), place, {}});
 }
 
@@ -131,9 +133,8 @@ void ctype_compiler::statement(const source_statement &statement) {
         for (size_t i = 1; i < tokens.size(); i += 2)
             ignored_.emplace(tokens[i].text);
     } else if (keyword != "map") {
-        for (named_class &known : named_)
-            if (keyword == known.name)
-                return class_members(statement, 1, 0, &known.keys);
+        if (named_indexes_.contains(keyword))
+            return class_members(statement, 1, 0, &named(keyword, statement.place()).keys);
         throw source_error(statement.place(),
                            "unknown keyword " + std::string(tokens[0].text) + " in LC_CTYPE",
                            "declare a class of this name by charclass, or remove the line");
@@ -247,24 +248,25 @@ void ctype_compiler::set_widths(const charmap *widths, locale_object &object) {
 }
 
 void ctype_compiler::set_named_classes(locale_object &object) {
+    std::unordered_multimap<uint32_t, size_t> indexes; // several rows may be one character
+    for (size_t i = 0; i < rows_.size(); ++i)
+        indexes.emplace(keys_.of(*rows_[i]), i);
     int bit = 1;
     for (const named_class &named : named_) {
-        std::set<uint32_t> keys(named.keys.begin(), named.keys.end());
-        std::vector<size_t> members;
-        for (size_t i = 0; i < rows_.size(); ++i)
-            if (keys.contains(keys_.of(*rows_[i])))
-                members.push_back(i);
+        std::set<size_t> members;
+        for (const uint32_t key : named.keys)
+            for (auto [at, end] = indexes.equal_range(key); at != end; ++at)
+                members.insert(at->second);
         if (members.empty())
             continue;
         if (bit == ct_named_limit) {
-            said_.loss(
-                *named.place.file, named.place.position(),
-                "class " + named.name + " with " + std::to_string(members.size()) +
-                    " characters is left out",
-                "an object holds four named classes beside full_width; the first four are kept");
+            said_.loss(*named.place.file, named.place.position(),
+                       "class " + named.name + " with " + std::to_string(members.size()) +
+                           " characters is left out",
+                       "an object holds four named classes beside full_width, the first four");
             continue;
         }
-        for (size_t i : members)
+        for (const size_t i : members)
             object.characters[i].classes |= static_cast<uint16_t>(CT_NAMED << bit);
         object.class_names.emplace_back(bit++, named.name);
     }

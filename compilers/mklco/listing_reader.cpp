@@ -68,6 +68,8 @@ std::vector<listing_statement> listing_reader::statements() {
         {"code_set", occurrence::once, 1, 1, [&](const auto &line) { code_set_line(line); }},
         {"class_name", occurrence::any, 2, 2,
          [&](const auto &line) {
+             if (object_.class_names.size() == most_class_names)
+                 line.fail(0, "too many class names", "five of them are of use");
              const auto bit = static_cast<int>(line.number(1, INT32_MIN, INT32_MAX));
              object_.class_names.emplace_back(bit, line[2]);
          }},

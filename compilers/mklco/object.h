@@ -139,6 +139,9 @@ std::string too_long_text(std::string_view text);
 // Characters of a contraction or expansion.
 inline constexpr size_t longest_collating_sequence = 15;
 
+// Class names that a listing may have; the runtime makes use of five.
+inline constexpr size_t most_class_names = 1000;
+
 // Whether a word names one of the runtime's calendars.
 bool is_calendar(std::string_view name);
 

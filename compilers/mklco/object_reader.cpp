@@ -80,6 +80,8 @@ void take_ctype(const locale_rec &lc, locale_object &object) {
         object.characters.push_back({sequence, classes, datum_of(sequence, ct.case_index),
                                      datum_of(sequence, lc.collate_cat.row_table)});
     });
+    if (static_cast<size_t>(ct.class_name_count) > most_class_names)
+        throw compiler_failure("more than " + std::to_string(most_class_names) + " class names");
     for (int32_t i = 0; i < ct.class_name_count; ++i)
         object.class_names.emplace_back(ct.class_names[i].bit, ct.class_names[i].name);
     for (int32_t i = 1; i <= ct.case_pair_count; ++i)

@@ -2,16 +2,23 @@
 
 #include "compilers/posix/charmap_reader.h"
 
+#include <algorithm>
+#include <numeric>
+
 namespace kestrion {
 namespace {
 
 constexpr uint32_t page_size = 256; // code points in a page of the index
 
+// Orders sequences by their length, then by their bytes.
+uint64_t byte_key(const code_sequence &sequence) {
+    return uint64_t{sequence.length} << 32 | sequence.packed();
+}
+
 } // namespace
 
 charmap::charmap(const source_file &source) : source_(source) {
     charmap_reader(*this, source).read();
-    index_code_points();
     // Another sequence for a character is as wide as the one that it is written by.
     for (charmap_row &row : rows)
         if (const charmap_row *written = row.one_way ? find(row.code_point) : nullptr) {
@@ -20,8 +27,7 @@ charmap::charmap(const source_file &source) : source_(source) {
         }
 }
 
-void charmap::index_code_points() {
-    pages_.clear();
+void charmap::index_rows() {
     for (size_t i = 0; i < rows.size(); ++i) {
         const uint32_t code_point = rows[i].code_point;
         if (code_point >= code_point_limit || rows[i].one_way)
@@ -35,6 +41,12 @@ void charmap::index_code_points() {
         if (slot == 0)
             slot = static_cast<uint32_t>(i) + 1;
     }
+    by_bytes_.resize(rows.size());
+    std::iota(by_bytes_.begin(), by_bytes_.end(), 0);
+    std::stable_sort(by_bytes_.begin(), by_bytes_.end(), [this](uint32_t a, uint32_t b) {
+        const uint64_t left = byte_key(rows[a].sequence), right = byte_key(rows[b].sequence);
+        return left != right ? left < right : rows[a].one_way < rows[b].one_way;
+    });
 }
 
 const charmap_row *charmap::find(uint32_t code_point) const {
@@ -46,11 +58,18 @@ const charmap_row *charmap::find(uint32_t code_point) const {
 }
 
 const charmap_row *charmap::find_bytes(const code_sequence &wanted) const {
-    const charmap_row *found = nullptr;
-    for (const charmap_row &row : rows)
-        if (row.sequence == wanted && (found == nullptr || (found->one_way && !row.one_way)))
-            found = &row;
-    return found;
+    const std::span<const uint32_t> found = between(wanted, wanted);
+    return found.empty() ? nullptr : &rows[found.front()];
+}
+
+std::span<const uint32_t> charmap::between(const code_sequence &first,
+                                           const code_sequence &last) const {
+    const auto below = [this](uint32_t row, uint64_t key) {
+        return byte_key(rows[row].sequence) < key;
+    };
+    const auto from = std::lower_bound(by_bytes_.begin(), by_bytes_.end(), byte_key(first), below);
+    const auto to = std::lower_bound(from, by_bytes_.end(), byte_key(last) + 1, below);
+    return {from, to};
 }
 
 const charmap_row *charmap::find_name(std::string_view name) const {

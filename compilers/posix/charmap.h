@@ -16,6 +16,7 @@
 #include "compilers/posix/source_place.h"
 #include "compilers/posix/symbolic_name.h"
 
+#include <span>
 #include <stdint.h>
 #include <string>
 #include <string_view>
@@ -51,17 +52,20 @@ public:
     const charmap_row *find_name(std::string_view name) const;
     // The row, two-way or one-way, that bytes are read as; null when they are not a character.
     const charmap_row *find_bytes(const code_sequence &wanted) const;
+    // The rows, by their numbers, whose sequences lie between two of one length, in their order.
+    std::span<const uint32_t> between(const code_sequence &first, const code_sequence &last) const;
 
     const source_file &source() const { return source_; }
     source_place place(const charmap_row &row) const { return {&source_, row.offset}; }
 
 private:
     friend class charmap_reader;
-    void index_code_points();
+    void index_rows();
 
     const source_file &source_;
     std::vector<std::vector<uint32_t>> pages_; // by code point / 256 and % 256: row + 1, or 0
     std::unordered_map<std::string, uint32_t> named_rows_;
+    std::vector<uint32_t> by_bytes_; // rows by length and bytes, two-way ones first
 };
 
 // The loss of a character that begins with the bytes of another one, which tables cannot hold.

@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <charconv>
-#include <vector>
+#include <numeric>
+#include <optional>
+#include <span>
 
 namespace kestrion {
 namespace {
 
 constexpr size_t most_rows = 2 * size_t{code_point_limit};
+constexpr size_t most_names = size_t{1} << 18;
 constexpr std::string_view one_way_mark = "%IRREVERSIBLE%";
 constexpr int greatest_width = 8;        // columns
 constexpr int greatest_head_length = 16; // what a head may say of its longest character
@@ -93,6 +96,8 @@ void charmap_reader::alias_comment() {
 
 void charmap_reader::head_line() {
     if (take("CHARMAP")) {
+        if (!map_.rows.empty())
+            fail(at_, "a second section CHARMAP", "make one of the two");
         part_ = part::characters;
         return;
     }
@@ -103,8 +108,9 @@ void charmap_reader::head_line() {
         return;
     }
     if (take("WIDTH")) {
-        map_.index_code_points();
-        map_.has_widths = true;
+        if (widths_read_)
+            fail(at_, "a second section WIDTH", "make one of the two");
+        widths_read_ = map_.has_widths = true;
         part_ = part::widths;
         return;
     }
@@ -136,6 +142,10 @@ void charmap_reader::section_end(part next) {
     std::string_view wanted = part_ == part::characters ? "CHARMAP" : "WIDTH";
     if (!take(wanted))
         fail(at_, "this END closes another section", "write END " + std::string(wanted));
+    if (part_ == part::characters)
+        map_.index_rows();
+    else
+        apply_widths();
     part_ = next;
 }
 
@@ -152,7 +162,7 @@ void charmap_reader::character_line(bool one_way) {
 void charmap_reader::width_line() {
     name_range range = names();
     skip_blanks();
-    set_widths(range, decimal(greatest_width));
+    note_width(range, decimal(greatest_width));
 }
 
 void charmap_reader::skip_blanks() {
@@ -256,6 +266,9 @@ void charmap_reader::add_row(uint32_t code_point, std::string_view name,
     if (map_.rows.size() == most_rows)
         fail(offset, "more than " + std::to_string(most_rows) + " characters",
              "no code set has so many; look for a range that is too long");
+    if (code_point == no_code_point && map_.named_rows_.size() == most_names)
+        fail(offset, "more than " + std::to_string(most_names) + " names without a code point",
+             "no code set has so many; look for a range that is too long");
     if (code_point == no_code_point && !one_way)
         map_.named_rows_.try_emplace(std::string(name), static_cast<uint32_t>(map_.rows.size()));
     map_.mb_cur_max = std::max<int>(map_.mb_cur_max, sequence.length);
@@ -264,15 +277,14 @@ void charmap_reader::add_row(uint32_t code_point, std::string_view name,
 
 void charmap_reader::add_range(const name_range &range, code_sequence first, bool one_way) {
     uint32_t from = code_point_of_name(range.first), to = code_point_of_name(range.last);
-    std::vector<std::string> names;
-    bool by_code_point = from != no_code_point && to != no_code_point;
+    std::optional<counted_names> names;
+    const bool by_code_point = from != no_code_point && to != no_code_point;
     if (!by_code_point) {
-        names = counted_names(range.first, range.last, range.hexadecimal ? 16 : 10);
-        if (names.empty())
-            fail(range.offset, "these two names are not a range",
-                 "write the same text twice with a number after it, the lower one first");
+        names = counted_names::between(range.first, range.last, range.hexadecimal ? 16 : 10);
+        if (!names)
+            fail(range.offset, not_a_name_range, name_range_remedy);
         from = 0;
-        to = static_cast<uint32_t>(names.size()) - 1;
+        to = names->size() - 1;
     }
     if (from > to || to - from >= code_point_limit)
         fail(range.offset, "the range ends before it begins, or is too long",
@@ -283,7 +295,7 @@ void charmap_reader::add_range(const name_range &range, code_sequence first, boo
         if (by_code_point)
             add_row(value, {}, first, one_way, range.offset);
         else
-            add_row(no_code_point, names[value], first, one_way, range.offset);
+            add_row(no_code_point, names->name(value), first, one_way, range.offset);
         if (value == to)
             return;
         if (!step(first, utf8 ? 0x80 : 0x00, utf8 ? 0xBF : 0xFF))
@@ -293,31 +305,35 @@ void charmap_reader::add_range(const name_range &range, code_sequence first, boo
 }
 
 // Widths are given to all rows whose sequences lie between those of the two ends. Some charmaps
-// give widths to characters that they do not have; that says nothing.
-void charmap_reader::set_widths(const name_range &range, int width) {
+// give widths to characters that they do not have, which are ignored.
+void charmap_reader::note_width(const name_range &range, int width) {
     const charmap_row *first = map_.find_name(range.first);
     const charmap_row *last = range.last.empty() ? first : map_.find_name(range.last);
     if (first == nullptr || last == nullptr)
         return;
-    auto key = [this](uint32_t row) {
-        const code_sequence &s = map_.rows[row].sequence;
-        return uint64_t{s.length} << 32 | s.packed();
+    const std::span<const uint32_t> rows = map_.between(first->sequence, last->sequence);
+    const size_t from = static_cast<size_t>(rows.data() - map_.by_bytes_.data());
+    widths_.push_back({from, from + rows.size(), static_cast<int8_t>(width), range.offset});
+}
+
+// The last line that names a row counts. So the lines are walked from the last, and each row that
+// has its width is stepped over from then on.
+void charmap_reader::apply_widths() {
+    std::vector<size_t> next(map_.rows.size() +
+                             1); // the next place without a width, or a way to it
+    std::iota(next.begin(), next.end(), 0);
+    const auto next_free = [&](size_t at) {
+        while (next[at] != at)
+            at = next[at] = next[next[at]];
+        return at;
     };
-    if (by_bytes_.empty()) {
-        by_bytes_.resize(map_.rows.size());
-        for (uint32_t i = 0; i < by_bytes_.size(); ++i)
-            by_bytes_[i] = i;
-        std::stable_sort(by_bytes_.begin(), by_bytes_.end(),
-                         [&](uint32_t a, uint32_t b) { return key(a) < key(b); });
-    }
-    uint64_t from = key(static_cast<uint32_t>(first - map_.rows.data()));
-    uint64_t to = key(static_cast<uint32_t>(last - map_.rows.data()));
-    auto at = std::lower_bound(by_bytes_.begin(), by_bytes_.end(), from,
-                               [&](uint32_t row, uint64_t wanted) { return key(row) < wanted; });
-    for (; at != by_bytes_.end() && key(*at) <= to; ++at) {
-        map_.rows[*at].width = static_cast<int8_t>(width);
-        map_.rows[*at].width_offset = range.offset;
-    }
+    for (auto line = widths_.rbegin(); line != widths_.rend(); ++line)
+        for (size_t at = next_free(line->from); at < line->to; at = next_free(at)) {
+            charmap_row &row = map_.rows[map_.by_bytes_[at]];
+            row.width = line->width;
+            row.width_offset = line->offset;
+            next[at] = at + 1;
+        }
 }
 
 } // namespace kestrion

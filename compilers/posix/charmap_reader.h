@@ -49,7 +49,8 @@ private:
     void add_range(const name_range &range, code_sequence first, bool one_way);
     void add_row(uint32_t code_point, std::string_view name, const code_sequence &sequence,
                  bool one_way, uint32_t offset);
-    void set_widths(const name_range &range, int width);
+    void note_width(const name_range &range, int width);
+    void apply_widths();
 
     [[noreturn]] void fail(size_t offset, const std::string &what,
                            const std::string &remedy) const {
@@ -65,7 +66,14 @@ private:
     char comment_ = '#';
     char escape_ = '\\';
     int default_width_ = -1;
-    std::vector<uint32_t> by_bytes_; // rows in the order of their sequences, made for the widths
+    bool widths_read_ = false;
+
+    struct given_width {
+        size_t from, to; // places in the map's order by bytes
+        int8_t width;
+        uint32_t offset;
+    };
+    std::vector<given_width> widths_;
 };
 
 } // namespace kestrion

@@ -76,15 +76,13 @@ void locale_source::close(category &open, std::string_view name, const source_pl
         throw source_error(end, "END " + std::string(name) + " closes no open category",
                            open.name.empty() ? "remove it" : "write END " + std::string(open.name));
     open.end = static_cast<uint32_t>(end.offset);
-    categories_.push_back(open);
+    categories_.emplace(name, open);
     open = {};
 }
 
 const locale_source::category *locale_source::find(std::string_view name) const {
-    for (const category &c : categories_)
-        if (c.name == name)
-            return &c;
-    return nullptr;
+    const auto found = categories_.find(name);
+    return found == categories_.end() ? nullptr : &found->second;
 }
 
 std::vector<text_element> locale_source::elements(const source_token &token) const {

@@ -17,6 +17,7 @@
 #include "compilers/posix/source_place.h"
 #include "compilers/posix/symbolic_name.h"
 
+#include <map>
 #include <stdint.h>
 #include <string>
 #include <string_view>
@@ -82,7 +83,7 @@ private:
     const source_file &file_;
     char escape_char_ = '\\';
     char comment_char_ = '#';
-    std::vector<category> categories_;
+    std::map<std::string_view, category> categories_; // by name
 };
 
 // A statement: its tokens, never none. The first is the keyword in most categories.

@@ -2,6 +2,8 @@
 
 #include "compilers/posix/statement_reader.h"
 
+#include <set>
+
 namespace kestrion {
 namespace {
 
@@ -35,29 +37,37 @@ struct source_library::copy_chain {
     int depth;
 };
 
+// One walk over a category with all that it copies.
+struct source_library::category_walk {
+    std::string_view category;
+    const std::function<void(const source_statement &)> &handler;
+    std::set<const locale_source *> done; // a second copy adds nothing, and could go on for ever
+};
+
 void source_library::for_each_statement(
     const locale_source &source, std::string_view category,
     const std::function<void(const source_statement &)> &handler) {
-    walk(source, category, handler, nullptr);
+    category_walk walk{category, handler, {}};
+    visit(source, walk, nullptr);
 }
 
-void source_library::walk(const locale_source &source, std::string_view category,
-                          const std::function<void(const source_statement &)> &handler,
-                          copy_chain *chain) {
+void source_library::visit(const locale_source &source, category_walk &walk, copy_chain *chain) {
     source_place asked_at = chain ? chain->copied_at : source_place{&source.file(), 0};
     for (copy_chain *c = chain; c != nullptr; c = c->outer)
         if (c->source == &source || c->depth >= deepest_copy)
             throw source_error(asked_at, "this copy comes back to itself or goes too deep",
                                "copy a category that copies nothing");
-    const locale_source::category *found = source.find(category);
+    if (!walk.done.insert(&source).second)
+        return;
+    const locale_source::category *found = source.find(walk.category);
     if (found == nullptr)
-        throw source_error(asked_at, source.file().name() + " has no " + std::string(category),
+        throw source_error(asked_at, source.file().name() + " has no " + std::string(walk.category),
                            "write the category, or copy it from another source");
     statement_reader reader(source, *found);
     source_statement statement;
     while (reader.next(statement)) {
         if (statement.keyword() != "copy") {
-            handler(statement);
+            walk.handler(statement);
             continue;
         }
         if (statement.tokens.size() != 2 || statement.tokens[1].kind != token_kind::string)
@@ -66,7 +76,7 @@ void source_library::walk(const locale_source &source, std::string_view category
         copy_chain here{&source, chain, statement.place(1), chain ? chain->depth + 1 : 1};
         const locale_source &other =
             open_from(statement.place(1), std::string(statement.tokens[1].text));
-        walk(other, category, handler, &here);
+        visit(other, walk, &here);
     }
 }
 

@@ -29,15 +29,15 @@ public:
     const std::map<std::string, std::unique_ptr<source_file>> &files() const { return files_; }
 
     // Hands each statement of a category to `handler`, and for copy "name" the statements of that
-    // source's category of the same name. A source without the category, a copy of a copy
+    // source's category of the same name, once for each source. A source without the category, a copy of a copy
     // of itself, or copies nested deeper than 16 are a source_error.
     void for_each_statement(const locale_source &source, std::string_view category,
                             const std::function<void(const source_statement &)> &handler);
 
 private:
     struct copy_chain;
-    void walk(const locale_source &source, std::string_view category,
-              const std::function<void(const source_statement &)> &handler, copy_chain *chain);
+    struct category_walk;
+    void visit(const locale_source &source, category_walk &walk, copy_chain *chain);
 
     std::vector<std::string> directories_;
     std::map<std::string, std::unique_ptr<source_file>> files_;

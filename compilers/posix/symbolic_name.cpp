@@ -9,6 +9,7 @@
 namespace kestrion {
 namespace {
 
+constexpr size_t longest_counted_name = 64;
 constexpr uint32_t greatest_code_point = 0x7FFFFFFF; // charmaps may name more than Unicode has
 
 // The digits that end a name: where they begin, and their value in base 10 or 16.
@@ -46,25 +47,32 @@ std::string code_point_text(uint32_t code_point) {
     return text;
 }
 
-std::vector<std::string> counted_names(std::string_view first, std::string_view last, int base) {
+std::optional<counted_names> counted_names::between(std::string_view first, std::string_view last,
+                                                    int base) {
     uint32_t from = 0, to = 0;
     size_t first_at = 0, last_at = 0;
-    std::vector<std::string> names;
-    if (!split_number(first, base, first_at, from) || !split_number(last, base, last_at, to) ||
+    if (first.size() > longest_counted_name || last.size() > longest_counted_name ||
+        !split_number(first, base, first_at, from) || !split_number(last, base, last_at, to) ||
         first.substr(0, first_at) != last.substr(0, last_at) || from > to ||
         to - from >= code_point_limit)
-        return names;
-    const size_t digits = first.size() - first_at;
-    for (uint64_t value = from; value <= to; ++value) {
-        char buffer[16];
-        char *end = std::to_chars(buffer, buffer + sizeof buffer, value, base).ptr;
-        std::transform(buffer, end, buffer, [](char c) { return ascii_upper(c); });
-        const std::string number(buffer, end);
-        names.push_back(std::string(first.substr(0, first_at)) +
-                        std::string(digits > number.size() ? digits - number.size() : 0, '0') +
-                        number);
-    }
+        return {};
+    counted_names names;
+    names.prefix_ = first.substr(0, first_at);
+    names.digits_ = first.size() - first_at;
+    names.from_ = from;
+    names.size_ = to - from + 1;
+    names.base_ = base;
     return names;
+}
+
+std::string counted_names::name(uint32_t index) const {
+    char buffer[16];
+    char *const end = std::to_chars(buffer, buffer + sizeof buffer, from_ + index, base_).ptr;
+    std::string number(buffer, end);
+    std::transform(number.begin(), number.end(), number.begin(),
+                   [](char c) { return ascii_upper(c); });
+    const size_t zeros = digits_ > number.size() ? digits_ - number.size() : 0;
+    return std::string(prefix_) + std::string(zeros, '0') + number;
 }
 
 } // namespace kestrion

@@ -3,6 +3,8 @@
 namespace kestrion {
 namespace {
 
+constexpr size_t most_substitutes = 100; // of a character; each is tried wherever it occurs
+
 // The characters of a token; false when one of them is not a code point.
 bool code_points(const locale_source &source, const source_token &token, std::u32string &found) {
     found.clear();
@@ -52,6 +54,10 @@ void transliteration::add(const source_statement &statement, bool own) {
         if (statement.tokens[i].kind != token_kind::semicolon &&
             code_points(*statement.source, statement.tokens[i], text))
             found.push_back(text);
+    if (found.size() > most_substitutes)
+        throw source_error(statement.place(),
+                           "more than " + std::to_string(most_substitutes) + " substitutes",
+                           "give the best");
     if (own && read_.size() == 1)
         substitutes_.insert_or_assign(code_point, std::move(found));
     else

@@ -55,6 +55,24 @@ TEST(Charmap, WidthRangesRunInTheOrderOfTheBytes) {
     EXPECT_EQ(map.rows.back().width, 2) << "a one-way row is as wide as its character";
 }
 
+// Later lines win. Row by row these would be four thousand million steps.
+TEST(Charmap, OverlappingWidthsCostNoMoreThanTheirLines) {
+    std::string widths;
+    for (unsigned i = 0; i < 4000; ++i) {
+        char line[64];
+        snprintf(line, sizeof line, "<U00000001>...<U%08X> %u\n", 0x10FFFF - i, i % 3);
+        widths += line;
+    }
+    source_file source("test", head_and("<U00000000>..<U0010FFFF> /x80/x00/x00/x00\n") + "WIDTH\n" +
+                                   widths + "<U00000010> 2\nEND WIDTH\n");
+    charmap map(source);
+    EXPECT_EQ(map.find(0)->width, -1);
+    EXPECT_EQ(map.find(1)->width, 3999 % 3);
+    EXPECT_EQ(map.find(0x10)->width, 2);
+    for (unsigned i = 0; i < 4000; ++i)
+        ASSERT_EQ(map.find(0x10FFFF - i)->width, static_cast<int>(i % 3)) << i;
+}
+
 TEST(Charmap, FaultsAreReportedWithTheirPlace) {
     struct {
         std::string text;
@@ -77,6 +95,12 @@ TEST(Charmap, FaultsAreReportedWithTheirPlace) {
         {head_and("<U00000000>..<U0010FFFF> /x00/x00/x00/x00\n"
                   "<U00000000>..<U0010FFFF> /x00/x00/x00/x00\n<U0041> /x41\n"),
          8, 1, "more than"},
+        {head_and("<" + std::string(65, 'x') + "1>....<" + std::string(65, 'x') + "2> /x41\n"), 6,
+         1, "not a range"},
+        {head_and("<x000000>....<x262144> /x00/x00/x00/x00\n"), 6, 1, "more than 262144 names"},
+        {head_and("<U0041> /x41\n") + head_and("<U0042> /x42\n"), 12, 8, "second section CHARMAP"},
+        {head_and("<U0041> /x41\n") + "WIDTH\nEND WIDTH\nWIDTH\nEND WIDTH\n", 10, 6,
+         "second section WIDTH"},
         {"<colour> red\n", 1, 1, "unknown name"},
         {"CHARMAP\n<U0041> \\x41\nEND WIDTH\n", 3, 5, "another section"},
     };

@@ -132,6 +132,23 @@ TEST(LocaleSource, CopiesAreFollowedAndCannotGoInCircles) {
             library.for_each_statement(library.open(name), "LC_T", [](const source_statement &) {}),
             source_error)
             << name;
+    // Copied ten times at each of twelve levels, yet read once.
+    std::string ten;
+    for (int i = 0; i < 10; ++i)
+        ten += "copy \"level1\"\n";
+    write("level0", ten);
+    for (char level = 'a'; level < 'm'; ++level) {
+        const std::string name = std::string("level") + (level == 'a' ? '1' : level);
+        std::string next;
+        for (int i = 0; i < 10; ++i)
+            next += std::string("copy \"level") + static_cast<char>(level + 1) + "\"\n";
+        write(name.c_str(), next);
+    }
+    write("levelm", "one 1\n");
+    size_t statements = 0;
+    library.for_each_statement(library.open("level0"), "LC_T",
+                               [&](const source_statement &) { ++statements; });
+    EXPECT_EQ(statements, 1U);
     EXPECT_THROW(
         library.for_each_statement(library.open("base"), "LC_U", [](const source_statement &) {}),
         source_error);

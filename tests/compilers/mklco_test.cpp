@@ -317,6 +317,32 @@ TEST_F(Mklco, FaultsAreReportedWithTheirPlaceAndNothingIsWritten) {
     }
 }
 
+// Each would take minutes or all the memory.
+TEST_F(Mklco, SourcesThatAskForTooMuchAreRefused) {
+    std::string many, names, substitutes = "translit_start\n<U20AC> \"\"";
+    for (int i = 0; i < 64; ++i)
+        many += "class \"z\"; <U0000>..<U0010FFFF>\n";
+    for (int i = 0; i < 1001; ++i)
+        names += "class_name 7 n" + std::to_string(i) + "\n";
+    for (int i = 0; i < 200; ++i)
+        substitutes += ";\"\"";
+    const struct {
+        std::string lines;
+        const char *said;
+    } rows[] = {
+        {many, "tt:34:19: error: the class lines name more than 16777216 characters"},
+        {substitutes + "\ntranslit_end\n", "tt:20:1: error: more than 100 substitutes"},
+    };
+    for (const auto &row : rows) {
+        more_classes = row.lines;
+        const outcome result = compile("", "", "", "yesstr \"<U20AC>\"\n");
+        EXPECT_EQ(result.status, 4);
+        EXPECT_NE(result.said.find(row.said), std::string::npos) << result.said;
+    }
+    std::ofstream("names") << "locale_object 11\n" << names;
+    EXPECT_NE(mklco({"-ox", "names"}).said.find("names:1002:1: error"), std::string::npos);
+}
+
 TEST_F(Mklco, LossesAreListedAndCanBeErrors) {
     ASSERT_EQ(compile("thousands_sep \",\"\n", "mon_thousands_sep \".\"\nint_p_sign_posn 4\n", "",
                       "yesstr \"<U4E00>\"\n", {"--losses=lost"})
