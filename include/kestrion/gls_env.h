@@ -144,10 +144,11 @@ extern "C" {
 extern GlsEnv gls_env;              // the default environment
 extern new_gls_env_rec new_gls_env; // its state
 extern GlsEnv *gls_env_global;      // the current environment, null until first use
-extern int32_t glsenv_count;        // environments made, the default one as soon as anything asks; never lowered
-extern int32_t _8bitfsys;           // 1 when the file system accepts 8-bit names
-extern gls_env_node defGlsEnv;      // the first node, of the default environment
-extern gls_env_node *GlsEnv_List;   // all environments, the default one first
+extern int32_t
+    glsenv_count; // environments made, the default one as soon as anything asks; never lowered
+extern int32_t _8bitfsys;         // 1 when the file system accepts 8-bit names
+extern gls_env_node defGlsEnv;    // the first node, of the default environment
+extern gls_env_node *GlsEnv_List; // all environments, the default one first
 extern GlsEnvLocale glsenv_savearea_global;
 extern GlsEnvLocale *glsenv_savearea; // points at the block above
 
