@@ -67,8 +67,8 @@ bool is_folded_plainly(unsigned char letter) {
 // Whether a statement may hold one of the words: all of them have the letters "cryp". Most statements
 // have none, and are seen through many bytes at a time.
 bool may_hold_secrets(const char *statement) {
-    for (const unsigned char letter : {'c', 'r', 'y', 'p'}) {
-        if (!is_folded_plainly(letter))
+    for (const char letter : {'c', 'r', 'y', 'p'}) {
+        if (!is_folded_plainly(static_cast<unsigned char>(letter)))
             return true;
     }
     const size_t length = strlen(statement);
