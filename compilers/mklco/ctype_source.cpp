@@ -32,6 +32,15 @@ constexpr implied_class implied_classes[] = {
     {CT_GRAPH, CT_PRINT},
 };
 
+struct exclusive_class {
+    uint32_t of, not_also;
+};
+constexpr exclusive_class exclusive_classes[] = {
+    {CT_UPPER | CT_LOWER | CT_ALPHA, CT_CNTRL | CT_DIGIT | CT_PUNCT | CT_SPACE},
+    {CT_DIGIT, CT_CNTRL | CT_PUNCT | CT_SPACE},
+    {CT_CNTRL, CT_PUNCT | CT_GRAPH | CT_PRINT},
+};
+
 class ctype_compiler {
 public:
     ctype_compiler(source_library &library, const locale_source &source, const charmap &map,
@@ -48,6 +57,9 @@ private:
                        std::vector<uint32_t> *keys);
     void case_map(const source_statement &statement, std::map<uint32_t, uint32_t> &partners);
     named_class &named(std::string_view name, const source_place &place);
+    std::string_view class_of(const source_statement &statement) const;
+    void note_class_line(const source_statement &statement);
+    void check_exclusive_classes();
 
     void sort_rows();
     void drop_extensions();
@@ -70,8 +82,9 @@ private:
     std::map<std::string, size_t, std::less<>> named_indexes_; // in named_, by name
     std::set<std::string, std::less<>> ignored_; // keywords of maps that the object cannot hold
     std::map<uint32_t, uint32_t> upper_, lower_; // partners by key
-    source_place transliteration_;               // where an open one began, or no file
-    std::vector<const charmap_row *> rows_;      // one for each sequence, in the order of the bytes
+    std::map<std::string, source_place, std::less<>> class_lines_; // the last line of each class
+    source_place transliteration_;          // where an open one began, or no file
+    std::vector<const charmap_row *> rows_; // one for each sequence, in the order of the bytes
 };
 
 void ctype_compiler::read() {
@@ -85,6 +98,53 @@ void ctype_compiler::read() {
             if (mask & rule.of)
                 mask = static_cast<uint16_t>(mask | rule.also);
     classes_[' '] |= CT_PRINT | CT_SPACE | CT_BLANK;
+    check_exclusive_classes();
+}
+
+// The name of the class that a statement defines; empty when it defines none.
+std::string_view ctype_compiler::class_of(const source_statement &statement) const {
+    const std::string_view keyword = statement.keyword();
+    if (keyword == "class")
+        return statement.tokens.size() > 1 ? statement.tokens[1].text : std::string_view();
+    const bool standard =
+        std::any_of(std::begin(class_words), std::end(class_words),
+                    [&](const class_word &known) { return keyword == known.word; });
+    return standard || named_indexes_.contains(keyword) ? keyword : std::string_view();
+}
+
+void ctype_compiler::note_class_line(const source_statement &statement) {
+    const std::string_view name = class_of(statement);
+    if (name.empty())
+        return;
+    const auto [line, added] = class_lines_.try_emplace(std::string(name), statement.place());
+    if (!added && line->second.file == &statement.source->file())
+        said_.warning(statement.source->file(), statement.place().position(),
+                      "a second line of the class " + std::string(name),
+                      "give all its characters in one");
+    line->second = statement.place();
+}
+
+// Reports the first character of each kind that is in two classes of which one excludes the other.
+void ctype_compiler::check_exclusive_classes() {
+    const auto word_in = [](uint32_t mask) {
+        return std::find_if(std::begin(class_words), std::end(class_words),
+                            [&](const class_word &known) { return (known.mask & mask) != 0; })
+            ->word;
+    };
+    for (const exclusive_class &rule : exclusive_classes)
+        for (const charmap_row &row : map_.rows) {
+            const uint32_t mask = classes_[keys_.of(row)];
+            if ((mask & rule.of) == 0 || (mask & rule.not_also) == 0)
+                continue;
+            const char *first = word_in(mask & rule.of), *second = word_in(mask & rule.not_also);
+            const auto line = class_lines_.find(second);
+            const source_place place =
+                line == class_lines_.end() ? source_place{&source_.file(), 0} : line->second;
+            said_.warning(*place.file, place.position(),
+                          code_point_text(keys_.of(row)) + " is " + first + " and " + second,
+                          "remove it from one of the two");
+            break;
+        }
 }
 
 named_class &ctype_compiler::named(std::string_view name, const source_place &place) {
@@ -109,6 +169,7 @@ void ctype_compiler::statement(const source_statement &statement) {
     if (transliteration_.file != nullptr || keyword == "outdigit" || ignored_.contains(keyword))
         return;
     const std::vector<source_token> &tokens = statement.tokens;
+    note_class_line(statement);
     // class "upper" is another way to write upper; a semicolon may follow the name.
     size_t members = 1;
     if (keyword == "class")

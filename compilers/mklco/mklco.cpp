@@ -6,6 +6,10 @@
 #include "compilers/mklco/listing.h"
 #include "compilers/mklco/sections_source.h"
 
+#include <kestrion/code_set_registry.h>
+#include <kestrion/gls_errors.h>
+
+#include <filesystem>
 #include <map>
 
 namespace kestrion {
@@ -21,6 +25,7 @@ struct mklco_options {
     bool of_a_compilation = false; // one of the next was given
     std::string charmap;
     std::string code_set;
+    std::string registry; // empty: the one that the runtime finds
     std::string calendar = "gregorian";
     std::string collation = "code";
     std::vector<std::string> directories;
@@ -60,6 +65,8 @@ private:
             file = find_source_file(name, options_.below("charmaps"));
         return *file;
     }
+    void check_thai(const charmap &map) const;
+    void check_code_set(const std::string &name);
     void describe(locale_object &object, const charmap &map) const;
 
     const mklco_options &options_;
@@ -80,18 +87,40 @@ locale_object compilation::run() {
         compile_ctype(library_, source, map, widths.get(), said_, object);
         text_encoder encoder(library_, source, map, said_);
         compile_sections(library_, source, encoder, said_, options_.calendar, object);
-        if (options_.collation == "thai_smo" && map.mb_cur_max > 1)
-            throw compiler_failure("thai_smo orders bytes, and " + options_.charmap +
-                                   " has characters of more than one");
-        if (options_.collation == "thai_smo")
-            object.collation.thai = true;
+        object.collation.thai = options_.collation == "thai_smo";
+        if (object.collation.thai)
+            check_thai(map);
         else
             collate_by_code(object);
         describe(object, map);
+        check_code_set(object.code_set);
     } catch (const source_error &error) {
         said_.error(*error.where.file, error.where.position(), error.what(), error.remedy);
     }
     return object;
+}
+
+// The method of Thai orders the bytes of TIS-620 and of code sets that extend it.
+void compilation::check_thai(const charmap &map) const {
+    constexpr uint32_t first_letter = 0x0E01, last_sign = 0x0E5B;
+    constexpr uint32_t first_byte = 0xA1, last_byte = 0xFB;
+    const charmap_row *first = map.find(first_letter), *last = map.find(last_sign);
+    if (map.mb_cur_max > 1 || first == nullptr || first->sequence.packed() != first_byte ||
+        last == nullptr || last->sequence.packed() != last_byte)
+        throw compiler_failure(options_.charmap + " does not have the Thai letters in single bytes "
+                                                  "from A1 to FB, where thai_smo expects them");
+}
+
+void compilation::check_code_set(const std::string &name) {
+    gl_free_registry_cache(); // it may hold another file
+    int32_t error = GLS_OK;
+    const std::string &registry = options_.registry;
+    const int number = gl_cs_name2cs_num(&error, name.c_str(), registry.c_str());
+    if (!registry.empty() && error != GLS_OK && error != GLS_ERR_SPECIFIER)
+        throw compiler_failure(registry + ": this is not a registry of code sets");
+    if (number == gl_unknown_code_set)
+        said_.warning("the registry of code sets has no name " + name,
+                      "give the name that it has by --code-set, or add it to the registry");
 }
 
 // The head lines: what made the object, and of what.
@@ -178,6 +207,10 @@ int mklco_main(int argc, char **argv, FILE *messages) {
                  given([&](const std::string &value) { options.charmap = value; })},
                 {"code-set", 'c', "NAME", "the code set's name in the registry of code sets",
                  given([&](const std::string &value) { options.code_set = value; })},
+                {"registry", 0, "FILE", "the registry of code sets that knows the name",
+                 given([&](const std::string &value) {
+                     options.registry = std::filesystem::absolute(value);
+                 })},
                 {"calendar", 0, "NAME", "gregorian, hebrew, islamic or arabic",
                  given(
                      [&](const std::string &value) { options.calendar = calendar_named(value); })},

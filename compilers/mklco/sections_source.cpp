@@ -65,6 +65,8 @@ private:
     void set_texts(const object_field &field, const source_statement &statement,
                    std::vector<size_t> operands, object_field_value &value);
     void set_defaults(const object_field &field, object_field_value &value) const;
+    void complete_twelve_hours();
+    void check_symbol(const source_statement &statement);
     std::string era(const source_statement &statement, size_t token);
     std::string text(const source_statement &statement, size_t token, bool format);
     static int64_t number(const source_statement &statement, size_t token);
@@ -79,6 +81,7 @@ private:
     locale_object &object_;
     std::vector<international_position> international_;
     source_place mon_separator_;
+    bool copied_ = false; // the statement before came from another source
 };
 
 // The operands of a statement, between semicolons.
@@ -98,15 +101,31 @@ std::vector<size_t> operands_of(const source_statement &statement) {
 
 void sections_compiler::read(object_section section) {
     const char *name = section_name(section);
+    copied_ = false;
     library_.for_each_statement(source_, name,
                                 [&](const source_statement &s) { statement(section, s); });
     for (size_t i = 0; i < object_field_count; ++i)
         if (object_fields[i].section == section)
             set_defaults(object_fields[i], object_.fields[i]);
+    if (section == object_section::time)
+        complete_twelve_hours();
+}
+
+// A locale with texts for both halves of the day can write the time by them.
+void sections_compiler::complete_twelve_hours() {
+    std::string &format = object_.field(object_section::time, "t_fmt_ampm").texts[0];
+    const std::vector<std::string> &halves = object_.field(object_section::time, "am_pm").texts;
+    if (format.empty() && !halves[0].empty() && !halves[1].empty())
+        format = encoder_.encode_ascii("%I:%M:%S %p");
 }
 
 void sections_compiler::statement(object_section section, const source_statement &statement) {
     std::string_view keyword = statement.keyword();
+    if (copied_ && statement.source == &source_)
+        said_.warning(source_.file(), statement.place().position(),
+                      std::string(keyword) + " follows a copy",
+                      "remove the line or the copy; elsewhere a copy is alone in its category");
+    copied_ = statement.source != &source_;
     for (size_t i = 0; i < object_field_count; ++i)
         if (object_fields[i].section == section && object_fields[i].keyword == keyword)
             return set(object_fields[i], statement, object_.fields[i]);
@@ -144,8 +163,12 @@ int64_t sections_compiler::amount_number(const source_statement &statement) {
 
 std::string sections_compiler::text(const source_statement &statement, size_t token, bool format) {
     std::vector<text_element> elements = statement.source->elements(statement.tokens[token]);
+    const bool empty = elements.empty();
     if (format)
         elements = rewrite_format(*statement.source, elements);
+    if (elements.empty() && !empty)
+        said_.warning(statement.source->file(), statement.place(token).position(),
+                      "nothing is left of this format", "use conversions that the formatter has");
     return encoder_.encode(*statement.source, elements, format ? text_use::format : text_use::name);
 }
 
@@ -205,12 +228,25 @@ void sections_compiler::set_texts(const object_field &field, const source_statem
         value.texts.clear();
 }
 
+// The code of the currency and what separates it from the amount.
+void sections_compiler::check_symbol(const source_statement &statement) {
+    constexpr size_t symbol_length = 4;
+    const size_t token = std::min<size_t>(1, statement.tokens.size() - 1);
+    const size_t length = statement.source->elements(statement.tokens[token]).size();
+    if (length != 0 && length != symbol_length)
+        said_.warning(statement.source->file(), statement.place(token).position(),
+                      "expected 4 characters, not " + std::to_string(length),
+                      "write the three letters of the currency and a separator");
+}
+
 void sections_compiler::set(const object_field &field, const source_statement &statement,
                             object_field_value &value) {
     std::vector<size_t> operands = operands_of(statement);
     std::string_view keyword = field.keyword;
     if (keyword == "mon_thousands_sep")
         mon_separator_ = statement.place();
+    if (keyword == "int_curr_symbol")
+        check_symbol(statement);
     if (field.kind == field_kind::integer)
         value.numbers = {amount_number(statement)};
     else if (field.kind == field_kind::group)

@@ -31,9 +31,11 @@ void text_encoder::append(std::string &out, const locale_source &from, const tex
                 if (append_code_points(out, text))
                     return;
     }
-    source_place place = from.place(element.offset);
-    std::string what = "the code set lacks ";
-    what += named ? std::string(element.name) : code_point_text(element.value);
+    const source_place place = from.place(element.offset);
+    if (named)
+        throw source_error(place, "unknown name <" + std::string(element.name) + ">",
+                           "write the character as <Uxxxx>, or name it in the charmap");
+    const std::string what = "the code set lacks " + code_point_text(element.value);
     if (use == text_use::format)
         throw source_error(
             place, what,

@@ -2,7 +2,7 @@
 //
 // A character that the charmap lacks is written by the first of its transliterations whose
 // characters it all has. Without one it is lost: "?" in a name, an error in a format, which a "?"
-// would spoil.
+// would spoil. A symbolic name that the charmap does not have is an error.
 #pragma once
 
 #include "compilers/posix/charmap.h"

@@ -55,6 +55,9 @@ locale_source::locale_source(const source_file &file) : file_(file) {
                 throw source_error(here, "a second " + std::string(word),
                                    "make one category of the two");
             open = {word, static_cast<uint32_t>(std::min(next, text.size())), 0};
+        } else if (open.name.empty()) {
+            throw source_error(here, "expected a category, not " + std::string(word),
+                               "move the line into a category, or make it a comment");
         }
     }
     if (!open.name.empty())

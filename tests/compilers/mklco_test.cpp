@@ -58,7 +58,7 @@ struct Mklco : command_test {
                                     << monetary << "END LC_MONETARY\nLC_TIME\n"
                                     << time << "END LC_TIME\nLC_MESSAGES\n"
                                     << messages << "END LC_MESSAGES\n";
-        std::vector<std::string> words = {"-I.", "-fT", "-ct", "-onew.lco", "tt"};
+        std::vector<std::string> words = {"-I.", "-fT", "-c8859-1", "-onew.lco", "tt"};
         words.insert(words.end(), more.begin(), more.end());
         return mklco(words);
     }
@@ -196,7 +196,7 @@ TEST_F(Mklco, SectionsTakeTheirFieldsFromTheSource) {
     EXPECT_EQ(section("### LC_MONETARY\n"),
               "4 45555220\n3 455552\n1 2c\n1 2e\n1 -1\n0\n0\n-1\n-1\n0\n0\n1\n0\n1\n1\n");
     EXPECT_NE(
-        section("### LC_TIME\n").find("\n0\n0\n0\n1 3f\n1 7e\n0\n0\n0\n0\n0\n2\n1 30\n1 31\n"),
+        section("### LC_TIME\n").find("\n0\n0\n0\n1 3f\n1 7e\n11 25493a254d3a2553202570\n0\n0\n0\n0\n2\n1 30\n1 31\n"),
         std::string::npos)
         << section("### LC_TIME\n");
     EXPECT_EQ(section("### LC_MESSAGES\n"), "5 5e5b79e45d\n0\n0\n0\n");
@@ -299,6 +299,8 @@ TEST_F(Mklco, FaultsAreReportedWithTheirPlaceAndNothingIsWritten) {
         {"", "", "am_pm \"/x81/x40\";\"/x81\"\n", "tt:25:19: error"},
         {"", "", "d_fmt \"%d<U4E00>\"\n", "tt:25:10: error"},
         {"", "", long_text.c_str(), "tt:25:7: error: a text of 65536 bytes"},
+        {"", "", "am_pm \"<eur0>\";\"\"\n", "tt:25:8: error: unknown name <eur0>"},
+        {"END LC_NUMERIC\ndecimal_piont \".\"\nLC_X\nEND LC_X\nLC_Y\n", "", "", "tt:22:1: error"},
     };
     for (const auto &row : rows) {
         outcome result = compile(row.numeric, row.monetary, row.time, "", {"-oold.lco"});
@@ -311,10 +313,86 @@ TEST_F(Mklco, FaultsAreReportedWithTheirPlaceAndNothingIsWritten) {
          {std::string("class \"two words\"; A"), "class \"" + std::string(126, 'x') + "\"; A",
           std::string("translit_start")}) {
         std::ofstream("locales/tt") << "LC_CTYPE\n" << line << "\nEND LC_CTYPE\n";
-        outcome result = mklco({"-I.", "-fT", "-ct", "-oold.lco", "tt"});
+        outcome result = mklco({"-I.", "-fT", "-c8859-1", "-oold.lco", "tt"});
         EXPECT_EQ(result.status, 4) << line;
         EXPECT_NE(result.said.find("tt:2:"), std::string::npos) << result.said;
     }
+}
+
+TEST_F(Mklco, WhatIsProbablyAMistakeIsAWarning) {
+    const struct {
+        const char *classes, *monetary, *time, *said;
+    } rows[] = {
+        {"class \"vowel\"; <U0042>\n", "", "",
+         "tt:19:1: warning: a second line of the class vowel"},
+        {"upper <U0042>\n", "", "", "tt:19:1: warning: a second line of the class upper"},
+        {"class \"digit\"; <U0030>\n", "", "",
+         "tt:19:1: warning: a second line of the class digit"},
+        {"charclass z\nclass \"z\"; <U0042>\n", "", "", nullptr},
+        {"digit <U0041>\n", "", "", "tt:19:1: warning: U+0041 is upper and digit"},
+        {"cntrl <U0022>\npunct <U0022>\n", "", "", "tt:20:1: warning: U+0022 is cntrl and punct"},
+        {"", "int_curr_symbol \"EURO \"\n", "", "tt:24:17: warning: expected 4 characters"},
+        {"", "int_curr_symbol \"\"\n", "", nullptr},
+        {"", "copy \"loose\"\nfrac_digits 2\n", "", "tt:25:1: warning: frac_digits follows a copy"},
+        {"copy \"loose\"\nclass \"z\"; <U0042>\n", "", "", nullptr},
+        {"", "", "d_fmt \"%Z\"\n", "tt:26:7: warning: nothing is left of this format"},
+        {"", "", "d_fmt \"\"\n", nullptr},
+    };
+    std::ofstream("locales/loose")
+        << "LC_CTYPE\nEND LC_CTYPE\nLC_MONETARY\nfrac_digits 3\nEND LC_MONETARY\n";
+    for (const auto &row : rows) {
+        more_classes = row.classes;
+        const outcome result = compile("decimal_point \".\"\n", row.monetary, row.time);
+        EXPECT_EQ(result.status, 1) << row.said;
+        EXPECT_EQ(result.said.find("warning") != std::string::npos, row.said != nullptr)
+            << result.said;
+        EXPECT_NE(result.said.find(row.said == nullptr ? "" : row.said), std::string::npos)
+            << result.said;
+    }
+}
+
+TEST_F(Mklco, ThaiOrderIsForThaiCodeSets) {
+    compile("");
+    const outcome latin = mklco({"-I.", "-fISO-8859-1", "-ox", "--collation=thai_smo", "tt"});
+    EXPECT_EQ(latin.status, 4);
+    EXPECT_NE(latin.said.find("ISO-8859-1 does not have the Thai letters"), std::string::npos);
+    EXPECT_EQ(mklco({"-I.", "-fUTF-8", "-ox", "--collation=thai_smo", "tt"}).status, 4);
+    EXPECT_LE(mklco({"-I.", "-fTIS-620", "-ox", "--collation=thai_smo", "th_TH"}).status, 1);
+    EXPECT_EQ(between(content("x"), "### LC_COLLATE\n", "### "), "thai_smo\n");
+}
+
+TEST_F(Mklco, ATwelveHourFormatIsMadeWhereItsTextsAre) {
+    const struct {
+        const char *time, *format;
+    } rows[] = {
+        {"am_pm \"AM\";\"PM\"\n", "%I:%M:%S %p"},
+        {"am_pm \"AM\";\"PM\"\nt_fmt_ampm \"\"\n", "%I:%M:%S %p"},
+        {"am_pm \"AM\";\"PM\"\nt_fmt_ampm \"%p %I\"\n", "%p %I"},
+        {"am_pm \"\";\"\"\n", ""},
+        {"", ""},
+    };
+    for (const auto &row : rows) {
+        ASSERT_EQ(compile("", "", row.time).status, 1);
+        mklco({"--list", "-olist", "new.lco"});
+        EXPECT_EQ(between(content("list"), "t_fmt_ampm \"", "\"\n"), row.format) << row.time;
+    }
+}
+
+// The registry is the file that --registry names, else the table that the runtime has without one.
+TEST_F(Mklco, CodeSetsThatTheRegistryLacksAreWarnedOf) {
+    compile("decimal_point \".\"\n");
+    const auto warned = [](std::vector<std::string> more) {
+        more.insert(more.begin(), {"-I.", "-fT", "-onew.lco", "tt"});
+        return mklco(more).said.find("warning: the registry of code sets has no name") !=
+               std::string::npos;
+    };
+    EXPECT_TRUE(warned({"-cnobody"}));
+    EXPECT_FALSE(warned({"-c8859-1"}));
+    EXPECT_FALSE(warned({"-c57000"})) << "a number is its own name";
+    std::ofstream("registry") << "nobody 57000\n";
+    EXPECT_FALSE(warned({"-cnobody", "--registry=registry"}));
+    EXPECT_TRUE(warned({"-csomebody", "--registry=registry"}));
+    EXPECT_EQ(mklco({"-I.", "-fT", "-cx", "-onew.lco", "--registry=missing", "tt"}).status, 4);
 }
 
 // Each would take minutes or all the memory.
@@ -382,7 +460,8 @@ TEST_F(Mklco, CommandLinesThatSayTooLittleOrTooMuchAreRefused) {
         EXPECT_EQ(mklco({"-I.", "-ox", "-fT", name, "tt"}).status, 4) << name;
     EXPECT_NE(mklco({"-zf"}).said.find("'-z'"), std::string::npos);
     mklco({"--list", "-olist", "new.lco"});
-    EXPECT_EQ(mklco({"-ox", "-ct", "list"}).status, 2) << "a listing names its code set itself";
+    EXPECT_EQ(mklco({"-ox", "-c8859-1", "list"}).status, 2)
+        << "a listing names its code set itself";
     EXPECT_FALSE(fs::exists("x"));
 }
 
@@ -395,14 +474,14 @@ TEST_F(Mklco, TheSameSourcesGiveTheSameBytes) {
     const fs::path here = fs::current_path();
     fs::create_directory("elsewhere");
     fs::current_path("elsewhere");
-    EXPECT_EQ(
-        mklco({"-I", here.string(), "-fT", "-ct", "-oother.lco", (here / "locales/tt").string()})
-            .status,
-        1);
+    EXPECT_EQ(mklco({"-I", here.string(), "-fT", "-c8859-1", "-oother.lco",
+                     (here / "locales/tt").string()})
+                  .status,
+              1);
     EXPECT_EQ(content("other.lco"), first);
     fs::current_path(here);
     std::ofstream("locales/tt", std::ios::app) << "% a comment more\n";
-    ASSERT_EQ(mklco({"-I.", "-fT", "-ct", "-onew.lco", "tt"}).status, 1);
+    ASSERT_EQ(mklco({"-I.", "-fT", "-c8859-1", "-onew.lco", "tt"}).status, 1);
     EXPECT_NE(between(content("new.lco"), "SOURCE_CRC32=", "\n"),
               between(first, "SOURCE_CRC32=", "\n"));
 }
