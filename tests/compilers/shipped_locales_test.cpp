@@ -4,56 +4,24 @@
 
 #include "compilers/mklco/listing_words.h"
 #include "compilers/posix/charmap.h"
-#include <kestrion/categories.h>
+#include "support/shipped_locales.h"
 #include <kestrion/char_case.h>
 #include <kestrion/char_class.h>
 #include <kestrion/char_convert.h>
 #include <kestrion/char_length.h>
 #include <kestrion/char_width.h>
-#include <kestrion/ext_funcs.h>
 
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <langinfo.h>
 #include <locale.h>
 #include <map>
-#include <sstream>
-#include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 #include <wchar.h>
 #include <wctype.h>
 
-namespace fs = std::filesystem;
 using namespace kestrion;
 
-// The C library keeps a copy of LOCPATH that it never gives back.
-extern "C" const char *__lsan_default_suppressions();
-extern "C" const char *__lsan_default_suppressions() { return "leak:argz_add_sep\n"; }
-
 namespace {
-
-struct shipped_locale {
-    std::string source, charmap, code_set, object;
-};
-
-void PrintTo(const shipped_locale &row, std::ostream *out) {
-    *out << row.source << " " << row.charmap;
-}
-
-std::vector<shipped_locale> shipped() {
-    std::vector<shipped_locale> found;
-    std::ifstream list(KESTRION_SOURCE_DIR "/locales/shipped");
-    for (std::string line; std::getline(list, line);) {
-        shipped_locale row;
-        if (!line.empty() && line[0] != '#' &&
-            std::istringstream(line) >> row.source >> row.charmap >> row.code_set >> row.object)
-            found.push_back(row);
-    }
-    return found;
-}
 
 // Where the two may differ, and why.
 constexpr struct {
@@ -66,53 +34,6 @@ constexpr struct {
 
 class ShippedLocale : public testing::TestWithParam<shipped_locale> {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/kestrion-locales-XXXXXX";
-        directory_ = mkdtemp(name);
-        make_library_locale();
-        library_ = newlocale(LC_ALL_MASK, "peer", nullptr);
-        ASSERT_NE(library_, nullptr) << "localedef made no locale";
-        uselocale(library_);
-        gl_create_null_locale_4(&engine_);
-        char *loaded = set_categories(engine_, GL_CAT_ALL, GetParam().object.c_str(),
-                                      KESTRION_BUILD_DIR "/gls/lc11");
-        ASSERT_NE(loaded, nullptr) << engine_->err;
-        _gl_ext_free(loaded);
-        engine_->err = 0;
-    }
-    void TearDown() override {
-        uselocale(LC_GLOBAL_LOCALE);
-        if (library_ != nullptr)
-            freelocale(library_);
-        gl_lc_unload(engine_);
-        fs::remove_all(directory_);
-    }
-
-    // All categories of the shipped source but the collation, which takes long and is not compared.
-    void make_library_locale() {
-        std::ofstream source(directory_ / "source");
-        source << "comment_char %\nescape_char /\nLC_COLLATE\ncopy \"POSIX\"\nEND LC_COLLATE\n";
-        for (const char *category :
-             {"LC_CTYPE", "LC_MONETARY", "LC_NUMERIC", "LC_TIME", "LC_MESSAGES", "LC_PAPER",
-              "LC_NAME", "LC_ADDRESS", "LC_TELEPHONE", "LC_MEASUREMENT", "LC_IDENTIFICATION"})
-            source << category << "\ncopy \"" << GetParam().source << "\"\nEND " << category
-                   << "\n";
-        source.close();
-        // Some sources make localedef fall over when their categories are copied one by one.
-        if (!localedef((directory_ / "source").string()))
-            localedef(GetParam().source);
-        setenv("LOCPATH", directory_.c_str(), 1);
-    }
-
-    bool localedef(const std::string &source) const {
-        std::string command = "localedef --quiet -c -i " + source + " -f " + GetParam().charmap +
-                              " " + (directory_ / "peer").string() + " >" +
-                              (directory_ / "said").string() + " 2>&1";
-        // The status is 1 for warnings, of which there are many.
-        [[maybe_unused]] int status = system(command.c_str());
-        return fs::exists(directory_ / "peer/LC_CTYPE");
-    }
-
     void differ(const charmap_row &row, const std::string &what, int64_t engine, int64_t library) {
         for (const auto &justified : justified_differences)
             if (what == justified.what && engine == justified.engine &&
@@ -130,9 +51,8 @@ protected:
     void compare_characters();
     void compare_texts() const;
 
-    fs::path directory_;
-    locale_t library_ = nullptr;
-    locale_rec *engine_ = nullptr;
+    const locale_pair pair_{GetParam()};
+    locale_rec *const engine_ = pair_.engine;
     wctype_t library_classes_[std::size(class_words)];
     size_t differences_ = 0, excused_ = 0;
 };
@@ -235,12 +155,6 @@ void ShippedLocale::compare_texts() const {
         EXPECT_EQ(numbers[i], library[i]) << i;
 }
 
-std::string name_of(const testing::TestParamInfo<shipped_locale> &info) {
-    std::string name = info.param.object.substr(0, info.param.object.find('.'));
-    name[name.find('/')] = '_';
-    return name;
-}
-
 } // namespace
 
 // One test for both: making the library's locale is what takes long.
@@ -249,4 +163,4 @@ TEST_P(ShippedLocale, CharactersAndTextsAreWhatTheLibrarySays) {
     compare_texts();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, ShippedLocale, testing::ValuesIn(shipped()), name_of);
+INSTANTIATE_TEST_SUITE_P(All, ShippedLocale, testing::ValuesIn(shipped()), shipped_locale_name);
