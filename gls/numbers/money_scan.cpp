@@ -42,11 +42,19 @@ template <class source> struct amount_match {
     source text; // after what was used
 };
 
+// Where an amount begins.
+template <class source> struct amount_start {
+    source text;
+    bool after_white; // white space before it was skipped
+};
+
 // Walks a layout along the source. A missing symbol is no harm; the end of the source ends the walk.
+// A layout whose first text is a space, since there is no symbol, finds it in the white space that
+// was skipped.
 template <class source>
-amount_match<source> mon_maskmatch(source text, const money_layout &layout,
+amount_match<source> mon_maskmatch(const amount_start<source> &start, const money_layout &layout,
                                    const number_marks &marks) {
-    amount_match<source> match = {false, 0, text};
+    amount_match<source> match = {false, 0, start.text};
     for (const int32_t *token = layout.tokens; *token != money_end; ++token) {
         if (match.text.peek() == 0)
             break;
@@ -59,16 +67,17 @@ amount_match<source> mon_maskmatch(source text, const money_layout &layout,
             takes_piece(match.text, layout.symbol);
             break;
         case money_space:
-            stands = has_class(text.locale(), match.text.peek(), CT_SPACE);
-            if (stands)
+            if (has_class(match.text.locale(), match.text.peek(), CT_SPACE))
                 match.text.next();
+            else
+                stands = start.after_white && match.text.at() == start.text.at();
             break;
         default:
             stands = takes_piece(match.text, token_text(layout, *token));
             break;
         }
         if (!stands)
-            return {false, 0, text};
+            return {false, 0, start.text};
     }
     match.found = match.found && match.value >= 0;
     return match;
@@ -76,16 +85,17 @@ amount_match<source> mon_maskmatch(source text, const money_layout &layout,
 
 // The better of the two layouts: the one that uses more of the source, at equal length the positive.
 template <class source>
-amount_match<source> best_match(source text, money_layouts &both, const number_marks &marks) {
-    const amount_match<source> positive = mon_maskmatch(text, both.positive, marks);
-    amount_match<source> negative = mon_maskmatch(text, both.negative, marks);
+amount_match<source> best_match(const amount_start<source> &start, money_layouts &both,
+                                const number_marks &marks) {
+    const amount_match<source> positive = mon_maskmatch(start, both.positive, marks);
+    amount_match<source> negative = mon_maskmatch(start, both.negative, marks);
     negative.value = -negative.value;
     if (negative.found && (!positive.found || negative.text.at() > positive.text.at()))
         return negative;
     if (positive.found)
         return positive;
     both.positive.sign = {};
-    return mon_maskmatch(text, both.positive, marks);
+    return mon_maskmatch(start, both.positive, marks);
 }
 
 // Ends the source after so many display columns.
@@ -104,14 +114,17 @@ template <class source> void limit_columns(source &text, int32_t columns) {
 template <class source> int32_t scan_amount(source &text, const money_directive &d, double &value) {
     if (d.conversion != 'i' && d.conversion != 'n')
         return GLS_ERR_FORMAT;
+    const auto before = text.at();
     if ((d.flags & (money_left | money_zero)) == 0)
         skip_white(text);
+    const bool after_white = text.at() != before;
     if (d.width > 0)
         limit_columns(text, d.width);
     money_layouts both = layouts_of(text.locale(), d);
     if (!both.complete)
         return GLS_ERR_ARGUMENT;
-    const amount_match<source> match = best_match(text, both, monetary_marks(text.locale(), true));
+    const amount_match<source> match =
+        best_match<source>({text, after_white}, both, monetary_marks(text.locale(), true));
     if (!match.found)
         return GLS_ERR_ARGUMENT;
     value = match.value;
