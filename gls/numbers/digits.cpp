@@ -56,8 +56,15 @@ char *put_pair(char *end, uint64_t pair) {
 }
 
 char *decimal_digits(char *end, uint64_t value) {
-    for (; value >= 100; value /= 100)
+    // Four digits a step: each division waits for the one before it.
+    for (; value >= 10000; value /= 10000) {
+        const uint64_t four = value % 10000;
+        end = put_pair(put_pair(end, four % 100), four / 100);
+    }
+    if (value >= 100) {
         end = put_pair(end, value % 100);
+        value /= 100;
+    }
     if (value >= 10)
         return put_pair(end, value);
     *--end = static_cast<char>('0' + value);
@@ -145,10 +152,11 @@ char *integer_digits(char *end, uint64_t value, uint32_t base, bool upper_case) 
     return end;
 }
 
-int32_t fixed_digits(char *dst, double value, int32_t precision) {
+ascii_piece fixed_digits(char (&buffer)[float_text_limit], double value, int32_t precision) {
     constexpr double above_64_bits = 18446744073709551616.0;
     if (precision > highest_power - 1 || !(value < above_64_bits))
-        return library_number(dst, float_text_limit, 'f', false, precision, value);
+        return {buffer + 1,
+                library_number(buffer + 1, float_text_limit - 1, 'f', false, precision, value)};
     auto integer = static_cast<uint64_t>(value);
     // What is left below the point is exact.
     uint64_t fraction = scaled_fraction(value - static_cast<double>(integer), precision, integer);
@@ -156,15 +164,13 @@ int32_t fixed_digits(char *dst, double value, int32_t precision) {
         fraction -= powers.of[precision];
         ++integer;
     }
-    char *const end = dst + float_text_limit;
+    char *const end = buffer + float_text_limit;
     fraction_digits(end, fraction, precision);
     char *start = end - precision;
     if (precision > 0)
         *--start = '.';
     start = decimal_digits(start, integer);
-    const auto length = static_cast<int32_t>(end - start);
-    memmove(dst, start, static_cast<size_t>(length));
-    return length;
+    return {start, static_cast<int32_t>(end - start)};
 }
 
 bool nearest_double(uint64_t digits, int32_t exponent, double &out) {

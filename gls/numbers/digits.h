@@ -3,6 +3,8 @@
 
 #pragma once
 
+#include "gls/numbers/grouping.h"
+
 #include <stdint.h>
 
 namespace kestrion {
@@ -15,11 +17,11 @@ inline constexpr int32_t float_text_limit = 320;   // "%f" of the largest double
 // Returns  the first digit; they take at most integer_digit_limit.
 char *integer_digits(char *end, uint64_t value, uint32_t base, bool upper_case);
 
-// Writes "%.*f" of a value that is not negative; the text is not terminated.
-// dst        float_text_limit bytes.
+// "%.*f" of a finite value that is not negative, made in a buffer.
 // precision  0 or more.
-// Returns    its length, or a length of float_text_limit or more when it does not fit.
-int32_t fixed_digits(char *dst, double value, int32_t precision);
+// Returns    where the text is, not terminated, with a place before it that is free to be written to;
+//            a length of float_text_limit or more when it does not fit.
+ascii_piece fixed_digits(char (&buffer)[float_text_limit], double value, int32_t precision);
 
 // The double nearest to digits times ten to the power `exponent`, ties to even. False when it is
 // not of usual size: then only the C library knows.

@@ -31,16 +31,6 @@ uint32_t flag_of(gl_wchar element) {
 
 namespace kestrion {
 
-int32_t read_count(const gl_wchar *&at) {
-    int32_t count = 0;
-    for (; is_digit(*at); ++at) {
-        count = count * 10 + static_cast<int32_t>(*at - '0');
-        if (count > gl_modifier_limit)
-            count = gl_modifier_limit;
-    }
-    return count;
-}
-
 uint32_t read_flags(const gl_wchar *&at) {
     uint32_t flags = 0;
     while (const uint32_t flag = flag_of(*at)) {

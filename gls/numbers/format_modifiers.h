@@ -3,12 +3,21 @@
 
 #pragma once
 
+#include "gls/numbers/number_conventions.h"
 #include <kestrion/format_modifiers.h>
 
 namespace kestrion {
 
 // A run of ASCII digits, cut to gl_modifier_limit; 0 when there is none.
-int32_t read_count(const gl_wchar *&at);
+inline int32_t read_count(const gl_wchar *&at) {
+    int32_t count = 0;
+    for (; is_digit(*at); ++at) {
+        count = count * 10 + static_cast<int32_t>(*at - '0');
+        if (count > gl_modifier_limit)
+            count = gl_modifier_limit;
+    }
+    return count;
+}
 
 // The flags up to the width.
 uint32_t read_flags(const gl_wchar *&at);

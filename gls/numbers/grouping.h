@@ -33,12 +33,35 @@ private:
 };
 
 // Separators that `digits` digits take.
-int32_t get_grp_cnt(const group_rec &groups, int32_t digits);
+inline int32_t get_grp_cnt(const group_rec &groups, int32_t digits) {
+    group_walk walk(groups);
+    int32_t count = 0;
+    for (uint32_t size; (size = walk.next()) < static_cast<uint32_t>(digits); ++count)
+        digits -= static_cast<int32_t>(size);
+    return count;
+}
 
-// Writes ASCII digits with their separators so that they end at `end`.
-// room     elements before `end`.
-// Returns  the first element, or null when they take more room.
-gl_wchar *add_grp_sep(gl_wchar *end, int64_t room, const char *digits, int32_t count,
-                      const group_rec &groups, const gl_wchar *separator);
+// ASCII characters.
+struct ascii_piece {
+    const char *text;
+    int32_t length;
+};
+
+// Writes digits with their separators so that they end at `end`. Returns the first element.
+[[gnu::always_inline]] inline gl_wchar *
+add_grp_sep(gl_wchar *end, ascii_piece digits, const group_rec &groups, const gl_wchar *separator) {
+    const wide_piece between = piece_of(separator);
+    const char *digit = digits.text + digits.length;
+    for (group_walk walk(groups);;) {
+        const uint32_t size = walk.next();
+        const auto left = static_cast<uint32_t>(digit - digits.text);
+        for (const char *stop = size < left ? digit - size : digits.text; digit > stop;)
+            *--end = static_cast<unsigned char>(*--digit);
+        if (digit == digits.text)
+            return end;
+        for (int32_t i = between.length; i > 0;)
+            *--end = between.elements[--i];
+    }
+}
 
 } // namespace kestrion

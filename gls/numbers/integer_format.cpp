@@ -32,32 +32,16 @@ const char *prefix_of(int32_t base, uint32_t flags) {
     return base == 8 ? "0" : "";
 }
 
-int32_t format_decimal(locale_rec *lc, uint64_t value, bool negative, int32_t base, int32_t *room,
-                       gl_wchar *start, gl_wchar **end, int32_t width, int32_t precision,
-                       uint32_t flags) {
-    number_layout number;
-    int32_t error = lay_out_integer(lc, number, value, negative, base, width, precision, flags);
-    if (error == GLS_OK && number.length() > *room)
-        error = GLS_ERR_NO_ROOM;
-    if (error != GLS_OK)
-        return fail(lc, error);
-    number.copy_to(start);
-    *room = number.length();
-    *end = start + *room;
-    return 0;
-}
-
 int32_t wide_integer_text(locale_rec *lc, magnitude number, gl_wchar *dst, int32_t size,
                           int32_t base, int32_t group) {
-    int32_t count = size - 1;
-    gl_wchar *end = nullptr;
-    if (size < 1)
-        return fail(lc, GLS_ERR_NO_ROOM);
-    if (format_decimal(lc, number.value, number.negative, base, &count, dst, &end,
-                       gl_modifier_unset, gl_modifier_unset, group != 0 ? gl_flag_group : 0) != 0)
-        return no_result(dst, size, -1);
-    *end = 0;
-    return count;
+    gl_wchar *at = dst;
+    const integer_directive directive = {base, gl_modifier_unset, gl_modifier_unset,
+                                         group != 0 ? static_cast<uint32_t>(gl_flag_group) : 0};
+    const int32_t error = write_integer(lc, at, size - 1, number.value, number.negative, directive);
+    if (error != GLS_OK)
+        return no_result(dst, size, fail(lc, error));
+    *at = 0;
+    return static_cast<int32_t>(at - dst);
 }
 
 int32_t multibyte_integer_text(locale_rec *lc, magnitude number, char *dst, int32_t size,
@@ -69,37 +53,46 @@ int32_t multibyte_integer_text(locale_rec *lc, magnitude number, char *dst, int3
 
 } // namespace
 
-int32_t kestrion::lay_out_integer(locale_rec *lc, number_layout &out, uint64_t value, bool negative,
-                                  int32_t base, int32_t width, int32_t precision, uint32_t flags) {
-    if (base < 2 || base > gl_base_limit)
+int32_t kestrion::write_integer(locale_rec *lc, gl_wchar *&at, int32_t room, uint64_t value,
+                                bool negative, const integer_directive &directive) {
+    if (directive.base < 2 || directive.base > gl_base_limit)
         return GLS_ERR_ARGUMENT;
-    char digits[integer_digit_limit];
-    char *const end = digits + integer_digit_limit;
-    const char *first =
-        integer_digits(end, value, static_cast<uint32_t>(base), (flags & gl_flag_upper_case) != 0);
+    char buffer[integer_digit_limit];
+    char *const end = buffer + integer_digit_limit;
+    const char *first = integer_digits(end, value, static_cast<uint32_t>(directive.base),
+                                       (directive.flags & gl_flag_upper_case) != 0);
     const auto count = static_cast<int32_t>(end - first);
-    if ((flags & gl_flag_group) != 0)
-        out.put_grouped(first, count, numeric_of(lc));
-    else
-        out.put_ascii(first, count);
-    // The precision counts digits; its zeros get no separators.
-    out.fill('0', precision - count);
-    out.finish(lc, prefix_of(base, flags), negative, width, flags);
-    return out.fits() ? GLS_OK : GLS_ERR_NO_ROOM;
+    const number_parts parts = {
+        .prefix = prefix_of(directive.base, directive.flags),
+        .zeros = directive.precision - count, // the precision counts digits
+        .digits = {first, count},
+        .grouped = (directive.flags & gl_flag_group) != 0,
+        .negative = negative,
+    };
+    const number_layout number(lc, parts, directive.width, directive.flags);
+    if (number.length() > number_limit || number.length() > room)
+        return GLS_ERR_NO_ROOM;
+    at = number.write(at);
+    return GLS_OK;
 }
 
 int32_t _gl_format_decimal(locale_rec *lc, uint64_t value, int32_t negative, int32_t base,
                            int32_t *room, gl_wchar *start, gl_wchar **end, int32_t width,
                            int32_t precision, uint32_t flags) {
-    return format_decimal(lc, value, negative != 0, base, room, start, end, width, precision,
-                          flags);
+    gl_wchar *at = start;
+    const int32_t error =
+        write_integer(lc, at, *room, value, negative != 0, {base, width, precision, flags});
+    if (error != GLS_OK)
+        return fail(lc, error);
+    *end = at;
+    *room = static_cast<int32_t>(at - start);
+    return 0;
 }
 
 int32_t _gl_format_decimalull(locale_rec *lc, uint64_t value, int32_t negative, int32_t base,
                               int32_t *room, gl_wchar *start, gl_wchar **end, int32_t width,
                               int32_t precision, uint32_t flags) {
-    return format_decimal(lc, value, negative != 0, base, room, start, end, width, precision,
-                          flags);
+    return _gl_format_decimal(lc, value, negative, base, room, start, end, width, precision, flags);
 }
 
 int32_t gl_ltowcs(locale_rec *lc, int64_t value, gl_wchar *dst, int32_t size, int32_t base,

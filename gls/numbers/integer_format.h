@@ -1,4 +1,4 @@
-// One integer laid out, before it is known where it goes.
+// One integer written where there is room.
 
 #pragma once
 
@@ -8,9 +8,16 @@
 
 namespace kestrion {
 
-// Lays out magnitude and sign; the arguments are those of _gl_format_decimal. Returns GLS_OK,
-// GLS_ERR_ARGUMENT for a bad base, GLS_ERR_NO_ROOM when the number is too long.
-int32_t lay_out_integer(locale_rec *lc, number_layout &out, uint64_t value, bool negative,
-                        int32_t base, int32_t width, int32_t precision, uint32_t flags);
+struct integer_directive {
+    int32_t base;
+    int32_t width;     // or gl_modifier_unset
+    int32_t precision; // or gl_modifier_unset
+    uint32_t flags;    // gl_number_flags
+};
+
+// Writes magnitude and sign to at[0..room) and moves `at` behind them. Returns GLS_OK,
+// GLS_ERR_ARGUMENT for a bad base, GLS_ERR_NO_ROOM.
+int32_t write_integer(locale_rec *lc, gl_wchar *&at, int32_t room, uint64_t value, bool negative,
+                      const integer_directive &directive);
 
 } // namespace kestrion

@@ -23,16 +23,17 @@ constexpr int32_t amount_limit = 255; // elements of one amount; what is beyond 
 constexpr int32_t printed_digits = 6; // after the point; rounding looks at no more
 constexpr int32_t default_digits = 2; // after the point, where the locale does not say
 constexpr int32_t locale_digit_limit = 99;
+constexpr int64_t no_columns = -1; // an amount that is not lined up
+
+int64_t larger(int64_t a, int64_t b) { return a > b ? a : b; }
 
 // ---- Digits of an amount
 
 // The digits of a finite value, rounded half up to a precision.
 struct amount_digits {
-    char text[1 + float_text_limit]; // integer digits after a place for a carry, point, fraction
-    const char *integer;
-    int32_t integer_count;
-    const char *fraction;
-    int32_t fraction_count; // at most printed_digits; zeros follow
+    char buffer[float_text_limit];
+    ascii_piece integer;
+    ascii_piece fraction; // at most printed_digits; zeros follow
 };
 
 // Adds one to the digits that end before `end`; the place before the first one takes the carry.
@@ -49,15 +50,16 @@ void add_one(char *end) {
 }
 
 void make_digits(amount_digits &out, double value, int32_t precision) {
-    const int32_t length = fixed_digits(out.text + 1, value, printed_digits);
-    char *const point = out.text + 1 + length - printed_digits - 1;
-    out.text[0] = '0';
-    out.fraction = point + 1;
-    out.fraction_count = precision < printed_digits ? precision : printed_digits;
-    if (precision < printed_digits && out.fraction[precision] >= '5')
-        add_one(point + 1 + precision);
-    out.integer = out.text + (out.text[0] == '0' ? 1 : 0);
-    out.integer_count = static_cast<int32_t>(point - out.integer);
+    const ascii_piece printed = fixed_digits(out.buffer, value, printed_digits);
+    char *start = out.buffer + (printed.text - out.buffer) - 1;
+    char *const point = start + printed.length - printed_digits;
+    *start = '0';
+    const int32_t kept = precision < printed_digits ? precision : printed_digits;
+    if (kept < printed_digits && point[1 + kept] >= '5')
+        add_one(point + 1 + kept);
+    start += *start == '0';
+    out.integer = {start, static_cast<int32_t>(point - start)};
+    out.fraction = {point + 1, kept};
 }
 
 // ---- The value
@@ -91,7 +93,7 @@ void add_value(const locale_rec *lc, const money_directive &d, double value, gro
     if (!isfinite(value)) {
         const char *text = isnan(value) ? "nan" : "inf";
         add_fill(lc, d, 3, false, out);
-        return out.add_ascii(text, 3);
+        return out.add(ascii_piece{text, 3});
     }
     const int32_t precision = right_precision_of(lc, d);
     amount_digits digits;
@@ -102,16 +104,15 @@ void add_value(const locale_rec *lc, const money_directive &d, double value, gro
     const gl_wchar *separator = numeric_of(lc).wide_thousands_sep;
     constexpr group_rec no_groups = {};
     const group_rec &groups = (d.flags & money_no_groups) != 0 ? no_groups : own.mon_grouping;
-    const int64_t separators = static_cast<int64_t>(get_grp_cnt(groups, digits.integer_count)) *
-                               piece_of(separator).length;
-    const int64_t length = digits.integer_count + separators;
+    const int64_t length =
+        digits.integer.length + static_cast<int64_t>(get_grp_cnt(groups, digits.integer.length)) *
+                                    piece_of(separator).length;
     add_fill(lc, d, length + point.length, precision > 0, out);
     if (gl_wchar *const place = out.add(length))
-        add_grp_sep(place + length, length, digits.integer, digits.integer_count, groups,
-                    separator);
+        add_grp_sep(place + length, digits.integer, groups, separator);
     out.add(point);
-    out.add_ascii(digits.fraction, digits.fraction_count);
-    out.fill('0', precision - digits.fraction_count);
+    out.add(digits.fraction);
+    out.fill('0', precision - digits.fraction.length);
 }
 
 // ---- The layout
@@ -138,21 +139,16 @@ token_range range_of(const money_layout &layout) {
     return range;
 }
 
-int64_t max_dsp_before_val(locale_rec *lc, const money_layouts &both) {
-    const int64_t positive = token_columns(lc, both.positive, 0, range_of(both.positive).value);
-    const int64_t negative = token_columns(lc, both.negative, 0, range_of(both.negative).value);
-    return positive > negative ? positive : negative;
+int64_t dsp_before_val(locale_rec *lc, const money_layout &layout) {
+    return token_columns(lc, layout, 0, range_of(layout).value);
 }
 
-int64_t max_dsp_after_val(locale_rec *lc, const money_layouts &both) {
-    const token_range p = range_of(both.positive), n = range_of(both.negative);
-    const int64_t positive = token_columns(lc, both.positive, p.value, p.end);
-    const int64_t negative = token_columns(lc, both.negative, n.value, n.end);
-    return positive > negative ? positive : negative;
+int64_t dsp_after_val(locale_rec *lc, const money_layout &layout) {
+    const token_range range = range_of(layout);
+    return token_columns(lc, layout, range.value, range.end);
 }
 
-// Lays the value out among the tokens, so that it has at least so many columns before and after it;
-// -1 for no such widths.
+// Lays the value out among the tokens, so that it has at least so many columns before and after it.
 void format_money(locale_rec *lc, const money_layout &layout, wide_piece value, int64_t before,
                   int64_t after, growing_text &out) {
     const token_range range = range_of(layout);
@@ -161,7 +157,7 @@ void format_money(locale_rec *lc, const money_layout &layout, wide_piece value, 
     if (last_before > 0 && layout.tokens[last_before - 1] == money_space && value.length > 0 &&
         has_class(lc, value.elements[0], CT_BLANK))
         --last_before;
-    if (before > 0)
+    if (before != no_columns)
         out.fill(' ', before - token_columns(lc, layout, 0, last_before));
     for (int32_t i = 0; i < last_before; ++i)
         out.add(token_text(layout, layout.tokens[i]));
@@ -169,37 +165,44 @@ void format_money(locale_rec *lc, const money_layout &layout, wide_piece value, 
         out.add(value);
     for (int32_t i = range.value; i < range.end; ++i)
         out.add(token_text(layout, layout.tokens[i]));
-    if (after > 0)
+    if (after != no_columns)
         out.fill(' ', after - token_columns(lc, layout, range.value, range.end));
 }
 
 // ---- The whole
 
+// The layout for a value of one sign. Positive amounts show their sign only when asked to.
+money_layout written_layout(const locale_rec *lc, const money_directive &d, bool negative) {
+    money_layout layout = layout_of(lc, d, negative);
+    if (!negative && (d.flags & money_plus) == 0)
+        layout.sign = {};
+    return layout;
+}
+
 // One amount, padded to its width; false when memory ran out.
 bool add_amount(locale_rec *lc, const money_directive &d, double value, growing_text &out) {
-    money_layouts both = layouts_of(lc, d);
-    if ((d.flags & money_plus) == 0)
-        both.positive.sign = {};
     growing_text digits;
     add_value(lc, d, fabs(value), digits);
-    const bool lined_up = d.left_precision != gl_modifier_unset;
-    growing_text amount;
-    format_money(lc, value < 0 ? both.negative : both.positive, digits.piece(),
-                 lined_up ? max_dsp_before_val(lc, both) : -1,
-                 lined_up ? max_dsp_after_val(lc, both) : -1, amount);
-    const int64_t padding = d.width > 0 ? d.width - columns_of(lc, amount.piece()) : 0;
-    const bool left = (d.flags & money_left) != 0;
-    if (!left)
+    const bool negative = value < 0;
+    const money_layout layout = written_layout(lc, d, negative);
+    int64_t before = no_columns, after = no_columns;
+    if (d.left_precision != gl_modifier_unset) { // amounts line up, whatever their sign
+        const money_layout other = written_layout(lc, d, !negative);
+        before = larger(dsp_before_val(lc, layout), dsp_before_val(lc, other));
+        after = larger(dsp_after_val(lc, layout), dsp_after_val(lc, other));
+    }
+    format_money(lc, layout, digits.piece(), before, after, out);
+    const int64_t padding = d.width > 0 ? d.width - columns_of(lc, out.piece()) : 0;
+    if ((d.flags & money_left) != 0)
         out.fill(' ', padding);
-    out.add(amount.piece());
-    if (left)
-        out.fill(' ', padding);
-    return !digits.failed() && !amount.failed() && !out.failed();
+    else
+        out.fill_front(' ', padding);
+    return !digits.failed() && !out.failed();
 }
 
 class amount_writer {
 public:
-    amount_writer(locale_rec *lc, gl_wchar *dst, int32_t size, va_list values)
+    amount_writer(locale_rec *lc, gl_wchar *dst, int32_t size, value_list &values)
         : lc_(lc), at_(dst), room_(size - 1), values_(values) {}
 
     // Writes the whole format; GLS_OK or the error.
@@ -220,7 +223,7 @@ private:
     locale_rec *lc_;
     gl_wchar *at_;
     int32_t room_; // elements left, the terminator's not among them
-    value_list values_;
+    value_list &values_;
 };
 
 int32_t amount_writer::write(const gl_wchar *format) {
@@ -255,10 +258,8 @@ int32_t amount_writer::write_directive(const gl_wchar *&format) {
     return put({text.elements, text.length < amount_limit ? text.length : amount_limit});
 }
 
-} // namespace
-
-int32_t gl_wcsfmon1(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format,
-                    va_list values) {
+int32_t format_wide(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format,
+                    value_list &values) {
     if (dst == nullptr || format == nullptr || size < 1)
         return no_result(dst, size, fail(lc, size < 1 ? GLS_ERR_NO_ROOM : GLS_ERR_NULL_ARGUMENT));
     amount_writer writer(lc, dst, size, values);
@@ -268,11 +269,22 @@ int32_t gl_wcsfmon1(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar 
     return static_cast<int32_t>(writer.at() - dst);
 }
 
+} // namespace
+
+int32_t gl_wcsfmon1(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format,
+                    va_list list) {
+    value_list values;
+    va_copy(values.list, list);
+    const int32_t count = format_wide(lc, dst, size, format, values);
+    va_end(values.list);
+    return count;
+}
+
 int32_t gl_wcsfmon(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format, ...) {
-    va_list values;
-    va_start(values, format);
-    const int32_t count = gl_wcsfmon1(lc, dst, size, format, values);
-    va_end(values);
+    value_list values;
+    va_start(values.list, format);
+    const int32_t count = format_wide(lc, dst, size, format, values);
+    va_end(values.list);
     return count;
 }
 
@@ -281,9 +293,9 @@ int32_t gl_mbsfmon(locale_rec *lc, char *dst, int32_t size, const char *format, 
     const wide_area area(lc, size);
     if (wide_format.text() == nullptr || area.elements() == nullptr)
         return no_result(lc, dst, size, -1);
-    va_list values;
-    va_start(values, format);
-    const int32_t count = gl_wcsfmon1(lc, area.elements(), area.size(), wide_format.text(), values);
-    va_end(values);
+    value_list values;
+    va_start(values.list, format);
+    const int32_t count = format_wide(lc, area.elements(), area.size(), wide_format.text(), values);
+    va_end(values.list);
     return _gl_get_mbstring(lc, dst, size, area.elements(), count);
 }

@@ -58,29 +58,20 @@ money_directive read_money_directive(const gl_wchar *&at) {
     return d;
 }
 
-money_layouts layouts_of(const locale_rec *lc, const money_directive &directive) {
+money_layout layout_of(const locale_rec *lc, const money_directive &directive, bool negative) {
     const monetary_rec &own = monetary_of(lc);
-    int32_t positive_position = own.p_sign_posn;
-    int32_t negative_position = own.n_sign_posn;
-    if ((directive.flags & money_plus) != 0) {
-        positive_position += positive_position == 0;
-        negative_position += negative_position == 0;
-    }
-    if ((directive.flags & money_parentheses) != 0)
-        negative_position = 0;
-    wide_piece symbol = {};
+    int32_t position = negative ? own.n_sign_posn : own.p_sign_posn;
+    if ((directive.flags & money_plus) != 0 && position == 0)
+        position = 1;
+    if ((directive.flags & money_parentheses) != 0 && negative)
+        position = 0;
+    money_layout made = {.sign =
+                             piece_of(negative ? own.wide_negative_sign : own.wide_positive_sign)};
     if ((directive.flags & money_no_symbol) == 0)
-        symbol = piece_of(directive.conversion == 'i' ? own.wide_int_curr_symbol
-                                                      : own.wide_currency_symbol);
-    money_layouts made = {
-        .positive = {.symbol = symbol, .sign = piece_of(own.wide_positive_sign)},
-        .negative = {.symbol = symbol, .sign = piece_of(own.wide_negative_sign)},
-    };
-    const int32_t positive =
-        mon_mask(own.p_cs_precedes, positive_position, own.p_sep_by_space, made.positive.tokens);
-    const int32_t negative =
-        mon_mask(own.n_cs_precedes, negative_position, own.n_sep_by_space, made.negative.tokens);
-    made.complete = positive == 0 && negative == 0;
+        made.symbol = piece_of(directive.conversion == 'i' ? own.wide_int_curr_symbol
+                                                           : own.wide_currency_symbol);
+    mon_mask(negative ? own.n_cs_precedes : own.p_cs_precedes, position,
+             negative ? own.n_sep_by_space : own.p_sep_by_space, made.tokens);
     return made;
 }
 

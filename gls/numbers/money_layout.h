@@ -38,14 +38,9 @@ struct money_layout {
     wide_piece sign;
 };
 
-struct money_layouts {
-    money_layout positive;
-    money_layout negative;
-    bool complete; // neither is empty
-};
-
-// The layouts for a directive; the sign of the positive one is the locale's positive sign.
-money_layouts layouts_of(const locale_rec *lc, const money_directive &directive);
+// The layouts for a directive; the sign of the positive one is the locale's positive sign. Where the
+// locale does not say how amounts look, the layout is empty.
+money_layout layout_of(const locale_rec *lc, const money_directive &directive, bool negative);
 
 // The text of a token other than the value.
 wide_piece token_text(const money_layout &layout, int32_t token);

@@ -1,5 +1,6 @@
 #include <kestrion/money_pattern.h>
 
+#include <iterator>
 #include <string.h>
 
 namespace {
@@ -23,6 +24,17 @@ constexpr pattern_row patterns[] = {
     {42, {3, 2, 5, 4}, {2, 5, 4, 3}},
 };
 
+// Three rows for each position of the sign.
+constexpr size_t row_of(int64_t key) { return static_cast<size_t>(key / 10 * 3 + key % 10); }
+
+constexpr bool rows_are_in_order() {
+    for (size_t i = 0; i < std::size(patterns); ++i)
+        if (row_of(patterns[i].key) != i)
+            return false;
+    return true;
+}
+static_assert(rows_are_in_order());
+
 } // namespace
 
 int32_t mon_mask(int32_t cs_precedes, int32_t sign_posn, int32_t sep_by_space,
@@ -31,12 +43,10 @@ int32_t mon_mask(int32_t cs_precedes, int32_t sign_posn, int32_t sep_by_space,
     if (cs_precedes != 0 && cs_precedes != 1)
         return -1;
     const int64_t key = static_cast<int64_t>(sign_posn) * 10 + sep_by_space;
-    for (const pattern_row &row : patterns) {
-        if (row.key != key)
-            continue;
-        for (int32_t i = 0; i < money_pattern_size; ++i)
-            tokens[i] = cs_precedes == 1 ? row.symbol_first[i] : row.symbol_after[i];
-        return 0;
-    }
-    return -1;
+    if (key < 0 || key > patterns[std::size(patterns) - 1].key || key % 10 > 2)
+        return -1;
+    const pattern_row &row = patterns[row_of(key)];
+    for (int32_t i = 0; i < money_pattern_size; ++i)
+        tokens[i] = cs_precedes == 1 ? row.symbol_first[i] : row.symbol_after[i];
+    return 0;
 }

@@ -84,18 +84,20 @@ amount_match<source> mon_maskmatch(const amount_start<source> &start, const mone
 }
 
 // The better of the two layouts: the one that uses more of the source, at equal length the positive.
+// A positive amount may also go without its sign.
 template <class source>
-amount_match<source> best_match(const amount_start<source> &start, money_layouts &both,
-                                const number_marks &marks) {
-    const amount_match<source> positive = mon_maskmatch(start, both.positive, marks);
-    amount_match<source> negative = mon_maskmatch(start, both.negative, marks);
-    negative.value = -negative.value;
-    if (negative.found && (!positive.found || negative.text.at() > positive.text.at()))
-        return negative;
-    if (positive.found)
-        return positive;
-    both.positive.sign = {};
-    return mon_maskmatch(start, both.positive, marks);
+amount_match<source> best_match(const amount_start<source> &start, money_layout positive,
+                                const money_layout &negative) {
+    const number_marks marks = monetary_marks(start.text.locale(), true);
+    const amount_match<source> plus = mon_maskmatch(start, positive, marks);
+    amount_match<source> minus = mon_maskmatch(start, negative, marks);
+    minus.value = -minus.value;
+    if (minus.found && (!plus.found || minus.text.at() > plus.text.at()))
+        return minus;
+    if (plus.found)
+        return plus;
+    positive.sign = {};
+    return mon_maskmatch(start, positive, marks);
 }
 
 // Ends the source after so many display columns.
@@ -120,11 +122,11 @@ template <class source> int32_t scan_amount(source &text, const money_directive 
     const bool after_white = text.at() != before;
     if (d.width > 0)
         limit_columns(text, d.width);
-    money_layouts both = layouts_of(text.locale(), d);
-    if (!both.complete)
+    const money_layout positive = layout_of(text.locale(), d, false);
+    const money_layout negative = layout_of(text.locale(), d, true);
+    if (positive.tokens[0] == money_end || negative.tokens[0] == money_end)
         return GLS_ERR_ARGUMENT;
-    const amount_match<source> match =
-        best_match<source>({text, after_white}, both, monetary_marks(text.locale(), true));
+    const amount_match<source> match = best_match<source>({text, after_white}, positive, negative);
     if (!match.found)
         return GLS_ERR_ARGUMENT;
     value = match.value;

@@ -20,8 +20,23 @@ gl_wchar *allocated_elements(locale_rec *lc, int64_t count) {
     return static_cast<gl_wchar *>(block);
 }
 
+// Formats are ASCII nearly always; the first other character leaves the rest to the code set's own
+// routine.
 int32_t widened(locale_rec *lc, gl_wchar *dst, const char *source, int32_t size) {
-    return locale_or_ascii(lc).mbstowcs_fn(lc, dst, source, size);
+    const locale_rec &own = locale_or_ascii(lc);
+    int32_t count = 0;
+    if (own.ctype_cat.ascii_bytes)
+        for (; count < size; ++count) {
+            dst[count] = static_cast<unsigned char>(source[count]);
+            if (dst[count] == 0)
+                return count;
+            if (dst[count] >= 0x80)
+                break;
+        }
+    if (count == size)
+        return size;
+    const int32_t rest = own.mbstowcs_fn(lc, dst + count, source + count, size - count);
+    return rest < 0 ? rest : count + rest;
 }
 
 // An upper bound of the characters of a terminated text: its bytes.
@@ -83,11 +98,13 @@ int32_t _gl_get_mbstring(locale_rec *lc, char *dst, int32_t size, const gl_wchar
     const ctype_rec &ct = ctype_of(lc);
     const int32_t room = size - ct.mb_loc_min;
     int32_t bytes = 0;
-    for (int32_t i = 0; i < count; ++i) {
-        if (ct.ascii_bytes && src[i] - 1 < 0x7f && bytes < room) {
-            dst[bytes++] = static_cast<char>(src[i]);
-            continue;
+    if (ct.ascii_bytes)
+        for (const int32_t end = count < room ? count : room; bytes < end; ++bytes) {
+            if (src[bytes] - 1 >= 0x7f)
+                break;
+            dst[bytes] = static_cast<char>(src[bytes]);
         }
+    for (int32_t i = bytes; i < count; ++i) {
         unsigned char character[longest_character];
         const int32_t length = encode_wide(ct, character, src[i]);
         if (length == 0 || length > room - bytes)

@@ -17,6 +17,21 @@ constinit gl_wchar point[] = {'.', 0};
 constinit gl_wchar plus[] = {'+', 0};
 constinit gl_wchar minus[] = {'-', 0};
 
+// Puts the error word back to what it was.
+class kept_error_word {
+public:
+    explicit kept_error_word(locale_rec *lc) : word_(_gl_ext_errno(lc)), value_(*word_) {}
+    ~kept_error_word() { *word_ = value_; }
+    kept_error_word(const kept_error_word &) = delete;
+    kept_error_word &operator=(const kept_error_word &) = delete;
+
+private:
+    int32_t *word_;
+    int32_t value_;
+};
+
+} // namespace
+
 constinit const numeric_rec plain_numeric = {
     .wide_decimal_point = point,
     .wide_thousands_sep = empty,
@@ -40,36 +55,6 @@ constinit const monetary_rec no_monetary = {
     .wide_positive_sign = empty,
     .wide_negative_sign = empty,
 };
-
-// Puts the error word back to what it was.
-class kept_error_word {
-public:
-    explicit kept_error_word(locale_rec *lc) : word_(_gl_ext_errno(lc)), value_(*word_) {}
-    ~kept_error_word() { *word_ = value_; }
-    kept_error_word(const kept_error_word &) = delete;
-    kept_error_word &operator=(const kept_error_word &) = delete;
-
-private:
-    int32_t *word_;
-    int32_t value_;
-};
-
-} // namespace
-
-const numeric_rec &numeric_of(const locale_rec *lc) {
-    return lc != nullptr ? lc->numeric_cat : plain_numeric;
-}
-
-const monetary_rec &monetary_of(const locale_rec *lc) {
-    return lc != nullptr ? lc->monetary_cat : no_monetary;
-}
-
-wide_piece piece_of(const gl_wchar *terminated) {
-    int32_t length = 0;
-    while (terminated[length] != 0)
-        ++length;
-    return {terminated, length};
-}
 
 int64_t columns_of(locale_rec *lc, wide_piece text) {
     const kept_error_word kept(lc);

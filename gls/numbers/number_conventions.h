@@ -8,10 +8,17 @@
 
 namespace kestrion {
 
-// The conventions of `lc`. A null locale has the point ".", the signs "+" and "-", no groups and no
-// money.
-const numeric_rec &numeric_of(const locale_rec *lc);
-const monetary_rec &monetary_of(const locale_rec *lc);
+// Those of a null locale: the point ".", the signs "+" and "-", no groups and no money.
+extern const numeric_rec plain_numeric;
+extern const monetary_rec no_monetary;
+
+// The conventions of `lc`.
+inline const numeric_rec &numeric_of(const locale_rec *lc) {
+    return lc != nullptr ? lc->numeric_cat : plain_numeric;
+}
+inline const monetary_rec &monetary_of(const locale_rec *lc) {
+    return lc != nullptr ? lc->monetary_cat : no_monetary;
+}
 
 inline bool is_digit(gl_wchar element) { return element - '0' <= 9; }
 
@@ -21,7 +28,12 @@ struct wide_piece {
     int32_t length;
 };
 
-wide_piece piece_of(const gl_wchar *terminated);
+inline wide_piece piece_of(const gl_wchar *terminated) {
+    int32_t length = 0;
+    while (terminated[length] != 0)
+        ++length;
+    return {terminated, length};
+}
 
 // Display columns. A character that is not printable counts as one column, and the error word is
 // left alone.

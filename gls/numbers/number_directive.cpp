@@ -32,10 +32,12 @@ constexpr conversion conversions[] = {
 
 // "N$": false for a number out of range. Without a "$" nothing is read and the index is 0.
 bool read_value_index(const gl_wchar *&at, int32_t &index) {
+    index = 0;
+    if (!is_digit(*at))
+        return true;
     const gl_wchar *ahead = at;
     const int32_t number = read_count(ahead);
-    index = 0;
-    if (ahead == at || *ahead != '$')
+    if (*ahead != '$')
         return true;
     index = number;
     at = ahead + 1;
@@ -71,13 +73,6 @@ int32_t read_conversion(const gl_wchar *&at, number_directive &out) {
     return GLS_OK;
 }
 
-number_directive empty_directive() {
-    return {.width = gl_modifier_unset,
-            .precision = gl_modifier_unset,
-            .width_star = no_star,
-            .precision_star = no_star};
-}
-
 } // namespace
 
 const conversion *conversion_of(gl_wchar letter) {
@@ -88,7 +83,6 @@ const conversion *conversion_of(gl_wchar letter) {
 }
 
 int32_t read_format_directive(locale_rec *lc, const gl_wchar *&at, number_directive &out) {
-    out = empty_directive();
     if (!read_value_index(at, out.value_index))
         return GLS_ERR_FORMAT;
     out.flags = read_flags(at);
@@ -107,7 +101,6 @@ int32_t read_format_directive(locale_rec *lc, const gl_wchar *&at, number_direct
 }
 
 int32_t read_scan_directive(locale_rec *lc, const gl_wchar *&at, number_directive &out) {
-    out = empty_directive();
     if (!read_value_index(at, out.value_index))
         return GLS_ERR_FORMAT;
     out.suppressed = *at == '*';

@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <kestrion/format_modifiers.h>
 #include <kestrion/locale_rec.h>
 
 #include <stdint.h>
@@ -18,15 +19,15 @@ inline constexpr int32_t next_star = 0; // the next value; else the value of tha
 enum class value_length { normal, chars, shorts, longs };
 
 struct number_directive {
-    uint32_t flags;         // gl_number_flags
-    int32_t width;          // or gl_modifier_unset
-    int32_t precision;      // or gl_modifier_unset
-    int32_t width_star;     // where the width comes from
-    int32_t precision_star; // where the precision comes from
-    int32_t value_index;    // 1 to value_index_limit; 0 the next value
-    bool suppressed;        // the scanner's "*": scanned, not stored
-    value_length length;    //
-    gl_wchar conversion;    //
+    uint32_t flags = 0; // gl_number_flags
+    int32_t width = gl_modifier_unset;
+    int32_t precision = gl_modifier_unset;
+    int32_t width_star = no_star;     // where the width comes from
+    int32_t precision_star = no_star; // where the precision comes from
+    int32_t value_index = 0;          // 1 to value_index_limit; 0 the next value
+    bool suppressed = false;          // the scanner's "*": scanned, not stored
+    value_length length = value_length::normal;
+    gl_wchar conversion = 0;
 };
 
 enum class conversion_kind : uint8_t {
@@ -48,7 +49,8 @@ struct conversion {
 // Null for a letter that is no conversion.
 const conversion *conversion_of(gl_wchar letter);
 
-// Read a whole directive from the element after "%" and leave `at` after the conversion. Return
+// Read a whole directive from the element after "%" into one as it is made, and leave `at` after the
+// conversion. Return
 // GLS_OK or the error: GLS_ERR_NO_REGISTRY when the format ends inside it, GLS_ERR_FORMAT for a bad
 // number before "$", GLS_ERR_PRECISION. Whether the conversion exists is left to the caller.
 int32_t read_format_directive(locale_rec *lc, const gl_wchar *&at, number_directive &out);

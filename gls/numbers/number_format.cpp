@@ -67,7 +67,7 @@ int64_t signed_value(int64_t value, value_length length) {
 
 class number_writer {
 public:
-    number_writer(locale_rec *lc, gl_wchar *dst, int32_t size, va_list values)
+    number_writer(locale_rec *lc, gl_wchar *dst, int32_t size, value_list &values)
         : lc_(lc), at_(dst), room_(size - 1), values_(values) {}
 
     // Writes the whole format; GLS_OK or the error.
@@ -79,8 +79,7 @@ private:
     int32_t write_directive(const gl_wchar *&format);
     int32_t take_star(int32_t star, int32_t &count);
     int32_t write_value(const number_directive &d, const conversion &known, listed_value value);
-    int32_t write_number(const number_layout &number);
-    int32_t write_integer(number_directive d, const conversion &known, listed_value value);
+    int32_t write_whole(const number_directive &d, const conversion &known, listed_value value);
     int32_t write_float(const number_directive &d, double value);
     int32_t write_character(const number_directive &d, listed_value value);
     template <class source> int32_t write_text(const number_directive &d, source text);
@@ -95,7 +94,7 @@ private:
     gl_wchar *at_;
     int32_t room_; // elements left, the terminator's not among them
     bool numbered_ = false;
-    value_list values_;
+    value_list &values_;
 };
 
 int32_t number_writer::write(const gl_wchar *format) {
@@ -168,6 +167,11 @@ int32_t number_writer::write_directive(const gl_wchar *&format) {
     if (d.precision < 0)
         d.precision = gl_modifier_unset;
     const conversion *known = conversion_of(d.conversion);
+    if (known != nullptr && known->kind == conversion_kind::pointer &&
+        d.width == gl_modifier_unset) {
+        d.width = pointer_digits;
+        d.flags |= gl_flag_zero;
+    }
     listed_value value;
     if (known == nullptr || !values_.take(d.value_index, kind_of(*known, d.length), value))
         return GLS_ERR_FORMAT;
@@ -184,21 +188,12 @@ int32_t number_writer::write_value(const number_directive &d, const conversion &
     case conversion_kind::character:
         return write_character(d, value);
     default:
-        return write_integer(d, known, value);
+        return write_whole(d, known, value);
     }
 }
 
-int32_t number_writer::write_number(const number_layout &number) {
-    if (!number.fits() || !has_room(number.length()))
-        return GLS_ERR_NO_ROOM;
-    number.copy_to(at_);
-    at_ += number.length();
-    room_ -= number.length();
-    return GLS_OK;
-}
-
-int32_t number_writer::write_integer(number_directive d, const conversion &known,
-                                     listed_value value) {
+int32_t number_writer::write_whole(const number_directive &d, const conversion &known,
+                                   listed_value value) {
     uint64_t magnitude = 0;
     bool negative = false;
     if (known.kind == conversion_kind::signed_integer) {
@@ -207,52 +202,54 @@ int32_t number_writer::write_integer(number_directive d, const conversion &known
         magnitude = negative ? 0 - static_cast<uint64_t>(number) : static_cast<uint64_t>(number);
     } else if (known.kind == conversion_kind::pointer) {
         magnitude = reinterpret_cast<uintptr_t>(value.pointer);
-        if (d.width == gl_modifier_unset) {
-            d.width = pointer_digits;
-            d.flags |= gl_flag_zero;
-        }
     } else {
         magnitude = unsigned_value(value.integer, d.length);
     }
-    number_layout number;
-    const int32_t error = lay_out_integer(lc_, number, magnitude, negative, known.base, d.width,
-                                          d.precision, d.flags | known.flags);
-    return error != GLS_OK ? error : write_number(number);
+    const gl_wchar *const start = at_;
+    const int32_t error = write_integer(lc_, at_, room_, magnitude, negative,
+                                        {known.base, d.width, d.precision, d.flags | known.flags});
+    room_ -= static_cast<int32_t>(at_ - start);
+    return error;
 }
 
-int32_t number_writer::write_float(const number_directive &d, double value) {
-    if (d.width > float_width_limit)
-        return GLS_ERR_NO_ROOM;
+// Digits and fraction of a magnitude by a directive.
+ascii_piece float_text(char (&buffer)[float_text_limit], const number_directive &d, double value) {
     const bool alternate = (d.flags & gl_flag_alternate) != 0;
     const int32_t precision =
         d.precision == gl_modifier_unset ? default_float_precision : d.precision;
-    const double size = fabs(value);
-    char text[float_text_limit];
-    const int32_t length =
-        d.conversion == 'f' && isfinite(value) && !(alternate && precision == 0)
-            ? fixed_digits(text, size, precision)
-            : library_number(text, float_text_limit, d.conversion, alternate, precision, size);
-    if (length < 0 || length > number_limit)
+    if (d.conversion == 'f' && isfinite(value) && !(alternate && precision == 0))
+        return fixed_digits(buffer, value, precision);
+    return {buffer,
+            library_number(buffer, float_text_limit, d.conversion, alternate, precision, value)};
+}
+
+int32_t number_writer::write_float(const number_directive &d, double value) {
+    char buffer[float_text_limit];
+    const ascii_piece text = float_text(buffer, d, fabs(value));
+    if (d.width > float_width_limit || text.length < 0 || text.length > number_limit)
         return GLS_ERR_NO_ROOM;
-    const auto *point = static_cast<const char *>(memchr(text, '.', static_cast<size_t>(length)));
-    const auto before = static_cast<int32_t>(point != nullptr ? point - text : length);
-    const numeric_rec &own = numeric_of(lc_);
-    number_layout number;
-    uint32_t flags = d.flags;
-    if (point != nullptr) {
-        number.put_ascii(point + 1, length - before - 1);
-        number.put(piece_of(own.wide_decimal_point));
-    }
-    if (!isfinite(value)) {
-        flags &= ~static_cast<uint32_t>(gl_flag_zero); // "00inf" is no number
-        number.put_ascii(text, length);
-    } else if (d.conversion == 'f' && (flags & gl_flag_group) != 0) {
-        number.put_grouped(text, before, own);
-    } else {
-        number.put_ascii(text, before);
-    }
-    number.finish(lc_, "", signbit(value) != 0, d.width, flags);
-    return write_number(number);
+    const auto *point =
+        static_cast<const char *>(memchr(text.text, '.', static_cast<size_t>(text.length)));
+    const char *const end = text.text + text.length;
+    const char *const digits_end = point != nullptr ? point : end;
+    const bool finite = isfinite(value);
+    number_parts parts = {
+        .prefix = "",
+        .digits = {text.text, static_cast<int32_t>(digits_end - text.text)},
+        .grouped = finite && d.conversion == 'f' && (d.flags & gl_flag_group) != 0,
+        .point = point != nullptr,
+        .negative = signbit(value),
+    };
+    if (point != nullptr)
+        parts.fraction = {point + 1, static_cast<int32_t>(end - point) - 1};
+    // "00inf" is no number.
+    const uint32_t flags = finite ? d.flags : d.flags & ~static_cast<uint32_t>(gl_flag_zero);
+    const number_layout number(lc_, parts, d.width, flags);
+    if (number.length() > number_limit || !has_room(number.length()))
+        return GLS_ERR_NO_ROOM;
+    at_ = number.write(at_);
+    room_ -= static_cast<int32_t>(number.length());
+    return GLS_OK;
 }
 
 int32_t number_writer::write_character(const number_directive &d, listed_value value) {
@@ -309,10 +306,8 @@ int32_t number_writer::write_text_of(const number_directive &d, const void *text
     return write_text(d, multibyte_source(lc_, static_cast<const char *>(text)));
 }
 
-} // namespace
-
-int32_t gl_wcsfnum1(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format,
-                    va_list values) {
+int32_t format_wide(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format,
+                    value_list &values) {
     if (dst == nullptr || format == nullptr || size < 1)
         return no_result(dst, size, fail(lc, size < 1 ? GLS_ERR_NO_ROOM : GLS_ERR_NULL_ARGUMENT));
     number_writer writer(lc, dst, size, values);
@@ -322,44 +317,64 @@ int32_t gl_wcsfnum1(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar 
     return static_cast<int32_t>(writer.at() - dst);
 }
 
-int32_t gl_wcsprintf(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format, ...) {
-    va_list values;
-    va_start(values, format);
-    const int32_t count = gl_wcsfnum1(lc, dst, size, format, values);
-    va_end(values);
-    return count;
-}
-
-int32_t gl_wcsfnum(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format, ...) {
-    va_list values;
-    va_start(values, format);
-    const int32_t count = gl_wcsfnum1(lc, dst, size, format, values);
-    va_end(values);
-    return count;
-}
-
-int32_t gl_mbsprintf1(locale_rec *lc, char *dst, int32_t size, const char *format, va_list values) {
+int32_t format_multibyte(locale_rec *lc, char *dst, int32_t size, const char *format,
+                         value_list &values) {
     const wide_copy wide_format(lc, format);
     const wide_area area(lc, size);
     if (wide_format.text() == nullptr || area.elements() == nullptr)
         return no_result(lc, dst, size, -1);
-    const int32_t count = gl_wcsfnum1(lc, area.elements(), area.size(), wide_format.text(), values);
+    const int32_t count = format_wide(lc, area.elements(), area.size(), wide_format.text(), values);
     return _gl_get_mbstring(lc, dst, size, area.elements(), count);
 }
 
+} // namespace
+
+int32_t gl_wcsfnum1(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format,
+                    va_list list) {
+    value_list values;
+    va_copy(values.list, list);
+    const int32_t count = format_wide(lc, dst, size, format, values);
+    va_end(values.list);
+    return count;
+}
+
+int32_t gl_wcsprintf(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format, ...) {
+    value_list values;
+    va_start(values.list, format);
+    const int32_t count = format_wide(lc, dst, size, format, values);
+    va_end(values.list);
+    return count;
+}
+
+int32_t gl_wcsfnum(locale_rec *lc, gl_wchar *dst, int32_t size, const gl_wchar *format, ...) {
+    value_list values;
+    va_start(values.list, format);
+    const int32_t count = format_wide(lc, dst, size, format, values);
+    va_end(values.list);
+    return count;
+}
+
+int32_t gl_mbsprintf1(locale_rec *lc, char *dst, int32_t size, const char *format, va_list list) {
+    value_list values;
+    va_copy(values.list, list);
+    const int32_t count = format_multibyte(lc, dst, size, format, values);
+    va_end(values.list);
+    return count;
+}
+
 int32_t gl_mbsprintf(locale_rec *lc, char *dst, int32_t size, const char *format, ...) {
-    va_list values;
-    va_start(values, format);
-    const int32_t count = gl_mbsprintf1(lc, dst, size, format, values);
-    va_end(values);
+    value_list values;
+    va_start(values.list, format);
+    const int32_t count = format_multibyte(lc, dst, size, format, values);
+    va_end(values.list);
     return count;
 }
 
 int32_t gl_mbsfnum(locale_rec *lc, char *dst, int32_t size, const char *format, ...) {
-    va_list values;
-    va_start(values, format);
-    const int32_t count = gl_mbsprintf1(lc, dst, size, format, values);
-    va_end(values);
+    value_list values;
+    va_start(values.list, format);
+    const int32_t count = format_multibyte(lc, dst, size, format, values);
+    va_end(values.list);
     return count;
 }
 

@@ -103,7 +103,7 @@ constexpr outcome stopped(int32_t error) { return {false, error}; }
 
 template <class source> class number_reader {
 public:
-    number_reader(locale_rec *lc, source text, va_list pointers)
+    number_reader(locale_rec *lc, source text, value_list &pointers)
         : lc_(lc), text_(text), pointers_(pointers) {}
 
     // Reads by the whole format; GLS_OK or the error that stopped it.
@@ -132,7 +132,7 @@ private:
     source text_;
     int32_t count_ = 0;
     bool numbered_ = false;
-    value_list pointers_;
+    value_list &pointers_;
 };
 
 template <class source> int32_t number_reader<source>::read(const gl_wchar *format) {
@@ -306,14 +306,16 @@ outcome number_reader<source>::read_text(const number_directive &d, void *to) {
 }
 
 template <class source>
-int32_t scan(locale_rec *lc, typename source::pointer text, const gl_wchar *format,
-             va_list pointers) {
+int32_t scan(locale_rec *lc, typename source::pointer text, const gl_wchar *format, va_list list) {
     if (text == nullptr || format == nullptr) {
         set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
         return 0;
     }
+    value_list pointers;
+    va_copy(pointers.list, list);
     number_reader<source> reader(lc, source(lc, text), pointers);
     const int32_t error = reader.read(format);
+    va_end(pointers.list);
     if (error != GLS_OK)
         set_engine_error(lc, error);
     return reader.count();

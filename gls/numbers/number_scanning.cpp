@@ -9,8 +9,6 @@ namespace kestrion {
 
 namespace {
 
-constexpr gl_wchar nothing[] = {0};
-
 bool same_text(const gl_wchar *a, const gl_wchar *b) {
     for (; *a == *b; ++a, ++b)
         if (*a == 0)
@@ -18,23 +16,10 @@ bool same_text(const gl_wchar *a, const gl_wchar *b) {
     return false;
 }
 
-// A separator that is also the point could never be the point.
-void add_separator(number_marks &marks, int32_t place, const gl_wchar *separator) {
-    marks.separators[place] = same_text(separator, marks.point) ? nothing : separator;
-}
-
 } // namespace
 
-number_marks numeric_marks(const locale_rec *lc, bool group) {
-    const numeric_rec &own = numeric_of(lc);
-    number_marks marks = {.point = own.wide_decimal_point,
-                          .plus = own.wide_positive_sign,
-                          .minus = own.wide_negative_sign,
-                          .separators = {nothing, nothing},
-                          .exponent = true};
-    if (group)
-        add_separator(marks, 0, own.wide_thousands_sep);
-    return marks;
+const gl_wchar *usable_separator(const gl_wchar *separator, const gl_wchar *point) {
+    return same_text(separator, point) ? no_separator : separator;
 }
 
 number_marks monetary_marks(const locale_rec *lc, bool group) {
@@ -42,22 +27,13 @@ number_marks monetary_marks(const locale_rec *lc, bool group) {
     number_marks marks = {.point = own.wide_mon_decimal_point,
                           .plus = own.wide_positive_sign,
                           .minus = own.wide_negative_sign,
-                          .separators = {nothing, nothing},
+                          .separators = {no_separator, no_separator},
                           .exponent = false};
     if (group) {
-        add_separator(marks, 0, own.wide_mon_thousands_sep);
-        add_separator(marks, 1, numeric_of(lc).wide_thousands_sep);
+        marks.separators[0] = usable_separator(own.wide_mon_thousands_sep, marks.point);
+        marks.separators[1] = usable_separator(numeric_of(lc).wide_thousands_sep, marks.point);
     }
     return marks;
-}
-
-bool signed_value_of(const scanned_integer &scanned, int64_t low, int64_t high, int64_t &out) {
-    const uint64_t limit =
-        scanned.negative ? 0 - static_cast<uint64_t>(low) : static_cast<uint64_t>(high);
-    const bool fits = !scanned.overflow && scanned.magnitude <= limit;
-    const uint64_t magnitude = fits ? scanned.magnitude : limit;
-    out = static_cast<int64_t>(scanned.negative ? 0 - magnitude : magnitude);
-    return fits;
 }
 
 double collected_float::value(int32_t &error) {

@@ -13,7 +13,8 @@ namespace {
 bool is_base(int32_t base) { return base == 0 || (base >= 2 && base <= gl_base_limit); }
 
 // The arguments of every operation; false with the error word set.
-template <class source> bool begins(source &text, typename source::pointer *end) {
+template <class source>
+[[gnu::always_inline]] inline bool begins(source &text, typename source::pointer *end) {
     if (end != nullptr)
         *end = text.at();
     if (text.at() == nullptr)
@@ -25,8 +26,8 @@ template <class source> bool begins(source &text, typename source::pointer *end)
 
 // Scans an integer after white space and stores where it ends; false when there is none.
 template <class source>
-bool scan_whole(source text, typename source::pointer *end, int32_t base, int32_t group,
-                scanned_integer &out) {
+[[gnu::always_inline]] inline bool scan_whole(source text, typename source::pointer *end,
+                                              int32_t base, int32_t group, scanned_integer &out) {
     if (!begins(text, end))
         return false;
     if (!is_base(base)) {
@@ -42,7 +43,8 @@ bool scan_whole(source text, typename source::pointer *end, int32_t base, int32_
 }
 
 template <class source>
-int64_t signed_integer(source text, typename source::pointer *end, int32_t base, int32_t group) {
+[[gnu::always_inline]] inline int64_t signed_integer(source text, typename source::pointer *end,
+                                                     int32_t base, int32_t group) {
     scanned_integer scanned;
     int64_t value = 0;
     if (scan_whole(text, end, base, group, scanned) &&
@@ -52,7 +54,8 @@ int64_t signed_integer(source text, typename source::pointer *end, int32_t base,
 }
 
 template <class source>
-uint64_t unsigned_integer(source text, typename source::pointer *end, int32_t base, int32_t group) {
+[[gnu::always_inline]] inline uint64_t unsigned_integer(source text, typename source::pointer *end,
+                                                        int32_t base, int32_t group) {
     scanned_integer scanned;
     if (!scan_whole(text, end, base, group, scanned))
         return 0;
@@ -62,7 +65,8 @@ uint64_t unsigned_integer(source text, typename source::pointer *end, int32_t ba
 }
 
 template <class source>
-double floating(source text, typename source::pointer *end, const number_marks &marks) {
+[[gnu::always_inline]] inline double floating(source text, typename source::pointer *end,
+                                              const number_marks &marks) {
     collected_float collected;
     if (!begins(text, end) || !scan_float(text, marks, collected))
         return 0;

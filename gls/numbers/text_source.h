@@ -25,8 +25,12 @@ public:
     // To the next one; there must be one here, and it must have been looked at.
     void next() {
         ++at_;
-        --left_;
+        left_ -= left_ != INT_MAX;
     }
+    // The elements from here on when ASCII among them can be read as it stands; else null.
+    pointer plain() const { return left_ == INT_MAX ? at_ : nullptr; }
+    // Passes over elements of plain().
+    void skip(int64_t elements) { at_ += elements; }
     pointer at() const { return at_; }
     locale_rec *locale() const { return lc_; }
     // Ends the text after so many characters more.
@@ -36,28 +40,33 @@ public:
 private:
     locale_rec *lc_;
     pointer at_;
-    int32_t left_ = INT_MAX;
+    int32_t left_ = INT_MAX; // characters; INT_MAX is no limit
 };
 
 class multibyte_source {
 public:
     using pointer = const char *;
 
-    multibyte_source(locale_rec *lc, pointer text) : lc_(lc), category_(&ctype_of(lc)), at_(text) {}
+    multibyte_source(locale_rec *lc, pointer text)
+        : lc_(lc), category_(&ctype_of(lc)), at_(text), ascii_(category_->ascii_bytes != 0) {}
 
     gl_wchar peek() {
         if (left_ <= 0)
             return 0;
         const auto byte = static_cast<unsigned char>(*at_);
-        if (!is_ascii_above_zero(byte) || !category_->ascii_bytes)
+        if (byte >= 0x80 || !ascii_)
             return decoded();
         length_ = 1;
         return byte;
     }
     void next() {
         at_ += length_;
-        --left_;
+        left_ -= left_ != INT_MAX;
     }
+    const unsigned char *plain() const {
+        return ascii_ && left_ == INT_MAX ? reinterpret_cast<const unsigned char *>(at_) : nullptr;
+    }
+    void skip(int64_t elements) { at_ += elements; }
     pointer at() const { return at_; }
     locale_rec *locale() const { return lc_; }
     void limit(int32_t characters) { left_ = characters < left_ ? characters : left_; }
@@ -73,14 +82,20 @@ private:
     locale_rec *lc_;
     const ctype_rec *category_;
     pointer at_;
+    bool ascii_;         // the bytes 01-7F are characters, and a text ends with one zero byte
     int32_t length_ = 1; // bytes of the character that was looked at
     int32_t left_ = INT_MAX;
 };
 
 // Consumes a terminated wide text if it stands here; an empty one never does.
-template <class source> bool takes(source &text, const gl_wchar *wanted) {
-    if (*wanted == 0)
+template <class source>
+[[gnu::always_inline]] inline bool takes(source &text, const gl_wchar *wanted) {
+    if (*wanted == 0 || text.peek() != *wanted)
         return false;
+    if (wanted[1] == 0) {
+        text.next();
+        return true;
+    }
     source ahead = text;
     for (; *wanted != 0; ++wanted, ahead.next())
         if (ahead.peek() != *wanted)

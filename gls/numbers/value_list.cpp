@@ -8,13 +8,13 @@ listed_value value_list::next(value_kind kind) {
     walked_ = true;
     switch (kind) {
     case value_kind::int_value:
-        return {.integer = va_arg(list_, int)};
+        return {.integer = va_arg(list, int)};
     case value_kind::long_value:
-        return {.integer = va_arg(list_, long)};
+        return {.integer = va_arg(list, long)};
     case value_kind::double_value:
-        return {.number = va_arg(list_, double)};
+        return {.number = va_arg(list, double)};
     case value_kind::pointer:
-        return {.pointer = va_arg(list_, void *)};
+        return {.pointer = va_arg(list, void *)};
     case value_kind::none:
         break;
     }

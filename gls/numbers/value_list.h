@@ -23,10 +23,13 @@ union listed_value {
 
 class value_list {
 public:
-    explicit value_list(va_list list) { va_copy(list_, list); }
-    ~value_list() { va_end(list_); }
+    value_list() = default;
     value_list(const value_list &) = delete;
     value_list &operator=(const value_list &) = delete;
+
+    // Begun and ended by the operation that has the arguments: with va_start, which spares a copy, or
+    // with va_copy.
+    va_list list;
 
     // The value of a directive or star: the next one, or that of its number. False when numbers are
     // mixed with their absence.
@@ -41,7 +44,6 @@ public:
 private:
     listed_value next(value_kind kind);
 
-    va_list list_;
     bool walked_ = false; // values were taken from the list
     int32_t count_ = 0;   // highest number announced; 0: not numbered
     value_kind kinds_[value_index_limit] = {};
