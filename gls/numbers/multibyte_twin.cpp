@@ -105,7 +105,7 @@ int32_t _gl_get_mbstring(locale_rec *lc, char *dst, int32_t size, const gl_wchar
             dst[bytes] = static_cast<char>(src[bytes]);
         }
     for (int32_t i = bytes; i < count; ++i) {
-        unsigned char character[longest_character];
+        unsigned char character[gl_char_bytes];
         const int32_t length = encode_wide(ct, character, src[i]);
         if (length == 0 || length > room - bytes)
             return no_result(lc, dst, size,

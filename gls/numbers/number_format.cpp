@@ -256,7 +256,7 @@ int32_t number_writer::write_character(const number_directive &d, listed_value v
     const auto element = static_cast<gl_wchar>(value.integer);
     const bool wide = d.length == value_length::longs;
     const gl_wchar text[] = {wide ? element : element & 0xff};
-    char scratch[longest_character];
+    char scratch[gl_char_bytes];
     if (!wide && gl_full_wctomb(lc_, scratch, text[0]) < 0)
         return GLS_ERR_BAD_CHARACTER;
     const int64_t padding = d.width > 0 ? d.width - columns_of(lc_, {text, 1}) : 0;

@@ -61,7 +61,7 @@ public:
             return false;
         if (to_ == nullptr)
             return true;
-        char bytes[longest_character];
+        char bytes[gl_char_bytes];
         const int32_t length =
             wide_ ? put_element(character) : gl_full_wctomb(lc_, bytes, character);
         if (length < 0)

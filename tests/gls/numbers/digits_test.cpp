@@ -18,7 +18,9 @@ namespace {
 std::string fixed_text(double value, int precision) {
     char buffer[float_text_limit];
     const ascii_piece text = fixed_digits(buffer, value, precision);
-    return {text.text, static_cast<size_t>(text.length)};
+    return text.length < float_text_limit - 1
+               ? std::string(text.text, static_cast<size_t>(text.length))
+               : ""; // cut off
 }
 
 // Values near what is hard: halves of the last digit, powers of two and ten, and any bit pattern.
@@ -49,7 +51,7 @@ TEST(FixedDigits, AreThoseOfTheLibrary) {
         char theirs[float_text_limit + 64];
         snprintf(theirs, sizeof theirs, "%.*f", precision, value);
         const std::string own = fixed_text(value, precision);
-        if (own.size() < float_text_limit - 1) {
+        if (!own.empty()) {
             ASSERT_EQ(own, theirs) << std::hexfloat << value << " precision " << precision;
         }
     }

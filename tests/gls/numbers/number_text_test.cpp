@@ -204,7 +204,7 @@ TEST(NumberScan, StoresWhatTheFormatNames) {
     EXPECT_STREQ(characters, " c");
     EXPECT_EQ(wide_word[0], gl_wchar{'e'});
     EXPECT_EQ(wide_word[2], 0u);
-    EXPECT_EQ(gl_mbsscanf(en, "1234567 50%", "%3d%2d%*d %d%%", &a, &b, &medium), 3);
+    EXPECT_EQ(gl_mbsscanf(en, "1234567 50%", "%3d%2d%*d %hd%%", &a, &b, &medium), 3);
     EXPECT_EQ(a, 123);
     EXPECT_EQ(b, 45);
     EXPECT_EQ(gl_mbsscanf(en, "7 8", "%2$d %1$d", &a, &b), 2);
