@@ -15,7 +15,7 @@ struct integer_directive {
     uint32_t flags;    // gl_number_flags
 };
 
-// Writes magnitude and sign to at[0..room) and moves `at` behind them. Returns GLS_OK,
+// Writes magnitude and sign to at[0..room) and moves `at` past them. Returns GLS_OK,
 // GLS_ERR_ARGUMENT for a bad base, GLS_ERR_NO_ROOM.
 int32_t write_integer(locale_rec *lc, gl_wchar *&at, int32_t room, uint64_t value, bool negative,
                       const integer_directive &directive);

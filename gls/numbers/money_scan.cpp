@@ -48,7 +48,7 @@ template <class source> struct amount_start {
     bool after_white; // white space before it was skipped
 };
 
-// Walks a layout along the source. A missing symbol is no harm; the end of the source ends the walk.
+// Walks a layout along the source. A missing symbol does no harm; the end of the source ends the walk.
 // A layout whose first text is a space, since there is no symbol, finds it in the white space that
 // was skipped.
 template <class source>

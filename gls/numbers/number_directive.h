@@ -46,7 +46,7 @@ struct conversion {
     uint32_t flags; // that the letter stands for
 };
 
-// Null for a letter that is no conversion.
+// Null for a letter that is not a conversion.
 const conversion *conversion_of(gl_wchar letter);
 
 // Read a whole directive from the element after "%" into one as it is made, and leave `at` after the

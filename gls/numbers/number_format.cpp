@@ -98,7 +98,7 @@ private:
 };
 
 int32_t number_writer::write(const gl_wchar *format) {
-    for (; *format != 0;) {
+    while (*format != 0) {
         const bool directive = *format == '%' && format[1] != '%';
         if (directive) {
             ++format;
@@ -242,7 +242,7 @@ int32_t number_writer::write_float(const number_directive &d, double value) {
     };
     if (point != nullptr)
         parts.fraction = {point + 1, static_cast<int32_t>(end - point) - 1};
-    // "00inf" is no number.
+    // Zeros before a word would not make a number.
     const uint32_t flags = finite ? d.flags : d.flags & ~static_cast<uint32_t>(gl_flag_zero);
     const number_layout number(lc_, parts, d.width, flags);
     if (number.length() > number_limit || !has_room(number.length()))

@@ -17,7 +17,7 @@ struct number_marks {
     const gl_wchar *point;
     const gl_wchar *plus;
     const gl_wchar *minus;
-    const gl_wchar *separators[2]; // the first that stands counts; empty ones never do
+    const gl_wchar *separators[2]; // the first one found counts; empty ones are never found
     bool exponent;
 };
 

@@ -40,7 +40,7 @@ public:
 private:
     locale_rec *lc_;
     pointer at_;
-    int32_t left_ = INT_MAX; // characters; INT_MAX is no limit
+    int32_t left_ = INT_MAX; // characters; INT_MAX for no limit
 };
 
 class multibyte_source {
@@ -87,7 +87,7 @@ private:
     int32_t left_ = INT_MAX;
 };
 
-// Consumes a terminated wide text if it stands here; an empty one never does.
+// Consumes a terminated wide text if the source goes on with it. An empty one is never found.
 template <class source>
 [[gnu::always_inline]] inline bool takes(source &text, const gl_wchar *wanted) {
     if (*wanted == 0 || text.peek() != *wanted)

@@ -113,7 +113,7 @@ bool differs_by_design(const directive &d) {
     return d.has('\'') && !d.width.empty() && strlen(nl_langinfo(THOUSEP)) > 1;
 }
 
-// Zero with a precision of 0 is no digit in the library.
+// The library writes nothing for zero with a precision of 0.
 bool is_vanishing_zero(const directive &d, uint64_t value) {
     return value == 0 && d.precision == ".0";
 }
