@@ -32,8 +32,8 @@ extern "C" {
 int32_t gl_cal_gregorian_to_local(locale_rec *lc, const gl_tm *from, gl_tm *to);
 int32_t gl_cal_local_to_gregorian(locale_rec *lc, const gl_tm *from, gl_tm *to);
 
-// 1 January of the year 1 to 24 January 10000, in both directions. The error word is `temperr`, here
-// and below.
+// 1 January of the year 1 to 24 January 10000, in both directions. The error word is `temperr`,
+// here and below.
 int32_t gl_cal_gregorian_to_hebrew(const gl_tm *from, gl_tm *to);
 int32_t gl_cal_hebrew_to_gregorian(const gl_tm *from, gl_tm *to);
 

@@ -16,7 +16,8 @@
 extern "C" {
 #endif
 
-// Sets the time, a Gregorian one. Returns 0, or -1 with error 2 for null and nothing changed.
+// Sets the time, a Gregorian one. Returns 0; -1 with nothing changed and error 2 for null, 31, 30 or
+// 27 for a year outside 1 to 9999, a month outside 0 to 11, a day outside 1 to 31.
 int32_t gl_set_current_time(locale_rec *lc, const gl_tm *time);
 
 // Goes back to the clock and the caller's records. Returns 0.

@@ -34,13 +34,13 @@
 //
 // Modifiers are those of numbers: flags "'", "-", "+", blank, "0", "#", a width, a point and a
 // precision. They shape a number as the number formatter does and are ignored with names and with
-// directives that stand for several pieces. Without them a number has at least two digits: %j three;
-// %iY four; %u, %w and %Y one; %e is filled with a blank.
+// directives that stand for several pieces. Without them a number has at least two digits: %j
+// three; %iY four; %u, %w and %Y one; %e is filled with a blank.
 //
 //     "%3d" -> " 29"    "%-4d|" -> "29  |"    "%.3d" -> "029"
 //
-// A locale whose calendar is Hebrew or Islamic writes the date of that calendar; the caller's record
-// is Gregorian all the same.
+// A locale whose calendar is Hebrew or Islamic writes the date of that calendar; the caller's
+// record is Gregorian all the same.
 //
 // Operations return the count of elements or bytes without the terminator. On failure they return
 // 0, leave an empty text in a destination that has room for one, and set the error word:
@@ -82,14 +82,8 @@ int32_t gl_mbsftime(locale_rec *lc, char *dst, int32_t size, const char *format,
 int32_t gl_mbsftime1(locale_rec *lc, char *dst, int32_t size, const char *format,
                      const gl_tm *time);
 
-// Return the most elements, or bytes, that a format writes for any time, without the terminator; -1
-// on failure: 9 for a mode other than 1, else as above.
-// Example  gl_mbsfmtexpand(lc, "%A %d", 1) in en_us -> 12, for "Wednesday 31"
-int32_t gl_wcsfmtexpand(locale_rec *lc, const gl_wchar *format, int32_t mode);
-int32_t gl_mbsfmtexpand(locale_rec *lc, const char *format, int32_t mode);
-
-// Gives the locale's formats of date, time, date and time, in this order. They belong to the locale.
-// Returns 0, or -1 with error 2 for a null argument.
+// Gives the locale's formats of date, time, date and time, in this order. They belong to the
+// locale. Returns 0, or -1 with error 2 for a null argument.
 int32_t gl_get_ltime_fmts(locale_rec *lc, char *out[3]);
 
 #ifdef __cplusplus

@@ -46,8 +46,7 @@ const gl_wchar *gl_wcsptime1(locale_rec *lc, const gl_wchar *text, const gl_wcha
 const gl_wchar *gl_wcsptime_internal(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
                                      gl_tm *time);
 const char *gl_mbsptime(locale_rec *lc, const char *text, const char *format, gl_alt_tm *time);
-const char *gl_mbsptime_internal(locale_rec *lc, const char *text, const char *format,
-                                 gl_tm *time);
+const char *gl_mbsptime_internal(locale_rec *lc, const char *text, const char *format, gl_tm *time);
 
 #ifdef __cplusplus
 }

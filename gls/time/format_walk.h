@@ -1,0 +1,290 @@
+// The walk through a time format, for those who write, measure or scan by it.
+//
+// The walk reads directives and takes formats that stand for other formats apart; a visitor does
+// the rest. All of it exists for wide and for multibyte text. Results are error numbers, GLS_OK
+// among them.
+//
+//     class visitor : public format_visit<unit> {
+//         int32_t text(const unit *start, const unit *end);      // what stands for itself
+//         int32_t character(char c);                             // %%, %n, %t, separators
+//         int32_t number(const time_number &, const directive &);
+//         int32_t fraction(const directive &);
+//         int32_t name(name_list);
+//         int32_t half_day();
+//         int32_t era_name(const text_field<era_rec> &);
+//         int32_t era_year(const directive &);
+//         int32_t era_form();
+//     };
+//     walk_format(visitor, format);
+
+#pragma once
+
+#include "gls/gls_errors.h"
+#include "gls/locale_rec.h"
+#include "gls/time/calendars.h"
+#include "gls/time/conversions.h"
+#include "gls/time/text_cursor.h"
+
+#include <kestrion/number_format.h>
+
+#include <algorithm>
+#include <stddef.h>
+#include <stdint.h>
+
+namespace kestrion {
+
+// Formats may stand for each other. Names of formats that lead back to themselves end at the depth,
+// those that fan out at the count.
+inline constexpr int32_t deepest_format = 8;
+inline constexpr int32_t most_nested_formats = 10000;
+
+// How a directive wants its number shaped.
+struct number_shape {
+    bool as_usual = true; // no modifiers
+    int32_t width = gl_modifier_unset;
+    int32_t precision = gl_modifier_unset;
+    uint32_t flags = 0;
+};
+
+struct directive {
+    const time_conversion *conversion;
+    number_shape shape;
+    bool own_digits; // of the locale
+    int32_t fraction_digits;
+};
+
+// What a null locale has: no names and no formats.
+extern const time_rec no_time;
+
+// The state of a walk.
+template <class unit> struct format_visit {
+    explicit format_visit(locale_rec *locale)
+        : lc(locale), data(locale == nullptr ? no_time : locale->time_cat),
+          gregorian(calendar_of(locale) == CALENDAR_GREGORIAN),
+          has_eras(data.eras != nullptr && data.era_count > 0),
+          has_digits(data.alt_digits != nullptr && data.alt_digit_count > 0) {}
+
+    static constexpr const unit *form = nullptr; // chooses among the locale's texts
+    locale_rec *lc;
+    const time_rec &data;
+    bool gregorian;
+    bool has_eras;
+    bool has_digits;
+    int32_t depth = 0;
+    int32_t nested_formats = 0;
+};
+
+// ---- The two forms of the locale's texts
+
+template <class record>
+const char *text_in(const record &r, const text_field<record> &field, const char *) {
+    return r.*field.text;
+}
+template <class record>
+const gl_wchar *text_in(const record &r, const text_field<record> &field, const gl_wchar *) {
+    return r.*field.wide;
+}
+
+template <class unit> ptrdiff_t length_of(const unit *text) {
+    const unit *end = text;
+    while (*end != 0)
+        ++end;
+    return end - text;
+}
+
+template <class unit> struct name_table {
+    const unit *const *names;
+    int32_t count;
+};
+
+name_table<char> names_in(const time_rec &data, name_list list, const char *);
+name_table<gl_wchar> names_in(const time_rec &data, name_list list, const gl_wchar *);
+
+// The texts of numbers from 0 in the locale's own digits.
+name_table<char> own_digits_in(const time_rec &data, const char *);
+name_table<gl_wchar> own_digits_in(const time_rec &data, const gl_wchar *);
+
+inline constexpr text_field<era_rec> era_format = {&era_rec::format, &era_rec::wide_format};
+inline constexpr text_field<time_rec> am_text = {&time_rec::am, &time_rec::wide_am};
+inline constexpr text_field<time_rec> pm_text = {&time_rec::pm, &time_rec::wide_pm};
+
+// ---- Numbers that modifiers shape
+
+inline constexpr int32_t most_number_elements = 255;
+
+struct shaped_number {
+    gl_wchar text[most_number_elements];
+    int32_t length;
+};
+
+// Writes a number as the number formatter does. What `wanted` leaves open, width and precision,
+// comes from `usual`. GLS_ERR_NO_ROOM when it is too long.
+int32_t shape_number(locale_rec *lc, int64_t number, const number_shape &usual,
+                     const number_shape &wanted, shaped_number &out);
+
+// The shape that a number has by itself.
+constexpr number_shape usual_shape(int32_t precision, int32_t width = gl_modifier_unset) {
+    return {.width = width, .precision = precision};
+}
+constexpr number_shape usual_shape(const time_number &number) {
+    return usual_shape(number.precision, number.width);
+}
+
+// A fraction's precision is the digits that it is cut to, whatever a modifier asks for: fewer
+// digits would be another fraction.
+inline number_shape fraction_shape(const directive &d) {
+    number_shape shape = d.shape;
+    shape.precision = std::max(shape.precision, d.fraction_digits);
+    return shape;
+}
+
+// ---- Directives
+
+constexpr bool is_modifier(gl_wchar c) {
+    return (c >= '0' && c <= '9') || c == '\'' || c == '-' || c == '+' || c == ' ' || c == '#' ||
+           c == '.';
+}
+
+// Takes the modifiers apart; `text` is terminated and goes on behind them. `used` elements of it.
+int32_t parse_modifiers(locale_rec *lc, const gl_wchar *text, number_shape &shape, int32_t &used);
+
+// Reads modifiers through a copy: they are ASCII in either form of a format, and few.
+template <class unit>
+int32_t read_modifiers(locale_rec *lc, text_cursor<unit> &format, number_shape &shape) {
+    constexpr int32_t most_modifiers = 60;
+    gl_wchar copy[most_modifiers + 2];
+    int32_t count = 0;
+    text_cursor<unit> ahead = format;
+    for (; is_modifier(ahead.character()); ahead.advance()) {
+        if (count == most_modifiers)
+            return GLS_ERR_FORMAT;
+        copy[count++] = ahead.character();
+    }
+    copy[count] = ahead.character();
+    copy[count + 1] = 0;
+    const int32_t error = parse_modifiers(lc, copy, shape, count);
+    for (; error == GLS_OK && count > 0; --count)
+        format.advance();
+    return error;
+}
+
+template <class unit> int32_t end_of_directive(const text_cursor<unit> &format) {
+    return format.is_broken() ? GLS_ERR_BAD_CHARACTER : GLS_ERR_NO_REGISTRY; // 15: ended too early
+}
+
+template <class unit>
+int32_t take_conversion(text_cursor<unit> &format, conversion_table table,
+                        const time_conversion *&row) {
+    if (format.character() == 0)
+        return end_of_directive(format);
+    row = find_conversion(table, format.character());
+    format.advance();
+    return row == nullptr ? GLS_ERR_FORMAT : GLS_OK;
+}
+
+// Reads what follows "%". Without eras an "E", without digits of the locale's own an "O" is passed
+// over.
+template <class unit>
+int32_t read_directive(const format_visit<unit> &visit, text_cursor<unit> &format, directive &out) {
+    int32_t error = GLS_OK;
+    if (is_modifier(format.character()))
+        error = read_modifiers(visit.lc, format, out.shape);
+    auto table = conversion_table::plain;
+    if (format.character() == 'E') {
+        format.advance();
+        table = visit.has_eras ? conversion_table::era : table;
+    } else if (format.character() == 'O') {
+        format.advance();
+        out.own_digits = visit.has_digits;
+    }
+    if (error == GLS_OK)
+        error = take_conversion(format, table, out.conversion);
+    if (error == GLS_OK && out.own_digits && out.conversion->digits == digits_form::refused)
+        return GLS_ERR_FORMAT;
+    if (error == GLS_OK && out.conversion->kind == conversion_kind::prefix)
+        error = take_conversion(format, conversion_table::after_i, out.conversion);
+    if (error == GLS_OK && out.conversion->kind == conversion_kind::fraction &&
+        format.character() >= '0' && format.character() <= '0' + most_fraction_digits) {
+        out.fraction_digits = static_cast<int32_t>(format.character() - '0');
+        format.advance();
+    }
+    return error;
+}
+
+// ---- The walk
+
+template <class unit, class visitor> int32_t walk_format(visitor &visit, const unit *format);
+
+// Walks a format that stands for a directive.
+template <class unit, class visitor> int32_t put_new_fmt(visitor &visit, const unit *format) {
+    if (format == nullptr)
+        return GLS_OK;
+    if (visit.depth == deepest_format || visit.nested_formats == most_nested_formats)
+        return GLS_ERR_FORMAT;
+    ++visit.nested_formats;
+    ++visit.depth;
+    const int32_t error = walk_format(visit, format);
+    --visit.depth;
+    return error;
+}
+
+template <class visitor> int32_t visit_numbers(visitor &visit, const directive &d) {
+    int32_t error = GLS_OK;
+    for (const time_number *number : d.conversion->numbers) {
+        if (error != GLS_OK || number == nullptr)
+            break;
+        if (number != d.conversion->numbers[0])
+            error = visit.character(d.conversion->character);
+        if (error == GLS_OK)
+            error = visit.number(*number, d);
+    }
+    return error;
+}
+
+template <class unit, class visitor> int32_t visit_directive(visitor &visit, directive &d) {
+    const time_conversion &conversion = *d.conversion;
+    switch (conversion.kind) {
+    case conversion_kind::number:
+        return visit.number(*conversion.numbers[0], d);
+    case conversion_kind::numbers:
+        d.shape = {}; // of several pieces
+        return visit_numbers(visit, d);
+    case conversion_kind::fraction:
+        return visit.fraction(d);
+    case conversion_kind::name:
+        return visit.name(conversion.names);
+    case conversion_kind::half_day:
+        return visit.half_day();
+    case conversion_kind::format:
+        return put_new_fmt(visit, text_in(visit.data, *conversion.format, visit.form));
+    case conversion_kind::era_name:
+        return visit.era_name(*conversion.era_text);
+    case conversion_kind::era_year:
+        return visit.era_year(d);
+    case conversion_kind::era_form:
+        return visit.era_form();
+    default:
+        return visit.character(conversion.character);
+    }
+}
+
+template <class unit, class visitor> int32_t walk_format(visitor &visit, const unit *format) {
+    text_cursor<unit> at(visit.lc, format);
+    for (;;) {
+        const unit *start = at.at();
+        while (at.character() != '%' && at.character() != 0)
+            at.advance();
+        int32_t error = start == at.at() ? GLS_OK : visit.text(start, at.at());
+        if (error != GLS_OK || at.character() == 0)
+            return at.is_broken() ? GLS_ERR_BAD_CHARACTER : error;
+        at.advance();
+        directive d = {.fraction_digits = default_fraction_digits};
+        error = read_directive<unit>(visit, at, d);
+        if (error == GLS_OK)
+            error = visit_directive<unit>(visit, d);
+        if (error != GLS_OK)
+            return error;
+    }
+}
+
+} // namespace kestrion

@@ -1,0 +1,360 @@
+#include <kestrion/time_scan.h>
+
+#include "gls/ext_funcs.h"
+#include "gls/time/current_time.h"
+#include "gls/time/format_walk.h"
+#include "gls/time/scanned_time.h"
+#include "gls/time/text_matching.h"
+
+#include <kestrion/calendars.h>
+
+#include <algorithm>
+#include <stdint.h>
+
+using namespace kestrion;
+
+namespace {
+
+template <class unit> class time_scanner : public format_visit<unit> {
+public:
+    time_scanner(locale_rec *locale, const unit *text, const gl_tm &time)
+        : format_visit<unit>(locale), at_(locale, text), scanned_{.time = time} {}
+
+    const unit *at() const { return at_.at(); }
+    scanned_time &scanned() { return scanned_; }
+
+    int32_t text(const unit *start, const unit *end);
+    int32_t character(char c);
+    int32_t number(const time_number &number, const directive &d);
+    int32_t fraction(const directive &d);
+    int32_t name(name_list list);
+    int32_t half_day();
+    int32_t era_name(const text_field<era_rec> &field);
+    int32_t era_year(const directive &d);
+    int32_t era_form();
+
+private:
+    using visit = format_visit<unit>;
+
+    bool take_usual(int32_t most, const number_shape &shape, scanned_digits &out);
+    bool take_own(int32_t most, const number_shape &shape, int64_t &value);
+
+    text_cursor<unit> at_;
+    scanned_time scanned_;
+    int32_t own_form_ = not_read; // the era whose own format is being read
+};
+
+template <class unit> int32_t time_scanner<unit>::text(const unit *start, const unit *end) {
+    int32_t error = GLS_OK;
+    for (text_cursor<unit> format(visit::lc, start); error == GLS_OK && format.at() < end;
+         format.advance()) {
+        if (is_space(visit::lc, format.character()))
+            skip_spaces(visit::lc, at_);
+        else if (!take_character(at_, format.character()))
+            error = GLS_ERR_FORMAT;
+    }
+    return error;
+}
+
+template <class unit> int32_t time_scanner<unit>::character(char c) {
+    if (c != '\n' && c != '\t')
+        return take_character(at_, static_cast<unsigned char>(c)) ? GLS_OK : GLS_ERR_FORMAT;
+    skip_spaces(visit::lc, at_);
+    return GLS_OK;
+}
+
+// ---- Numbers
+
+template <class unit>
+bool time_scanner<unit>::take_usual(int32_t most, const number_shape &shape, scanned_digits &out) {
+    return take_number(visit::lc, at_, most, shape, take_ordinary_digit<unit>, out);
+}
+
+// In the locale's digits: the text of a number, or digit by digit what has none; whichever is
+// longer. Ordinary digits do as well.
+template <class unit>
+bool time_scanner<unit>::take_own(int32_t most, const number_shape &shape, int64_t &value) {
+    constexpr int32_t ten = 10;
+    const auto own = own_digits_in(visit::data, static_cast<const gl_wchar *>(nullptr));
+    skip_spaces(visit::lc, at_);
+    longest_match<unit> whole = {.start = at_};
+    for (int32_t i = 0; i < own.count; ++i)
+        whole.offer(visit::lc, own.names[i], i);
+    const auto take_digit = [&](text_cursor<unit> &at, scanned_digits &digits) {
+        longest_match<unit> digit = {.start = at};
+        for (int32_t i = 0; i < ten; ++i)
+            digit.offer(visit::lc, own.names[i], i);
+        at = digit.end;
+        if (digit.length > 0)
+            digits.add(digit.chosen);
+        return digit.length > 0;
+    };
+    scanned_digits by_digit;
+    text_cursor<unit> end = at_;
+    if (own.count >= ten && take_number(visit::lc, end, most, shape, take_digit, by_digit) &&
+        by_digit.value >= own.count && end.at() > whole.end.at()) {
+        at_ = end;
+        value = by_digit.value;
+        return true;
+    }
+    if (whole.length > 0) {
+        at_ = whole.end;
+        value = whole.chosen;
+        return true;
+    }
+    scanned_digits usual;
+    const bool taken = take_usual(most, shape, usual);
+    value = usual.value;
+    return taken;
+}
+
+template <class unit>
+int32_t time_scanner<unit>::number(const time_number &number, const directive &d) {
+    scanned_digits digits;
+    if (d.own_digits ? !take_own(number.digits, d.shape, digits.value)
+                     : !take_usual(number.digits, d.shape, digits))
+        return GLS_ERR_FORMAT;
+    const int32_t highest = number.scan_high + (visit::gregorian ? 0 : number.more_elsewhere);
+    if (digits.value < number.scan_low || digits.value > highest)
+        return number.error;
+    store_number(scanned_, number, static_cast<int32_t>(digits.value));
+    return GLS_OK;
+}
+
+// Fewer digits than the directive writes are the first ones of a fraction all the same.
+template <class unit> int32_t time_scanner<unit>::fraction(const directive &d) {
+    scanned_digits digits;
+    if (d.fraction_digits == 0)
+        return GLS_OK;
+    if (!take_usual(d.fraction_digits, d.shape, digits))
+        return GLS_ERR_FORMAT;
+    for (int32_t i = std::min(digits.count, d.fraction_digits); i < record_fraction_digits; ++i)
+        digits.value *= 10;
+    if (digits.value > largest_fraction)
+        return GLS_ERR_FRACTION;
+    scanned_.time.fraction = digits.value;
+    return GLS_OK;
+}
+
+// ---- Names
+
+template <class unit> int32_t time_scanner<unit>::name(name_list list) {
+    const bool of_day = list == name_list::day || list == name_list::abday;
+    longest_match<unit> match = {.start = at_};
+    for (const name_list names_of :
+         {of_day ? name_list::day : name_list::mon, of_day ? name_list::abday : name_list::abmon}) {
+        const auto names = names_in(visit::data, names_of, static_cast<const gl_wchar *>(nullptr));
+        for (int32_t i = 0; i < names.count; ++i)
+            match.offer(visit::lc, names.names[i], i);
+    }
+    if (match.length < 1)
+        return GLS_ERR_FORMAT;
+    at_ = match.end;
+    if (of_day) {
+        scanned_.time.weekday = match.chosen;
+    } else {
+        scanned_.time.month_name = match.chosen;
+        scanned_.month_by_name = scanned_.has_date = true;
+    }
+    return GLS_OK;
+}
+
+// A locale with neither text has nothing to say, and nothing changes.
+template <class unit> int32_t time_scanner<unit>::half_day() {
+    longest_match<unit> match = {.start = at_};
+    match.offer(visit::lc, visit::data.wide_am, 0);
+    match.offer(visit::lc, visit::data.wide_pm, 1);
+    const bool has_texts = visit::data.wide_am != nullptr && visit::data.wide_pm != nullptr &&
+                           (*visit::data.wide_am != 0 || *visit::data.wide_pm != 0);
+    if (!has_texts)
+        return GLS_OK;
+    if (match.chosen == not_read)
+        return GLS_ERR_FORMAT;
+    at_ = match.end;
+    scanned_.half_day = match.chosen;
+    return GLS_OK;
+}
+
+// ---- Eras
+
+// Within an era's own format only its own name will do: the first year of one era must not be read
+// as that of another which also writes it without a number.
+template <class unit> int32_t time_scanner<unit>::era_name(const text_field<era_rec> &field) {
+    longest_match<unit> match = {.start = at_};
+    for (int32_t i = 0; i < visit::data.era_count; ++i)
+        if (own_form_ == not_read || own_form_ == i)
+            match.offer(visit::lc, visit::data.eras[i].*field.wide, i);
+    if (match.chosen == not_read)
+        return GLS_ERR_FORMAT;
+    at_ = match.end;
+    scanned_.era = match.chosen;
+    scanned_.era_text = &field;
+    scanned_.has_date = true;
+    return GLS_OK;
+}
+
+template <class unit> int32_t time_scanner<unit>::era_year(const directive &d) {
+    scanned_digits digits;
+    if (!take_usual(era_year_scan_digits, d.shape, digits))
+        return GLS_ERR_FORMAT;
+    scanned_.era_year = digits.value;
+    scanned_.has_era_year = scanned_.has_date = true;
+    return GLS_OK;
+}
+
+// The first era whose format fits. A format without a year is that of the era's first one.
+template <class unit> int32_t time_scanner<unit>::era_form() {
+    const text_cursor<unit> start = at_;
+    const scanned_time before = scanned_;
+    const int32_t outer_form = own_form_;
+    int32_t error = GLS_ERR_FORMAT;
+    for (int32_t i = 0; error != GLS_OK && i < visit::data.era_count; ++i) {
+        at_ = start;
+        scanned_ = before;
+        scanned_.era = own_form_ = i;
+        scanned_.era_text = nullptr;
+        scanned_.has_era_year = false;
+        scanned_.has_date = true;
+        error = put_new_fmt(*this, text_in(visit::data.eras[i], era_format, visit::form));
+    }
+    own_form_ = outer_form;
+    if (error == GLS_OK && !scanned_.has_era_year) {
+        scanned_.era_itself = scanned_.has_era_year = true;
+        scanned_.era_year = visit::data.eras[scanned_.era].offset;
+    }
+    return error;
+}
+
+// ---- What the operations share
+
+// Scans into a record of the locale's calendar.
+template <class unit>
+const unit *scan_local(locale_rec *lc, const unit *text, const unit *format, gl_tm &time,
+                       bool &has_date) {
+    time_scanner<unit> scanner(lc, text, time);
+    int32_t error = walk_format(scanner, format);
+    if (error == GLS_OK)
+        error = settle(lc, scanner.scanned());
+    if (error != GLS_OK) {
+        set_engine_error(lc, error);
+        return nullptr;
+    }
+    time = scanner.scanned().time;
+    has_date = scanner.scanned().has_date;
+    return scanner.at();
+}
+
+// The date of another calendar that a scan begins with: the caller's, where that is a date.
+bool begin_local(locale_rec *lc, const gl_tm &from, gl_tm &local) {
+    const int32_t calendar = calendar_of(lc);
+    if (calendar != CALENDAR_HEBREW && calendar != CALENDAR_ISLAMIC) {
+        set_engine_error(lc, GLS_ERR_CALENDAR);
+        return false;
+    }
+    const int32_t error_before = *_gl_ext_errno(lc);
+    local = from;
+    if (gl_cal_gregorian_to_local(lc, &from, &local) != 0)
+        set_engine_error(lc, error_before);
+    local.weekday = from.weekday;
+    return true;
+}
+
+// Puts the date of another calendar back. A scan without a date leaves the one that was there.
+bool end_local(locale_rec *lc, const gl_tm &local, bool has_date, gl_tm &time) {
+    if (has_date)
+        return gl_cal_local_to_gregorian(lc, &local, &time) == 0;
+    const gl_tm date = time;
+    time = local;
+    time.day = date.day;
+    time.month = date.month;
+    time.month_name = date.month_name;
+    time.year = date.year;
+    time.day_of_year = date.day_of_year;
+    return true;
+}
+
+template <class unit>
+const unit *scan_gregorian(locale_rec *lc, const unit *text, const unit *format, gl_tm &time) {
+    bool has_date = false;
+    if (calendar_of(lc) == CALENDAR_GREGORIAN)
+        return scan_local(lc, text, format, time, has_date);
+    gl_tm local;
+    if (!begin_local(lc, time, local))
+        return nullptr;
+    const unit *rest = scan_local(lc, text, format, local, has_date);
+    return rest != nullptr && end_local(lc, local, has_date, time) ? rest : nullptr;
+}
+
+template <class unit, class record>
+bool has_arguments(locale_rec *lc, const unit *text, const unit *format, const record *time) {
+    const bool given = text != nullptr && format != nullptr && time != nullptr;
+    if (!given)
+        set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
+    return given;
+}
+
+gl_tm start_of_scan(const gl_tm &callers) {
+    const gl_tm *set = time_that_was_set();
+    return set == nullptr ? callers : *set;
+}
+
+template <class unit>
+const unit *scan_time(locale_rec *lc, const unit *text, const unit *format, gl_tm *time) {
+    if (!has_arguments(lc, text, format, time))
+        return nullptr;
+    gl_tm scanned = start_of_scan(*time);
+    const unit *rest = scan_gregorian(lc, text, format, scanned);
+    if (rest != nullptr)
+        *time = scanned;
+    return rest;
+}
+
+template <class unit>
+const unit *scan_time(locale_rec *lc, const unit *text, const unit *format, gl_alt_tm *time) {
+    if (!has_arguments(lc, text, format, time))
+        return nullptr;
+    gl_tm whole;
+    alt_tm_to_tm(time, &whole);
+    const unit *rest = scan_time(lc, text, format, &whole);
+    if (rest != nullptr)
+        tm_to_alt_tm(&whole, time);
+    return rest;
+}
+
+template <class unit>
+const unit *scan_internal(locale_rec *lc, const unit *text, const unit *format, gl_tm *time) {
+    if (!has_arguments(lc, text, format, time))
+        return nullptr;
+    bool has_date;
+    gl_tm scanned = start_of_scan(*time);
+    const unit *rest = scan_local(lc, text, format, scanned, has_date);
+    if (rest != nullptr)
+        *time = scanned;
+    return rest;
+}
+
+} // namespace
+
+const gl_wchar *gl_wcsptime(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
+                            gl_alt_tm *time) {
+    return scan_time(lc, text, format, time);
+}
+
+const gl_wchar *gl_wcsptime1(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
+                             gl_tm *time) {
+    return scan_time(lc, text, format, time);
+}
+
+const gl_wchar *gl_wcsptime_internal(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
+                                     gl_tm *time) {
+    return scan_internal(lc, text, format, time);
+}
+
+const char *gl_mbsptime(locale_rec *lc, const char *text, const char *format, gl_alt_tm *time) {
+    return scan_time(lc, text, format, time);
+}
+
+const char *gl_mbsptime_internal(locale_rec *lc, const char *text, const char *format,
+                                 gl_tm *time) {
+    return scan_internal(lc, text, format, time);
+}
