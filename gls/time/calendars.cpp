@@ -1,6 +1,6 @@
 #include <kestrion/calendars.h>
 
-#include "gls/ext_funcs.h"
+#include "gls/base/engine_error.h"
 #include "gls/time/calendars.h"
 #include "gls/time/day_number.h"
 
@@ -184,12 +184,7 @@ int32_t convert(const calendar &from_calendar, const gl_tm *from, const calendar
 }
 
 // The result of an operation that ends with `error`.
-int32_t answer(locale_rec *lc, int32_t error) {
-    if (error == GLS_OK)
-        return 0;
-    set_engine_error(lc, error);
-    return -1;
-}
+int32_t answer(locale_rec *lc, int32_t error) { return error == GLS_OK ? 0 : fail(lc, error); }
 
 int32_t copy(const gl_tm *from, gl_tm *to) {
     if (from == nullptr || to == nullptr)

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "gls/locale_rec.h"
+#include <kestrion/locale_rec.h>
 
 #include <stdint.h>
 

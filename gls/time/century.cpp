@@ -1,8 +1,9 @@
 #include <kestrion/century.h>
 
-#include "gls/ext_funcs.h"
+#include "gls/base/engine_error.h"
 #include "gls/time/current_time.h"
 #include "gls/time/day_number.h"
+#include <kestrion/ext_funcs.h>
 
 #include <compare>
 
@@ -84,10 +85,8 @@ int32_t gl_getcenturyloc(locale_rec *lc, int32_t month, int32_t day, int32_t yy,
     candidates c = {};
     if (error == GLS_OK && !find_today(c.today))
         error = GLS_ERR_FILE;
-    if (error != GLS_OK) {
-        set_engine_error(lc, error);
-        return -1;
-    }
+    if (error != GLS_OK)
+        return fail(lc, error);
     const int64_t present = c.today.year / 100;
     c.date = {present * 100 + yy, month, day};
     const int64_t shift = letter == 'P'   ? latest_before(c)

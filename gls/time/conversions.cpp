@@ -1,6 +1,6 @@
 #include "gls/time/conversions.h"
 
-#include "gls/gls_errors.h"
+#include <kestrion/gls_errors.h>
 
 #include <iterator>
 #include <stddef.h>

@@ -4,10 +4,9 @@
 
 #pragma once
 
-#include "gls/category_data.h"
-#include "gls/locale_rec.h"
-
+#include "gls/objects/category_data.h"
 #include <kestrion/broken_down_time.h>
+#include <kestrion/locale_rec.h>
 
 #include <stdint.h>
 

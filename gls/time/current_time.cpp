@@ -1,6 +1,6 @@
 #include <kestrion/current_time.h>
 
-#include "gls/ext_funcs.h"
+#include "gls/base/engine_error.h"
 #include "gls/time/current_time.h"
 
 namespace {
@@ -32,10 +32,8 @@ const gl_tm *time_that_was_set() { return present.is_set ? &present.time : nullp
 
 int32_t gl_set_current_time(locale_rec *lc, const gl_tm *time) {
     const int32_t error = error_of_date(time);
-    if (error != GLS_OK) {
-        kestrion::set_engine_error(lc, error);
-        return -1;
-    }
+    if (error != GLS_OK)
+        return kestrion::fail(lc, error);
     present = {.is_set = true, .time = *time};
     return 0;
 }

@@ -19,12 +19,11 @@
 
 #pragma once
 
-#include "gls/gls_errors.h"
-#include "gls/locale_rec.h"
 #include "gls/time/calendars.h"
 #include "gls/time/conversions.h"
 #include "gls/time/text_cursor.h"
-
+#include <kestrion/gls_errors.h>
+#include <kestrion/locale_rec.h>
 #include <kestrion/number_format.h>
 
 #include <algorithm>

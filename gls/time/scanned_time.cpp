@@ -1,10 +1,9 @@
 #include "gls/time/scanned_time.h"
 
-#include "gls/gls_errors.h"
 #include "gls/time/calendars.h"
 #include "gls/time/era_lookup.h"
-
 #include <kestrion/era_lookup.h>
+#include <kestrion/gls_errors.h>
 
 namespace kestrion {
 namespace {

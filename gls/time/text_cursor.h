@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "gls/char_convert.h"
-#include "gls/char_walk.h"
-#include "gls/locale_rec.h"
+#include "gls/text/char_walk.h"
+#include <kestrion/char_convert.h>
+#include <kestrion/locale_rec.h>
 
 #include <stdint.h>
 

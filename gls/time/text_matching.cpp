@@ -1,7 +1,7 @@
 #include "gls/time/text_matching.h"
 
-#include "gls/char_case.h"
-#include "gls/ctype_masks.h"
+#include <kestrion/char_case.h>
+#include <kestrion/ctype_masks.h>
 
 namespace kestrion {
 namespace {

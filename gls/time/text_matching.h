@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "gls/locale_rec.h"
 #include "gls/time/format_walk.h"
 #include "gls/time/text_cursor.h"
+#include <kestrion/locale_rec.h>
 
 #include <algorithm>
 #include <stdint.h>

@@ -1,6 +1,6 @@
 #include <kestrion/time_expand.h>
 
-#include "gls/ext_funcs.h"
+#include "gls/base/engine_error.h"
 #include "gls/time/era_lookup.h"
 #include "gls/time/format_walk.h"
 
@@ -199,8 +199,7 @@ template <class unit> int32_t measure(locale_rec *lc, const unit *format, int32_
         error = GLS_ERR_NO_ROOM;
     if (error == GLS_OK)
         return static_cast<int32_t>(visit.total());
-    set_engine_error(lc, error);
-    return -1;
+    return fail(lc, error);
 }
 
 } // namespace

@@ -1,10 +1,9 @@
 #include <kestrion/time_format.h>
 
-#include "gls/ext_funcs.h"
+#include "gls/base/engine_error.h"
 #include "gls/numbers/multibyte_twin.h"
 #include "gls/time/era_lookup.h"
 #include "gls/time/format_walk.h"
-
 #include <kestrion/calendars.h>
 #include <kestrion/era_lookup.h>
 
@@ -310,10 +309,8 @@ int32_t gl_mbsftime1(locale_rec *lc, char *dst, int32_t size, const char *format
 }
 
 int32_t gl_get_ltime_fmts(locale_rec *lc, char *out[3]) {
-    if (lc == nullptr || out == nullptr) {
-        set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
-        return -1;
-    }
+    if (lc == nullptr || out == nullptr)
+        return fail(lc, GLS_ERR_NULL_ARGUMENT);
     out[0] = lc->time_cat.d_fmt;
     out[1] = lc->time_cat.t_fmt;
     out[2] = lc->time_cat.d_t_fmt;

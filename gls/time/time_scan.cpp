@@ -1,12 +1,12 @@
 #include <kestrion/time_scan.h>
 
-#include "gls/ext_funcs.h"
+#include "gls/base/engine_error.h"
 #include "gls/time/current_time.h"
 #include "gls/time/format_walk.h"
 #include "gls/time/scanned_time.h"
 #include "gls/time/text_matching.h"
-
 #include <kestrion/calendars.h>
+#include <kestrion/ext_funcs.h>
 
 #include <algorithm>
 #include <stdint.h>
@@ -247,10 +247,8 @@ const unit *scan_local(locale_rec *lc, const unit *text, const unit *format, gl_
 // The date of another calendar that a scan begins with: the caller's, where that is a date.
 bool begin_local(locale_rec *lc, const gl_tm &from, gl_tm &local) {
     const int32_t calendar = calendar_of(lc);
-    if (calendar != CALENDAR_HEBREW && calendar != CALENDAR_ISLAMIC) {
-        set_engine_error(lc, GLS_ERR_CALENDAR);
-        return false;
-    }
+    if (calendar != CALENDAR_HEBREW && calendar != CALENDAR_ISLAMIC)
+        return refuse(lc, GLS_ERR_CALENDAR);
     const int32_t error_before = *_gl_ext_errno(lc);
     local = from;
     if (gl_cal_gregorian_to_local(lc, &from, &local) != 0)
@@ -287,10 +285,8 @@ const unit *scan_gregorian(locale_rec *lc, const unit *text, const unit *format,
 
 template <class unit, class record>
 bool has_arguments(locale_rec *lc, const unit *text, const unit *format, const record *time) {
-    const bool given = text != nullptr && format != nullptr && time != nullptr;
-    if (!given)
-        set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
-    return given;
+    return (text != nullptr && format != nullptr && time != nullptr) ||
+           refuse(lc, GLS_ERR_NULL_ARGUMENT);
 }
 
 gl_tm start_of_scan(const gl_tm &callers) {

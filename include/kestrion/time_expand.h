@@ -8,7 +8,7 @@
 
 #pragma once
 
-#include "gls/locale_rec.h"
+#include <kestrion/locale_rec.h>
 
 #include <stdint.h>
 

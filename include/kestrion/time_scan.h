@@ -29,9 +29,8 @@
 
 #pragma once
 
-#include "gls/locale_rec.h"
-
 #include <kestrion/broken_down_time.h>
+#include <kestrion/locale_rec.h>
 
 #include <stdint.h>
 
