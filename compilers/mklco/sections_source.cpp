@@ -12,6 +12,7 @@ namespace {
 
 constexpr size_t most_alternative_digits = 100;
 constexpr int64_t source_group_end = 127; // the other way to write -1
+constexpr size_t hebrew_month_names = 13; // from Tishri, with Adar I of leap years at index 5
 
 // Keywords whose data the object has no place for and nobody misses.
 constexpr std::string_view passed_over[] = {
@@ -67,6 +68,8 @@ private:
     void set_defaults(const object_field &field, object_field_value &value) const;
     void complete_twelve_hours();
     void check_symbol(const source_statement &statement);
+    void set_era_formats();
+    size_t text_count(const object_field &field) const;
     std::string era(const source_statement &statement, size_t token);
     std::string text(const source_statement &statement, size_t token, bool format);
     static int64_t number(const source_statement &statement, size_t token);
@@ -107,8 +110,10 @@ void sections_compiler::read(object_section section) {
     for (size_t i = 0; i < object_field_count; ++i)
         if (object_fields[i].section == section)
             set_defaults(object_fields[i], object_.fields[i]);
-    if (section == object_section::time)
+    if (section == object_section::time) {
         complete_twelve_hours();
+        set_era_formats();
+    }
 }
 
 // A locale with texts for both halves of the day can write the time by them.
@@ -200,6 +205,13 @@ std::vector<int64_t> sections_compiler::groups(const source_statement &statement
     return sizes;
 }
 
+// How many texts a field has; 0 for a list of any length.
+size_t sections_compiler::text_count(const object_field &field) const {
+    const bool months = field.kind == field_kind::counted && field.count != 0;
+    const bool hebrew = object_.field(object_section::time, "calendar").texts[0] == "hebrew";
+    return months && hebrew ? hebrew_month_names : field.count;
+}
+
 void sections_compiler::set_texts(const object_field &field, const source_statement &statement,
                                   std::vector<size_t> operands, object_field_value &value) {
     std::string_view keyword = field.keyword;
@@ -210,12 +222,16 @@ void sections_compiler::set_texts(const object_field &field, const source_statem
                    "the object holds those of 0 to 99");
         operands.resize(most_alternative_digits);
     }
-    bool list = field.kind == field_kind::counted && field.count == 0;
-    if (!list && operands.size() != field.count)
-        throw source_error(statement.place(),
-                           std::string(keyword) + " has " + std::to_string(operands.size()) +
-                               " texts",
-                           "give " + std::to_string(field.count));
+    const size_t count = text_count(field);
+    const bool list = field.kind == field_kind::counted && count == 0;
+    if (!list && operands.size() != count)
+        throw source_error(
+            statement.place(),
+            std::string(keyword) + " has " + std::to_string(operands.size()) + " texts",
+            "give " + std::to_string(count) +
+                (count == hebrew_month_names
+                     ? ": the months of the Hebrew calendar from Tishri, Adar I the sixth"
+                     : ""));
     value.texts.clear();
     for (size_t token : operands) {
         value.texts.push_back(keyword == "era" ? era(statement, token)
@@ -266,7 +282,7 @@ void sections_compiler::set_defaults(const object_field &field, object_field_val
     } else if (field.kind == field_kind::texts ||
                (field.kind == field_kind::counted && field.count != 0)) {
         bool sign = field.section == object_section::numeric && value.texts.empty();
-        value.texts.resize(field.count);
+        value.texts.resize(text_count(field));
         if (sign && keyword == "positive_sign")
             value.texts[0] = encoder_.encode_ascii("+");
         if (sign && keyword == "negative_sign")
@@ -291,6 +307,20 @@ bool era_date(std::string_view text, int64_t &date) {
     }
     date = (negative ? -part[0] : part[0]) * 512 + part[1] * 32 + part[2];
     return at == text.size() && part[1] >= 1 && part[1] <= 12 && part[2] >= 1 && part[2] <= 31;
+}
+
+// A date with the year counted through. Sources have no year 0: the year before 1 is -1, and the
+// runtime's 0.
+std::string with_year_0(std::string_view date) {
+    if (!date.starts_with('-'))
+        return std::string(date);
+    std::string shifted(date.substr(1));
+    const size_t digits = shifted.find('/');
+    const std::string year = std::to_string(std::stoi(shifted) - 1);
+    if (shifted.find_first_not_of('0') == digits)
+        return shifted; // -0 is 0
+    shifted.replace(0, digits, std::string(digits - year.size(), '0') + year);
+    return shifted.find_first_not_of('0') == digits ? shifted : "-" + shifted;
 }
 
 std::string sections_compiler::era(const source_statement &statement, size_t token) {
@@ -325,9 +355,25 @@ std::string sections_compiler::era(const source_statement &statement, size_t tok
     std::string format = encoder_.encode(from, rewrite_format(from, fields[5]), text_use::format);
     std::string colon = encoder_.encode_ascii(":");
     std::string text = encoder_.encode_ascii(backward ? "-" : "+");
-    for (size_t i = 1; i < plain.size(); ++i)
-        text.append(colon).append(encoder_.encode_ascii(plain[i]));
+    const std::string end_text = open_end ? plain[3] : with_year_0(plain[3]);
+    for (const std::string &part : {plain[1], with_year_0(plain[2]), end_text})
+        text.append(colon).append(encoder_.encode_ascii(part));
     return text.append(colon).append(name).append(colon).append(name).append(colon).append(format);
+}
+
+// An era form that the source leaves out is the plain one, so that a format which asks for it still
+// says something.
+void sections_compiler::set_era_formats() {
+    constexpr struct {
+        std::string_view era, plain;
+    } formats[] = {{"era_d_fmt", "d_fmt"}, {"era_t_fmt", "t_fmt"}, {"era_d_t_fmt", "d_t_fmt"}};
+    if (object_.field(object_section::time, "era").texts.empty())
+        return;
+    for (const auto &format : formats) {
+        std::string &text = object_.field(object_section::time, format.era).texts[0];
+        if (text.empty())
+            text = object_.field(object_section::time, format.plain).texts[0];
+    }
 }
 
 void sections_compiler::tell_losses() {

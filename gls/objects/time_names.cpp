@@ -35,13 +35,15 @@ int32_t copy_names(int32_t count, Text text, gl_names_alloc alloc, char ***texts
 
 int32_t gl_mbstimeinfo_ext(const locale_rec *lc, int32_t kind, gl_names_alloc alloc, char ***texts,
                            int32_t *count) {
-    if (lc == nullptr || (kind != GL_NAMES_MON && kind != GL_NAMES_ABMON))
+    if (lc == nullptr || kind < GL_NAMES_DAY || kind > GL_NAMES_ABMON)
         return -1;
     const time_rec &time = lc->time_cat;
-    char *const *names = kind == GL_NAMES_MON ? time.mon : time.abmon;
+    char *const *const lists[] = {time.day, time.abday, time.mon, time.abmon};
+    char *const *names = lists[kind - GL_NAMES_DAY];
+    const bool of_days = kind == GL_NAMES_DAY || kind == GL_NAMES_ABDAY;
     return copy_names(
-        names != nullptr ? time.month_count : 0, [&](size_t i) { return names[i]; }, alloc, texts,
-        count);
+        of_days ? gl_week_days : names != nullptr ? time.month_count : 0,
+        [&](size_t i) { return names[i]; }, alloc, texts, count);
 }
 
 int32_t gl_mbstimeinfo(const locale_rec *lc, int32_t kind, gl_names_alloc alloc, char ***texts,

@@ -24,7 +24,8 @@
 #include "gls/time/text_cursor.h"
 #include <kestrion/gls_errors.h>
 #include <kestrion/locale_rec.h>
-#include <kestrion/number_format.h>
+#include <kestrion/format_modifiers.h>
+#include <kestrion/integer_format.h>
 
 #include <algorithm>
 #include <stddef.h>

@@ -9,6 +9,8 @@
 
 // Kinds of names.
 enum {
+    GL_NAMES_DAY = 1,       // weekday names in full, from Sunday
+    GL_NAMES_ABDAY = 2,     // abbreviated weekday names
     GL_NAMES_MON = 3,       // month names in full
     GL_NAMES_ABMON = 4,     // abbreviated month names
     GL_NAMES_ERA_FIRST = 5, // first name texts of the eras
@@ -21,9 +23,8 @@ typedef void *(*gl_names_alloc)(size_t size);
 extern "C" {
 #endif
 
-// Stores in *texts an array of *count new texts in the locale's code set: month names for
-// GL_NAMES_MON and GL_NAMES_ABMON (gl_mbstimeinfo_ext), era names for the other two
-// (gl_mbstimeinfo).
+// Stores in *texts an array of *count new texts in the locale's code set: the first four kinds
+// (gl_mbstimeinfo_ext), the era names (gl_mbstimeinfo).
 // alloc   is called once, for a block that holds array and texts and belongs to the caller.
 // Returns 0, with *texts null when the locale has no such names; -1 for another kind, a null locale
 //         (nothing stored) or no memory.

@@ -263,12 +263,57 @@ TEST_F(Mklco, ErasGetTheSignOfTheirDirection) {
     mklco({"--list", "-olist", "new.lco"});
     EXPECT_EQ(between(content("list"), "LC_TIME era ", "\n"),
               "\"+:2:2020/01/01:+*:R:R:%EC%Ey\" \"+:1:2019/05/01:2019/12/31:R:R:%EC\" "
-              "\"-:1:-0001/12/31:-*:B:B:%EC\" \"-:1:1911/12/31:1900/01/01:X:X:%EC\"");
+              "\"-:1:0000/12/31:-*:B:B:%EC\" \"-:1:1911/12/31:1900/01/01:X:X:%EC\"");
     for (const char *bad :
          {"+:1:2019//05:+*:R:%EC", "+:1:2019//05//01:+*:R", "+:1:2019//13//01:+*:R:%EC",
           "+:1:2019-05-01:+*:R:%EC", "+:9999999999:2019//05//01:+*:R:%EC",
           "*:1:2019//05//01:+*:R:%EC", "+:x:2019//05//01:+*:R:%EC"})
         EXPECT_EQ(compile("", "", "era \"" + std::string(bad) + "\"\n").status, 4) << bad;
+}
+
+TEST_F(Mklco, YearsOfErasAreCountedThroughZero) {
+    const struct {
+        const char *source, *object;
+    } rows[] = {
+        {"-0001//12//31:-*", "0000/12/31:-*"},
+        {"-543//01//01:+*", "-542/01/01:+*"},
+        {"-1000//1//1:-999//1//1", "-0999/1/1:-998/1/1"},
+        {"-0//1//1:-10//1//1", "0/1/1:-09/1/1"},
+        {"0001//01//01:+*", "0001/01/01:+*"},
+    };
+    for (const auto &row : rows) {
+        ASSERT_EQ(compile("", "", "era \"+:1:" + std::string(row.source) + ":N:%EC\"\n").status, 1);
+        mklco({"--list", "-olist", "new.lco"});
+        const std::string era = between(content("list"), "LC_TIME era ", "\n");
+        EXPECT_EQ(era.substr(5, era.size() - 14), row.object) << row.source;
+    }
+}
+
+TEST_F(Mklco, MissingEraFormatsAreThePlainOnes) {
+    const std::string plain = "d_fmt \"%d\"\nt_fmt \"%H\"\nd_t_fmt \"%d %H\"\nera_t_fmt \"%EC\"\n";
+    const auto era_formats = [&](const std::string &eras) {
+        EXPECT_EQ(compile("", "", plain + eras).status, 1);
+        mklco({"--list", "-olist", "new.lco"});
+        return between(content("list"), "LC_TIME era_d_fmt ", "LC_TIME alt_digits");
+    };
+    EXPECT_EQ(era_formats(""), "\"\"\nLC_TIME era_t_fmt \"%EC\"\nLC_TIME era_d_t_fmt \"\"\n");
+    EXPECT_EQ(era_formats("era \"+:1:1//1//1:+*:N:%EC\"\n"),
+              "\"%d\"\nLC_TIME era_t_fmt \"%EC\"\nLC_TIME era_d_t_fmt \"%d %H\"\n");
+}
+
+TEST_F(Mklco, HebrewCalendarsHaveThirteenMonthNames) {
+    std::string twelve = "mon \"1\"";
+    for (int month = 2; month <= 12; ++month)
+        twelve += ";\"" + std::to_string(month) + "\"";
+    const std::string thirteen = twelve + ";\"13\"\n";
+    twelve += "\n";
+    EXPECT_EQ(compile("", "", twelve).status, 1);
+    EXPECT_EQ(compile("", "", thirteen).status, 4);
+    EXPECT_EQ(compile("", "", thirteen, "", {"--calendar=hebrew"}).status, 1);
+    const outcome refused = compile("", "", twelve, "", {"--calendar=hebrew"});
+    EXPECT_EQ(refused.status, 4);
+    EXPECT_NE(refused.said.find("mon has 12 texts"), std::string::npos) << refused.said;
+    EXPECT_NE(refused.said.find("give 13"), std::string::npos) << refused.said;
 }
 
 TEST_F(Mklco, CaseTablesHoldWhatIsNotOneToOne) {
