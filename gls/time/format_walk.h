@@ -22,10 +22,10 @@
 #include "gls/time/calendars.h"
 #include "gls/time/conversions.h"
 #include "gls/time/text_cursor.h"
-#include <kestrion/gls_errors.h>
-#include <kestrion/locale_rec.h>
 #include <kestrion/format_modifiers.h>
+#include <kestrion/gls_errors.h>
 #include <kestrion/integer_format.h>
+#include <kestrion/locale_rec.h>
 
 #include <algorithm>
 #include <stddef.h>

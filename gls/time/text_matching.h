@@ -42,7 +42,8 @@ bool take_text(locale_rec *lc, text_cursor<unit> &at, const gl_wchar *text, int3
     return text != nullptr;
 }
 
-// The longest of some texts; the first of two that are as long. Empty ones match everywhere.
+// The longest of some texts; the first of two that are as long. Empty ones match everywhere. Blanks
+// that a text begins with may have gone to white space of the format before it.
 template <class unit> struct longest_match {
     text_cursor<unit> start;
     text_cursor<unit> end = start;
@@ -52,6 +53,8 @@ template <class unit> struct longest_match {
     void offer(locale_rec *lc, const gl_wchar *text, int32_t choice) {
         text_cursor<unit> at = start;
         int32_t found;
+        while (text != nullptr && is_space(lc, *text) && !is_space(lc, at.character()))
+            ++text;
         if (take_text(lc, at, text, found) && found > length) {
             end = at;
             chosen = choice;
