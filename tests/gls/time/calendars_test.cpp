@@ -77,7 +77,7 @@ TEST(Calendars, EveryHebrewDateIsIcusBothWays) {
     icu_calendar icu("he_IL@calendar=hebrew");
     int differences = 0;
     for (int64_t day = day_1600; day < day_2401; ++day) {
-        const gl_tm gregorian = record_of(moment_of(day, 0));
+        const gl_tm gregorian = record_of(moment_on_day(day, 0));
         gl_tm hebrew, back;
         ASSERT_EQ(gl_cal_gregorian_to_hebrew(&gregorian, &hebrew), 0);
         ASSERT_EQ(gl_cal_hebrew_to_gregorian(&hebrew, &back), 0);
@@ -90,8 +90,9 @@ TEST(Calendars, EveryHebrewDateIsIcusBothWays) {
         differences += !same;
         ASSERT_NE(same, icu_is_late(hebrew)) << day;
         const bool late_year = icu_new_year_is_late(hebrew.year + 1900);
-        if (same)
+        if (same) {
             ASSERT_EQ(hebrew.day_of_year - late_year, icu.get(UCAL_DAY_OF_YEAR) - 1) << day;
+        }
     }
     EXPECT_EQ(differences, 4 * 385);
 }
@@ -99,7 +100,7 @@ TEST(Calendars, EveryHebrewDateIsIcusBothWays) {
 TEST(Calendars, EveryIslamicDateIsIcusBothWays) {
     icu_calendar icu("ar_SA@calendar=islamic-tbla");
     for (int64_t day = day_1600; day < day_2401; ++day) {
-        const gl_tm gregorian = record_of(moment_of(day, 0));
+        const gl_tm gregorian = record_of(moment_on_day(day, 0));
         gl_tm islamic, back;
         ASSERT_EQ(gl_cal_gregorian_to_islamic(&gregorian, &islamic), 0);
         ASSERT_EQ(gl_cal_islamic_to_gregorian(&islamic, &back), 0);

@@ -23,7 +23,7 @@ struct moment {
 };
 
 // A day of the Gregorian calendar, counted from 1 January 1970, at a second of the day.
-inline moment moment_of(int64_t day, int32_t second, int64_t fraction = 0) {
+inline moment moment_on_day(int64_t day, int32_t second, int64_t fraction = 0) {
     const std::chrono::sys_days point{std::chrono::days(day)};
     const std::chrono::year_month_day date{point};
     const std::chrono::sys_days new_year = date.year() / std::chrono::January / 1;
@@ -52,7 +52,7 @@ inline moment moment_of(int64_t day, int32_t second, int64_t fraction = 0) {
 inline moment moment_of(int year, unsigned month, unsigned day, int32_t second = 0) {
     const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
                                            std::chrono::day(day)};
-    return moment_of(std::chrono::sys_days(date).time_since_epoch().count(), second);
+    return moment_on_day(std::chrono::sys_days(date).time_since_epoch().count(), second);
 }
 
 // Half of them from 1800 to 2100, the others from the years 1 to 9999; always the same ones.
@@ -64,7 +64,7 @@ inline std::vector<moment> some_moments(int count) {
     std::vector<moment> made;
     for (int i = 0; i < count; ++i) {
         const int64_t day = i % 2 == 0 ? in(-62091, 47846) : in(-719162, 2932896);
-        made.push_back(moment_of(day, static_cast<int32_t>(in(0, 86399)), in(0, 999999)));
+        made.push_back(moment_on_day(day, static_cast<int32_t>(in(0, 86399)), in(0, 999999)));
     }
     return made;
 }
