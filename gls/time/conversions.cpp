@@ -2,56 +2,36 @@
 
 #include <kestrion/gls_errors.h>
 
-#include <iterator>
 #include <stddef.h>
 
 namespace kestrion {
 namespace {
 
-constexpr int64_t base_year = 1900;
-
-int32_t same(int64_t number) { return static_cast<int32_t>(number); }
-int32_t one_more(int64_t number) { return same(number + 1); }
-int32_t one_less(int64_t number) { return same(number - 1); }
-int32_t hour_shown_of_12(int64_t hour) { return same(hour % 12 == 0 ? 12 : hour % 12); }
-int32_t hour_of_12(int64_t shown) { return same(shown % 12); }
-int32_t weekday_from_1(int64_t weekday) { return same(weekday == 0 ? 7 : weekday); }
-int32_t weekday_from_0(int64_t shown) { return same(shown % 7); }
-int32_t whole_year(int64_t year) { return same(year + base_year); }
-int32_t less_base_year(int64_t year) { return same(year - base_year); }
-int32_t century_of(int64_t year) { return same((year + base_year) / 100); }
-
-int32_t year_in_century(int64_t year) {
-    const int64_t rest = (year + base_year) % 100;
-    return same(rest < 0 ? rest + 100 : rest);
-}
-
 // ---- Numbers
 
 constexpr int32_t year_0 = -1900, year_9999 = 9999 - 1900; // as fields
 constexpr int32_t any_least = INT32_MIN, any_most = INT32_MAX;
-constexpr auto plain = time_part::plain;
 
-// By column: part, field, its range and what is added to the end of it in other calendars, the
-// errors beyond and below it; digits of the largest number and of the smallest, width; range of the
-// number when it is scanned; number of a field, field of a number.
+// By column: part, field, what is added to it, its range and what is added to the end of that in
+// other calendars, the errors beyond and below it; digits of the largest number and of the smallest,
+// width; range of the number when it is scanned.
 // clang-format off
 constexpr time_number
-    century =      {time_part::century,         &gl_tm::year,        year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              2, 2, 0, 0, 99,   century_of,       same},
-    year =         {time_part::year,            &gl_tm::year,        year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR_NOT_WRITABLE, 4, 1, 0, 0, 9999, whole_year,       less_base_year},
-    long_year =    {time_part::year,            &gl_tm::year,        year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              4, 4, 0, 0, 9999, whole_year,       less_base_year},
-    short_year =   {time_part::year_in_century, &gl_tm::year,        any_least, any_most, 0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              2, 2, 0, 0, 99,   year_in_century,  same},
-    year_of_date = {time_part::year_in_century, &gl_tm::year,        year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              2, 2, 0, 0, 99,   year_in_century,  same},
-    month =        {time_part::month,           &gl_tm::month,       0, 11,               1,  GLS_ERR_MONTH,       GLS_ERR_MONTH,             2, 2, 0, 1, 12,   one_more,         one_less},
-    day =          {plain,                      &gl_tm::day,         1, 99,               0,  GLS_ERR_DAY,         GLS_ERR_DAY,               2, 2, 0, 1, 31,   same,             same},
-    blank_day =    {plain,                      &gl_tm::day,         1, 99,               0,  GLS_ERR_DAY,         GLS_ERR_DAY,               2, 1, 2, 1, 31,   same,             same},
-    hour =         {plain,                      &gl_tm::hour,        0, 23,               0,  GLS_ERR_HOUR,        GLS_ERR_HOUR,              2, 2, 0, 0, 23,   same,             same},
-    clock_hour =   {time_part::hour_of_12,      &gl_tm::hour,        0, 23,               0,  GLS_ERR_HOUR,        GLS_ERR_HOUR,              2, 2, 0, 1, 12,   hour_shown_of_12, hour_of_12},
-    minute =       {plain,                      &gl_tm::minute,      0, 59,               0,  GLS_ERR_MINUTE,      GLS_ERR_MINUTE,            2, 2, 0, 0, 59,   same,             same},
-    second =       {plain,                      &gl_tm::second,      0, 61,               0,  GLS_ERR_SECOND,      GLS_ERR_SECOND,            2, 2, 0, 0, 61,   same,             same},
-    day_of_year =  {plain,                      &gl_tm::day_of_year, 0, 365,              19, GLS_ERR_DAY_OF_YEAR, GLS_ERR_DAY_OF_YEAR,       3, 3, 0, 1, 366,  one_more,         one_less},
-    weekday_1 =    {plain,                      &gl_tm::weekday,     0, 6,                0,  GLS_ERR_WEEKDAY,     GLS_ERR_WEEKDAY,           1, 1, 0, 1, 7,    weekday_from_1,   weekday_from_0},
-    weekday_0 =    {plain,                      &gl_tm::weekday,     0, 6,                0,  GLS_ERR_WEEKDAY,     GLS_ERR_WEEKDAY,           1, 1, 0, 0, 6,    same,             same};
+    century =      {time_part::century,         &gl_tm::year,        0,    year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              2, 2, 0, 0, 99},
+    year =         {time_part::year,            &gl_tm::year,        1900, year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR_NOT_WRITABLE, 4, 1, 0, 0, 9999},
+    long_year =    {time_part::year,            &gl_tm::year,        1900, year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              4, 4, 0, 0, 9999},
+    short_year =   {time_part::year_in_century, &gl_tm::year,        0,    any_least, any_most, 0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              2, 2, 0, 0, 99},
+    year_of_date = {time_part::year_in_century, &gl_tm::year,        0,    year_0, year_9999,   0,  GLS_ERR_YEAR,        GLS_ERR_YEAR,              2, 2, 0, 0, 99},
+    month =        {time_part::month,           &gl_tm::month,       1,    0, 11,               1,  GLS_ERR_MONTH,       GLS_ERR_MONTH,             2, 2, 0, 1, 12},
+    day =          {time_part::day,             &gl_tm::day,         0,    1, 99,               0,  GLS_ERR_DAY,         GLS_ERR_DAY,               2, 2, 0, 1, 31},
+    blank_day =    {time_part::day,             &gl_tm::day,         0,    1, 99,               0,  GLS_ERR_DAY,         GLS_ERR_DAY,               2, 1, 2, 1, 31},
+    hour =         {time_part::hour,            &gl_tm::hour,        0,    0, 23,               0,  GLS_ERR_HOUR,        GLS_ERR_HOUR,              2, 2, 0, 0, 23},
+    clock_hour =   {time_part::hour_of_12,      &gl_tm::hour,        0,    0, 23,               0,  GLS_ERR_HOUR,        GLS_ERR_HOUR,              2, 2, 0, 1, 12},
+    minute =       {time_part::other,           &gl_tm::minute,      0,    0, 59,               0,  GLS_ERR_MINUTE,      GLS_ERR_MINUTE,            2, 2, 0, 0, 59},
+    second =       {time_part::other,           &gl_tm::second,      0,    0, 61,               0,  GLS_ERR_SECOND,      GLS_ERR_SECOND,            2, 2, 0, 0, 61},
+    day_of_year =  {time_part::other,           &gl_tm::day_of_year, 1,    0, 365,              19, GLS_ERR_DAY_OF_YEAR, GLS_ERR_DAY_OF_YEAR,       3, 3, 0, 1, 366},
+    weekday_1 =    {time_part::weekday_from_1,  &gl_tm::weekday,     0,    0, 6,                0,  GLS_ERR_WEEKDAY,     GLS_ERR_WEEKDAY,           1, 1, 0, 1, 7},
+    weekday_0 =    {time_part::other,           &gl_tm::weekday,     0,    0, 6,                0,  GLS_ERR_WEEKDAY,     GLS_ERR_WEEKDAY,           1, 1, 0, 0, 6};
 // clang-format on
 
 // ---- Conversions
@@ -147,35 +127,19 @@ constexpr time_conversion era_rows[] = {
     other('y', conversion_kind::era_year),
 };
 
-// Places in a table by letter, counted from 1; 0: none.
-struct letter_index {
-    uint8_t place[128];
-};
-
-template <size_t count> constexpr letter_index index_of(const time_conversion (&rows)[count]) {
-    letter_index index = {};
-    for (size_t i = 0; i < count; ++i)
-        index.place[static_cast<unsigned char>(rows[i].letter)] = static_cast<uint8_t>(i + 1);
+template <size_t count> constexpr conversion_index index_of(const time_conversion (&rows)[count]) {
+    conversion_index index = {};
+    for (const time_conversion &row : rows)
+        index.rows[static_cast<unsigned char>(row.letter)] = &row;
     return index;
 }
 
-constexpr letter_index plain_index = index_of(plain_rows), index_after_i = index_of(rows_after_i),
-                       era_index = index_of(era_rows);
-
 } // namespace
 
-const time_conversion *find_conversion(conversion_table table, gl_wchar letter) {
-    struct indexed_rows {
-        const time_conversion *rows;
-        const letter_index *index;
-    };
-    constexpr indexed_rows tables[] = {
-        {plain_rows, &plain_index}, {rows_after_i, &index_after_i}, {era_rows, &era_index}};
-    const indexed_rows &chosen = tables[static_cast<size_t>(table)];
-    const uint8_t place = letter < std::size(chosen.index->place) ? chosen.index->place[letter] : 0;
-    return place == 0 ? nullptr : &chosen.rows[place - 1];
-}
+constinit const conversion_index plain_conversions = index_of(plain_rows);
+constinit const conversion_index conversions_after_i = index_of(rows_after_i);
+constinit const conversion_index era_conversions = index_of(era_rows);
 
-constexpr const time_number *const era_date_numbers[3] = {&year_of_date, &month, &day};
+constinit const time_number *const era_date_numbers[3] = {&year_of_date, &month, &day};
 
 } // namespace kestrion

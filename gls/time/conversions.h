@@ -12,25 +12,59 @@
 
 namespace kestrion {
 
-// What a scan has to combine with other numbers before it can be stored.
-enum class time_part : uint8_t { plain, month, hour_of_12, year, year_in_century, century };
+// What a number is about. Most are the field and something added to it; a scan has to combine some
+// with others.
+enum class time_part : uint8_t {
+    other,
+    day,
+    month,
+    year,
+    hour,
+    hour_of_12,      // 12 for 0
+    weekday_from_1,  // 7 for Sunday
+    century,         // of the year
+    year_in_century, //
+};
 
 // A number made from one field of a record.
 struct time_number {
     time_part part;
     int32_t gl_tm::*field;
-    int32_t low, high;         // range of the field
-    int32_t more_elsewhere;    // added to `high` and `scan_high` in calendars but the Gregorian one
-    int32_t error;             // of a field out of range
-    int32_t error_below;       // of one below its range
-    int32_t digits;            // of the largest number
-    int32_t precision;         // digits of the smallest one
-    int32_t width;             // filled with blanks to this
-    int32_t scan_low;          // range of the number
-    int32_t scan_high;         //
-    int32_t (*shown)(int64_t); // the number of a field
-    int32_t (*stored)(int64_t); // the field of a number
+    int32_t added;          // to the field, for the number
+    int32_t low, high;      // range of the field
+    int32_t more_elsewhere; // added to `high` and `scan_high` in calendars but the Gregorian one
+    int32_t error;          // of a field out of range
+    int32_t error_below;    // of one below its range
+    int32_t digits;         // of the largest number
+    int32_t precision;      // digits of the smallest one
+    int32_t width;          // filled with blanks to this; 0: not filled
+    int32_t scan_low;       // range of the number
+    int32_t scan_high;      //
 };
+
+// The number of a field in its range.
+inline int32_t number_of_field(const time_number &number, int32_t field) {
+    const int64_t year = int64_t{field} + 1900;
+    switch (number.part) {
+    case time_part::century:
+        return static_cast<int32_t>(year / 100);
+    case time_part::year_in_century: // of any year, also a negative one
+        return static_cast<int32_t>((year % 100 + 100) % 100);
+    case time_part::hour_of_12:
+        return field % 12 == 0 ? 12 : field % 12;
+    case time_part::weekday_from_1:
+        return field == 0 ? 7 : field;
+    default:
+        return field + number.added;
+    }
+}
+
+// The field of a number in its range, where the number says all of it.
+inline int32_t field_of_number(const time_number &number, int32_t value) {
+    if (number.part == time_part::hour_of_12)
+        return value % 12;
+    return number.part == time_part::weekday_from_1 ? value % 7 : value - number.added;
+}
 
 enum class conversion_kind : uint8_t {
     literal,  // `character`
@@ -63,10 +97,17 @@ struct time_conversion {
     const text_field<era_rec> *era_text = nullptr;
 };
 
-enum class conversion_table : uint8_t { plain, after_i, era };
+// A table of conversions by letter.
+struct conversion_index {
+    const time_conversion *rows[128];
+};
+
+extern const conversion_index plain_conversions, conversions_after_i, era_conversions;
 
 // The row of a letter; null when the table has none.
-const time_conversion *find_conversion(conversion_table table, gl_wchar letter);
+inline const time_conversion *find_conversion(const conversion_index &table, gl_wchar letter) {
+    return letter < 128 ? table.rows[letter] : nullptr;
+}
 
 inline constexpr int32_t default_fraction_digits = 3;
 inline constexpr int32_t most_fraction_digits = 5;

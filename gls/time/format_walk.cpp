@@ -6,11 +6,16 @@ namespace {
 template <class unit>
 name_table<unit> choose(name_list list, unit *const *day, unit *const *abday, unit *const *mon,
                         unit *const *abmon, int32_t months) {
-    const name_table<unit> lists[] = {{day, gl_week_days},
-                                      {abday, gl_week_days},
-                                      {mon, mon == nullptr ? 0 : months},
-                                      {abmon, abmon == nullptr ? 0 : months}};
-    return lists[static_cast<int>(list)];
+    switch (list) {
+    case name_list::day:
+        return {day, gl_week_days};
+    case name_list::abday:
+        return {abday, gl_week_days};
+    case name_list::mon:
+        return {mon, mon == nullptr ? 0 : months};
+    default:
+        return {abmon, abmon == nullptr ? 0 : months};
+    }
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 // among them.
 //
 //     class visitor : public format_visit<unit> {
+//         const unit *plain_part(const unit *format);            // what it can do faster itself
 //         int32_t text(const unit *start, const unit *end);      // what stands for itself
 //         int32_t character(char c);                             // %%, %n, %t, separators
 //         int32_t number(const time_number &, const directive &);
@@ -30,6 +31,7 @@
 #include <algorithm>
 #include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 
 namespace kestrion {
 
@@ -46,21 +48,29 @@ struct number_shape {
     uint32_t flags = 0;
 };
 
+// How a directive is to be written.
 struct directive {
-    const time_conversion *conversion;
     number_shape shape;
-    bool own_digits; // of the locale
-    int32_t fraction_digits;
+    bool own_digits = false; // of the locale
+    int32_t fraction_digits = default_fraction_digits;
 };
+
+inline constexpr directive usual_directive;
 
 // What a null locale has: no names and no formats.
 extern const time_rec no_time;
+
+inline bool has_ascii_units(const locale_rec *, const gl_wchar *) { return true; }
+inline bool has_ascii_units(const locale_rec *lc, const char *) {
+    return ctype_of(lc).ascii_bytes != 0;
+}
 
 // The state of a walk.
 template <class unit> struct format_visit {
     explicit format_visit(locale_rec *locale)
         : lc(locale), data(locale == nullptr ? no_time : locale->time_cat),
           gregorian(calendar_of(locale) == CALENDAR_GREGORIAN),
+          has_ascii(has_ascii_units(locale, form)),
           has_eras(data.eras != nullptr && data.era_count > 0),
           has_digits(data.alt_digits != nullptr && data.alt_digit_count > 0) {}
 
@@ -68,6 +78,7 @@ template <class unit> struct format_visit {
     locale_rec *lc;
     const time_rec &data;
     bool gregorian;
+    bool has_ascii; // the units below 80 that begin a character are ASCII
     bool has_eras;
     bool has_digits;
     int32_t depth = 0;
@@ -85,8 +96,9 @@ const gl_wchar *text_in(const record &r, const text_field<record> &field, const 
     return r.*field.wide;
 }
 
-template <class unit> ptrdiff_t length_of(const unit *text) {
-    const unit *end = text;
+inline ptrdiff_t length_of(const char *text) { return static_cast<ptrdiff_t>(strlen(text)); }
+inline ptrdiff_t length_of(const gl_wchar *text) {
+    const gl_wchar *end = text;
     while (*end != 0)
         ++end;
     return end - text;
@@ -173,7 +185,7 @@ template <class unit> int32_t end_of_directive(const text_cursor<unit> &format) 
 }
 
 template <class unit>
-int32_t take_conversion(text_cursor<unit> &format, conversion_table table,
+int32_t take_conversion(text_cursor<unit> &format, const conversion_index &table,
                         const time_conversion *&row) {
     if (format.character() == 0)
         return end_of_directive(format);
@@ -182,33 +194,56 @@ int32_t take_conversion(text_cursor<unit> &format, conversion_table table,
     return row == nullptr ? GLS_ERR_FORMAT : GLS_OK;
 }
 
+inline bool is_one_letter(const time_conversion &conversion) {
+    return conversion.kind != conversion_kind::prefix &&
+           conversion.kind != conversion_kind::fraction;
+}
+
 // Reads what follows "%". Without eras an "E", without digits of the locale's own an "O" is passed
 // over.
 template <class unit>
-int32_t read_directive(const format_visit<unit> &visit, text_cursor<unit> &format, directive &out) {
+int32_t read_directive(const format_visit<unit> &visit, text_cursor<unit> &format, directive &out,
+                       const time_conversion *&conversion) {
     int32_t error = GLS_OK;
     if (is_modifier(format.character()))
         error = read_modifiers(visit.lc, format, out.shape);
-    auto table = conversion_table::plain;
+    const conversion_index *table = &plain_conversions;
     if (format.character() == 'E') {
         format.advance();
-        table = visit.has_eras ? conversion_table::era : table;
+        table = visit.has_eras ? &era_conversions : table;
     } else if (format.character() == 'O') {
         format.advance();
         out.own_digits = visit.has_digits;
     }
     if (error == GLS_OK)
-        error = take_conversion(format, table, out.conversion);
-    if (error == GLS_OK && out.own_digits && out.conversion->digits == digits_form::refused)
+        error = take_conversion(format, *table, conversion);
+    if (error == GLS_OK && out.own_digits && conversion->digits == digits_form::refused)
         return GLS_ERR_FORMAT;
-    if (error == GLS_OK && out.conversion->kind == conversion_kind::prefix)
-        error = take_conversion(format, conversion_table::after_i, out.conversion);
-    if (error == GLS_OK && out.conversion->kind == conversion_kind::fraction &&
+    if (error == GLS_OK && conversion->kind == conversion_kind::prefix)
+        error = take_conversion(format, conversions_after_i, conversion);
+    if (error == GLS_OK && conversion->kind == conversion_kind::fraction &&
         format.character() >= '0' && format.character() <= '0' + most_fraction_digits) {
         out.fraction_digits = static_cast<int32_t>(format.character() - '0');
         format.advance();
     }
     return error;
+}
+
+// ---- What most formats are made of: plain numbers, and ASCII text that stands for itself
+//
+// `plain_part` takes what it likes of this from the front of a format and returns where it stopped.
+
+template <class unit> constexpr bool is_plain_text(unit c) {
+    return c > ' ' && c < 0x7f && c != '%';
+}
+
+// The number of a directive of two units; null for another one.
+template <class unit> const time_number *plain_number(const unit *format) {
+    if (*format != '%')
+        return nullptr;
+    const auto letter = static_cast<gl_wchar>(format[1]);
+    const time_conversion *row = find_conversion(plain_conversions, letter);
+    return row == nullptr || row->kind != conversion_kind::number ? nullptr : row->numbers[0];
 }
 
 // ---- The walk
@@ -228,27 +263,29 @@ template <class unit, class visitor> int32_t put_new_fmt(visitor &visit, const u
     return error;
 }
 
-template <class visitor> int32_t visit_numbers(visitor &visit, const directive &d) {
+// Several numbers have no width together: modifiers are ignored.
+template <class visitor>
+int32_t visit_numbers(visitor &visit, const time_conversion &conversion, const directive &d) {
+    const directive each = {.own_digits = d.own_digits};
     int32_t error = GLS_OK;
-    for (const time_number *number : d.conversion->numbers) {
+    for (const time_number *number : conversion.numbers) {
         if (error != GLS_OK || number == nullptr)
             break;
-        if (number != d.conversion->numbers[0])
-            error = visit.character(d.conversion->character);
+        if (number != conversion.numbers[0])
+            error = visit.character(conversion.character);
         if (error == GLS_OK)
-            error = visit.number(*number, d);
+            error = visit.number(*number, each);
     }
     return error;
 }
 
-template <class unit, class visitor> int32_t visit_directive(visitor &visit, directive &d) {
-    const time_conversion &conversion = *d.conversion;
+template <class unit, class visitor>
+int32_t visit_directive(visitor &visit, const time_conversion &conversion, const directive &d) {
     switch (conversion.kind) {
     case conversion_kind::number:
         return visit.number(*conversion.numbers[0], d);
     case conversion_kind::numbers:
-        d.shape = {}; // of several pieces
-        return visit_numbers(visit, d);
+        return visit_numbers(visit, conversion, d);
     case conversion_kind::fraction:
         return visit.fraction(d);
     case conversion_kind::name:
@@ -271,17 +308,28 @@ template <class unit, class visitor> int32_t visit_directive(visitor &visit, dir
 template <class unit, class visitor> int32_t walk_format(visitor &visit, const unit *format) {
     text_cursor<unit> at(visit.lc, format);
     for (;;) {
+        if (visit.has_ascii)
+            at.move_to(visit.plain_part(at.at()));
         const unit *start = at.at();
-        while (at.character() != '%' && at.character() != 0)
-            at.advance();
+        character_found c = at.look();
+        for (; c.wide != '%' && c.length > 0; c = at.look())
+            at.move_to(at.at() + c.length);
         int32_t error = start == at.at() ? GLS_OK : visit.text(start, at.at());
-        if (error != GLS_OK || at.character() == 0)
-            return at.is_broken() ? GLS_ERR_BAD_CHARACTER : error;
-        at.advance();
-        directive d = {.fraction_digits = default_fraction_digits};
-        error = read_directive<unit>(visit, at, d);
-        if (error == GLS_OK)
-            error = visit_directive<unit>(visit, d);
+        if (error != GLS_OK || c.length <= 0)
+            return c.length < 0 ? GLS_ERR_BAD_CHARACTER : error;
+        at.move_to(at.at() + c.length);
+        const time_conversion *conversion = find_conversion(plain_conversions, at.character());
+        if (conversion != nullptr && is_one_letter(*conversion)) { // as nearly all directives are
+            at.advance();
+            error = conversion->kind == conversion_kind::number
+                        ? visit.number(*conversion->numbers[0], usual_directive)
+                        : visit_directive<unit>(visit, *conversion, usual_directive);
+        } else {
+            directive d;
+            error = read_directive<unit>(visit, at, d, conversion);
+            if (error == GLS_OK)
+                error = visit_directive<unit>(visit, *conversion, d);
+        }
         if (error != GLS_OK)
             return error;
     }

@@ -93,29 +93,6 @@ int32_t settle_era(const locale_rec *lc, scanned_time &scanned) {
 
 } // namespace
 
-void store_number(scanned_time &scanned, const time_number &number, int32_t value) {
-    switch (number.part) {
-    case time_part::century:
-        scanned.century = value;
-        break;
-    case time_part::year_in_century:
-        scanned.year_in_century = value;
-        break;
-    case time_part::year:
-        scanned.century = scanned.year_in_century = scanned.era = not_read;
-        scanned.has_era_year = false;
-        [[fallthrough]];
-    default:
-        scanned.time.*number.field = number.stored(value);
-    }
-    if (number.field == &gl_tm::hour)
-        scanned.of_12_hours = number.part == time_part::hour_of_12;
-    if (number.field == &gl_tm::month)
-        scanned.month_by_name = false;
-    scanned.has_date = scanned.has_date || number.field == &gl_tm::year ||
-                       number.field == &gl_tm::month || number.field == &gl_tm::day;
-}
-
 int32_t settle(locale_rec *lc, scanned_time &scanned) {
     settle_hour(scanned);
     settle_century(scanned);

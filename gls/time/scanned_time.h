@@ -30,7 +30,37 @@ struct scanned_time {
 };
 
 // Stores a number that is in range.
-void store_number(scanned_time &scanned, const time_number &number, int32_t value);
+inline void store_number(scanned_time &scanned, const time_number &number, int32_t value) {
+    switch (number.part) {
+    case time_part::century:
+        scanned.century = value;
+        scanned.has_date = true;
+        return;
+    case time_part::year_in_century:
+        scanned.year_in_century = value;
+        scanned.has_date = true;
+        return;
+    case time_part::year:
+        scanned.century = scanned.year_in_century = scanned.era = not_read;
+        scanned.has_era_year = false;
+        scanned.has_date = true;
+        break;
+    case time_part::month:
+        scanned.month_by_name = false;
+        scanned.has_date = true;
+        break;
+    case time_part::day:
+        scanned.has_date = true;
+        break;
+    case time_part::hour:
+    case time_part::hour_of_12:
+        scanned.of_12_hours = number.part == time_part::hour_of_12;
+        break;
+    default:
+        break;
+    }
+    scanned.time.*number.field = field_of_number(number, value);
+}
 
 // Puts together what was read. GLS_OK, or the error: no era, or a month that the year lacks.
 int32_t settle(locale_rec *lc, scanned_time &scanned);

@@ -14,11 +14,14 @@ multi_step step_of(const ctype_rec &ct, gl_wchar c) {
     return wide_step(ct, ct.class_walk, ct.class_prefixes, c);
 }
 
+bool has_case(const ctype_rec &ct, gl_wchar c) {
+    const multi_step step = step_of(ct, c);
+    return step.next == multi_end && (step.datum & (CT_UPPER | CT_LOWER)) != 0;
+}
+
 } // namespace
 
-bool is_space(const locale_rec *lc, gl_wchar c) {
-    if (c < 0x80)
-        return c == ' ' || (c >= '\t' && c <= '\r');
+bool is_space_beyond_ascii(const locale_rec *lc, gl_wchar c) {
     const multi_step step = step_of(ctype_of(lc), c);
     return step.next == multi_end && (step.datum & CT_SPACE) != 0;
 }
@@ -29,7 +32,7 @@ bool is_same_letter(locale_rec *lc, gl_wchar a, gl_wchar b) {
         return true;
     if (ct.plain_ascii != 0 && a < 0x80 && b < 0x80)
         return ascii_lower(a) == ascii_lower(b);
-    if (a == 0 || step_of(ct, a).next != multi_end || step_of(ct, b).next != multi_end)
+    if (!has_case(ct, a) || !has_case(ct, b))
         return false;
     return _gl_im_towlower(lc, a) == _gl_im_towlower(lc, b) ||
            _gl_im_towupper(lc, a) == _gl_im_towupper(lc, b);

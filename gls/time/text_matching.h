@@ -11,13 +11,21 @@
 
 namespace kestrion {
 
-bool is_space(const locale_rec *lc, gl_wchar c);
+bool is_space_beyond_ascii(const locale_rec *lc, gl_wchar c);
+
+template <class unit> constexpr bool is_ascii_space(unit c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+inline bool is_space(const locale_rec *lc, gl_wchar c) {
+    return c < 0x80 ? is_ascii_space(c) : is_space_beyond_ascii(lc, c);
+}
 
 // Whether two characters are the same but for their case.
 bool is_same_letter(locale_rec *lc, gl_wchar a, gl_wchar b);
 
 // Returns how many it has passed.
-template <class unit> int32_t skip_spaces(const locale_rec *lc, text_cursor<unit> &at) {
+template <class unit> inline int32_t skip_spaces(const locale_rec *lc, text_cursor<unit> &at) {
     int32_t count = 0;
     for (; is_space(lc, at.character()); at.advance())
         ++count;
@@ -47,14 +55,17 @@ bool take_text(locale_rec *lc, text_cursor<unit> &at, const gl_wchar *text, int3
 template <class unit> struct longest_match {
     text_cursor<unit> start;
     text_cursor<unit> end = start;
+    gl_wchar first = start.character();
     int32_t chosen = -1;
     int32_t length = -1;
 
     void offer(locale_rec *lc, const gl_wchar *text, int32_t choice) {
+        while (text != nullptr && is_space(lc, *text) && !is_space(lc, first))
+            ++text;
+        if (text != nullptr && *text != 0 && !is_same_letter(lc, first, *text))
+            return; // most of them
         text_cursor<unit> at = start;
         int32_t found;
-        while (text != nullptr && is_space(lc, *text) && !is_space(lc, at.character()))
-            ++text;
         if (take_text(lc, at, text, found) && found > length) {
             end = at;
             chosen = choice;
@@ -79,9 +90,10 @@ struct scanned_digits {
 
 // Takes the digit of the cursor and moves on.
 template <class unit> bool take_ordinary_digit(text_cursor<unit> &at, scanned_digits &digits) {
-    if (at.character() < '0' || at.character() > '9')
+    const gl_wchar digit = at.character() - '0';
+    if (digit > 9)
         return false;
-    digits.add(at.character() - '0');
+    digits.add(digit);
     at.advance();
     return true;
 }

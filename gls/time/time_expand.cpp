@@ -39,6 +39,7 @@ public:
 
     int64_t total() const { return total_; }
 
+    const unit *plain_part(const unit *format) const { return format; }
     int32_t text(const unit *start, const unit *end) { return add(end - start); }
     int32_t character(char c) {
         const auto wide = static_cast<gl_wchar>(static_cast<unsigned char>(c));

@@ -17,12 +17,12 @@ namespace {
 
 template <class unit> class time_scanner : public format_visit<unit> {
 public:
-    time_scanner(locale_rec *locale, const unit *text, const gl_tm &time)
-        : format_visit<unit>(locale), at_(locale, text), scanned_{.time = time} {}
+    time_scanner(locale_rec *locale, const unit *text, scanned_time &scanned)
+        : format_visit<unit>(locale), at_(locale, text), scanned_(scanned) {}
 
     const unit *at() const { return at_.at(); }
-    scanned_time &scanned() { return scanned_; }
 
+    const unit *plain_part(const unit *format);
     int32_t text(const unit *start, const unit *end);
     int32_t character(char c);
     int32_t number(const time_number &number, const directive &d);
@@ -38,22 +38,58 @@ private:
 
     bool take_usual(int32_t most, const number_shape &shape, scanned_digits &out);
     bool take_own(int32_t most, const number_shape &shape, int64_t &value);
+    bool take_shaped(int32_t most, const directive &d, int64_t &value);
 
     text_cursor<unit> at_;
-    scanned_time scanned_;
+    scanned_time &scanned_;
     int32_t own_form_ = not_read; // the era whose own format is being read
 };
 
-template <class unit> int32_t time_scanner<unit>::text(const unit *start, const unit *end) {
-    int32_t error = GLS_OK;
-    for (text_cursor<unit> format(visit::lc, start); error == GLS_OK && format.at() < end;
-         format.advance()) {
-        if (is_space(visit::lc, format.character()))
-            skip_spaces(visit::lc, at_);
-        else if (!take_character(at_, format.character()))
-            error = GLS_ERR_FORMAT;
+// Takes plain numbers with ASCII text between them as the walk does, at three times its speed: both
+// texts stay in registers. Stops before anything else and where the text does not fit, which is then
+// the walk's to say.
+template <class unit> const unit *time_scanner<unit>::plain_part(const unit *format) {
+    const unit *text = at_.at();
+    for (;; at_.move_to(text)) {
+        if (is_plain_text(*format)) {
+            if (*text != *format)
+                return format;
+            ++format;
+            ++text;
+        } else if (*format == ' ') {
+            while (is_ascii_space(*text))
+                ++text;
+            if (!is_plain_text(*text)) // maybe another white space
+                return format;
+            ++format;
+        } else if (const time_number *number = plain_number(format); number != nullptr) {
+            const unit *at = text;
+            const int32_t value = take_digits(at, number->digits);
+            if (value < number->scan_low || value > number->scan_high)
+                return format;
+            store_number(scanned_, *number, value);
+            format += 2;
+            text = at;
+        } else {
+            return format;
+        }
     }
-    return error;
+}
+
+template <class unit> int32_t time_scanner<unit>::text(const unit *start, const unit *end) {
+    text_cursor<unit> format(visit::lc, start);
+    while (format.at() < end) {
+        const character_found c = format.look();
+        const unit *next = format.at() + c.length;
+        if (is_space(visit::lc, c.wide))
+            skip_spaces(visit::lc, at_);
+        else if (std::equal(format.at(), next, at_.at())) // up to a terminator, which differs
+            at_.move_to(at_.at() + c.length);
+        else
+            return GLS_ERR_FORMAT;
+        format.move_to(next);
+    }
+    return GLS_OK;
 }
 
 template <class unit> int32_t time_scanner<unit>::character(char c) {
@@ -109,15 +145,30 @@ bool time_scanner<unit>::take_own(int32_t most, const number_shape &shape, int64
 }
 
 template <class unit>
-int32_t time_scanner<unit>::number(const time_number &number, const directive &d) {
+bool time_scanner<unit>::take_shaped(int32_t most, const directive &d, int64_t &value) {
+    if (d.own_digits)
+        return take_own(most, d.shape, value);
     scanned_digits digits;
-    if (d.own_digits ? !take_own(number.digits, d.shape, digits.value)
-                     : !take_usual(number.digits, d.shape, digits))
+    const bool taken = take_usual(most, d.shape, digits);
+    value = digits.value;
+    return taken;
+}
+
+template <class unit>
+int32_t time_scanner<unit>::number(const time_number &number, const directive &d) {
+    int64_t value;
+    if (d.shape.as_usual && !d.own_digits) {
+        skip_spaces(visit::lc, at_);
+        value = at_.take_number(number.digits);
+        if (value < 0)
+            return GLS_ERR_FORMAT;
+    } else if (!take_shaped(number.digits, d, value)) {
         return GLS_ERR_FORMAT;
+    }
     const int32_t highest = number.scan_high + (visit::gregorian ? 0 : number.more_elsewhere);
-    if (digits.value < number.scan_low || digits.value > highest)
+    if (value < number.scan_low || value > highest)
         return number.error;
-    store_number(scanned_, number, static_cast<int32_t>(digits.value));
+    store_number(scanned_, number, static_cast<int32_t>(value));
     return GLS_OK;
 }
 
@@ -227,105 +278,88 @@ template <class unit> int32_t time_scanner<unit>::era_form() {
 
 // ---- What the operations share
 
-// Scans into a record of the locale's calendar.
-template <class unit>
-const unit *scan_local(locale_rec *lc, const unit *text, const unit *format, gl_tm &time,
-                       bool &has_date) {
-    time_scanner<unit> scanner(lc, text, time);
-    int32_t error = walk_format(scanner, format);
-    if (error == GLS_OK)
-        error = settle(lc, scanner.scanned());
-    if (error != GLS_OK) {
-        set_engine_error(lc, error);
-        return nullptr;
-    }
-    time = scanner.scanned().time;
-    has_date = scanner.scanned().has_date;
-    return scanner.at();
+// Where a scan starts from: the time that was set, else the caller's.
+void start_scan(const gl_tm &callers, gl_tm &start) {
+    const gl_tm *set = time_that_was_set();
+    start = set == nullptr ? callers : *set;
+}
+void start_scan(const gl_alt_tm &callers, gl_tm &start) {
+    const gl_tm *set = time_that_was_set();
+    if (set == nullptr)
+        alt_tm_to_tm(&callers, &start);
+    else
+        start = *set;
 }
 
-// The date of another calendar that a scan begins with: the caller's, where that is a date.
-bool begin_local(locale_rec *lc, const gl_tm &from, gl_tm &local) {
+void end_scan(const gl_tm &scanned, gl_tm &callers) { callers = scanned; }
+void end_scan(const gl_tm &scanned, gl_alt_tm &callers) { tm_to_alt_tm(&scanned, &callers); }
+
+// The date of another calendar that a scan begins with: the start's, where that is a date.
+bool begin_local(locale_rec *lc, gl_tm &time) {
     const int32_t calendar = calendar_of(lc);
     if (calendar != CALENDAR_HEBREW && calendar != CALENDAR_ISLAMIC)
         return refuse(lc, GLS_ERR_CALENDAR);
     const int32_t error_before = *_gl_ext_errno(lc);
-    local = from;
-    if (gl_cal_gregorian_to_local(lc, &from, &local) != 0)
+    const int32_t weekday = time.weekday;
+    if (gl_cal_gregorian_to_local(lc, &time, &time) != 0)
         set_engine_error(lc, error_before);
-    local.weekday = from.weekday;
+    time.weekday = weekday;
     return true;
 }
 
 // Puts the date of another calendar back. A scan without a date leaves the one that was there.
-bool end_local(locale_rec *lc, const gl_tm &local, bool has_date, gl_tm &time) {
-    if (has_date)
-        return gl_cal_local_to_gregorian(lc, &local, &time) == 0;
-    const gl_tm date = time;
-    time = local;
-    time.day = date.day;
-    time.month = date.month;
-    time.month_name = date.month_name;
-    time.year = date.year;
-    time.day_of_year = date.day_of_year;
+bool end_local(locale_rec *lc, const gl_tm &start, scanned_time &scanned) {
+    gl_tm &time = scanned.time;
+    if (scanned.has_date)
+        return gl_cal_local_to_gregorian(lc, &time, &time) == 0;
+    time.day = start.day;
+    time.month = start.month;
+    time.month_name = start.month_name;
+    time.year = start.year;
+    time.day_of_year = start.day_of_year;
     return true;
 }
 
+// Scans in the locale's calendar.
 template <class unit>
-const unit *scan_gregorian(locale_rec *lc, const unit *text, const unit *format, gl_tm &time) {
-    bool has_date = false;
+const unit *scan_local(locale_rec *lc, const unit *text, const unit *format, scanned_time &time) {
+    time_scanner<unit> scanner(lc, text, time);
+    int32_t error = walk_format(scanner, format);
+    if (error == GLS_OK)
+        error = settle(lc, time);
+    if (error == GLS_OK)
+        return scanner.at();
+    set_engine_error(lc, error);
+    return nullptr;
+}
+
+template <class unit>
+const unit *scan_gregorian(locale_rec *lc, const unit *text, const unit *format,
+                           scanned_time &time) {
     if (calendar_of(lc) == CALENDAR_GREGORIAN)
-        return scan_local(lc, text, format, time, has_date);
-    gl_tm local;
-    if (!begin_local(lc, time, local))
+        return scan_local(lc, text, format, time);
+    const gl_tm start = time.time;
+    if (!begin_local(lc, time.time))
         return nullptr;
-    const unit *rest = scan_local(lc, text, format, local, has_date);
-    return rest != nullptr && end_local(lc, local, has_date, time) ? rest : nullptr;
+    const unit *rest = scan_local(lc, text, format, time);
+    return rest != nullptr && end_local(lc, start, time) ? rest : nullptr;
 }
 
-template <class unit, class record>
-bool has_arguments(locale_rec *lc, const unit *text, const unit *format, const record *time) {
-    return (text != nullptr && format != nullptr && time != nullptr) ||
-           refuse(lc, GLS_ERR_NULL_ARGUMENT);
-}
+enum class record_calendar { gregorian, of_locale };
 
-gl_tm start_of_scan(const gl_tm &callers) {
-    const gl_tm *set = time_that_was_set();
-    return set == nullptr ? callers : *set;
-}
-
-template <class unit>
-const unit *scan_time(locale_rec *lc, const unit *text, const unit *format, gl_tm *time) {
-    if (!has_arguments(lc, text, format, time))
+template <record_calendar calendar, class unit, class record>
+const unit *scan_time(locale_rec *lc, const unit *text, const unit *format, record *time) {
+    if (text == nullptr || format == nullptr || time == nullptr) {
+        set_engine_error(lc, GLS_ERR_NULL_ARGUMENT);
         return nullptr;
-    gl_tm scanned = start_of_scan(*time);
-    const unit *rest = scan_gregorian(lc, text, format, scanned);
+    }
+    scanned_time scanned;
+    start_scan(*time, scanned.time);
+    const unit *rest = calendar == record_calendar::gregorian
+                           ? scan_gregorian(lc, text, format, scanned)
+                           : scan_local(lc, text, format, scanned);
     if (rest != nullptr)
-        *time = scanned;
-    return rest;
-}
-
-template <class unit>
-const unit *scan_time(locale_rec *lc, const unit *text, const unit *format, gl_alt_tm *time) {
-    if (!has_arguments(lc, text, format, time))
-        return nullptr;
-    gl_tm whole;
-    alt_tm_to_tm(time, &whole);
-    const unit *rest = scan_time(lc, text, format, &whole);
-    if (rest != nullptr)
-        tm_to_alt_tm(&whole, time);
-    return rest;
-}
-
-template <class unit>
-const unit *scan_internal(locale_rec *lc, const unit *text, const unit *format, gl_tm *time) {
-    if (!has_arguments(lc, text, format, time))
-        return nullptr;
-    bool has_date;
-    gl_tm scanned = start_of_scan(*time);
-    const unit *rest = scan_local(lc, text, format, scanned, has_date);
-    if (rest != nullptr)
-        *time = scanned;
+        end_scan(scanned.time, *time);
     return rest;
 }
 
@@ -333,24 +367,24 @@ const unit *scan_internal(locale_rec *lc, const unit *text, const unit *format, 
 
 const gl_wchar *gl_wcsptime(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
                             gl_alt_tm *time) {
-    return scan_time(lc, text, format, time);
+    return scan_time<record_calendar::gregorian>(lc, text, format, time);
 }
 
 const gl_wchar *gl_wcsptime1(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
                              gl_tm *time) {
-    return scan_time(lc, text, format, time);
+    return scan_time<record_calendar::gregorian>(lc, text, format, time);
 }
 
 const gl_wchar *gl_wcsptime_internal(locale_rec *lc, const gl_wchar *text, const gl_wchar *format,
                                      gl_tm *time) {
-    return scan_internal(lc, text, format, time);
+    return scan_time<record_calendar::of_locale>(lc, text, format, time);
 }
 
 const char *gl_mbsptime(locale_rec *lc, const char *text, const char *format, gl_alt_tm *time) {
-    return scan_time(lc, text, format, time);
+    return scan_time<record_calendar::gregorian>(lc, text, format, time);
 }
 
 const char *gl_mbsptime_internal(locale_rec *lc, const char *text, const char *format,
                                  gl_tm *time) {
-    return scan_internal(lc, text, format, time);
+    return scan_time<record_calendar::of_locale>(lc, text, format, time);
 }
