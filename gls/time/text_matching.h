@@ -32,6 +32,18 @@ template <class unit> inline int32_t skip_spaces(const locale_rec *lc, text_curs
     return count;
 }
 
+// Takes a character that is equal unit by unit; no further than the first difference, which a
+// terminator is.
+template <class unit>
+bool take_units(text_cursor<unit> &at, const unit *character, const unit *end) {
+    const unit *text = at.at();
+    for (; character != end; ++character, ++text)
+        if (*text != *character)
+            return false;
+    at.move_to(text);
+    return true;
+}
+
 template <class unit> bool take_character(text_cursor<unit> &at, gl_wchar c) {
     if (at.character() != c)
         return false;

@@ -83,9 +83,7 @@ template <class unit> int32_t time_scanner<unit>::text(const unit *start, const 
         const unit *next = format.at() + c.length;
         if (is_space(visit::lc, c.wide))
             skip_spaces(visit::lc, at_);
-        else if (std::equal(format.at(), next, at_.at())) // up to a terminator, which differs
-            at_.move_to(at_.at() + c.length);
-        else
+        else if (!take_units(at_, format.at(), next))
             return GLS_ERR_FORMAT;
         format.move_to(next);
     }

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <random>
 #include <stdint.h>
+#include <string.h>
 #include <time.h>
 #include <vector>
 
@@ -53,6 +54,14 @@ inline moment moment_of(int year, unsigned month, unsigned day, int32_t second =
     const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
                                            std::chrono::day(day)};
     return moment_on_day(std::chrono::sys_days(date).time_since_epoch().count(), second);
+}
+
+// Whether all fields are equal; gl_alt_tm has a hole, gl_tm has none.
+inline bool same_time(const gl_alt_tm &a, const gl_alt_tm &b) {
+    gl_tm first, second;
+    alt_tm_to_tm(&a, &first);
+    alt_tm_to_tm(&b, &second);
+    return memcmp(&first, &second, sizeof first) == 0;
 }
 
 // Half of them from 1800 to 2100, the others from the years 1 to 9999; always the same ones.
