@@ -23,6 +23,7 @@
 #include "gls/time/calendars.h"
 #include "gls/time/conversions.h"
 #include "gls/time/text_cursor.h"
+#include <kestrion/ctype_masks.h>
 #include <kestrion/format_modifiers.h>
 #include <kestrion/gls_errors.h>
 #include <kestrion/integer_format.h>
@@ -229,12 +230,26 @@ int32_t read_directive(const format_visit<unit> &visit, text_cursor<unit> &forma
     return error;
 }
 
-// ---- What most formats are made of: plain numbers, and ASCII text that stands for itself
+// ---- What most formats are made of: plain numbers, and text that stands for itself
 //
 // `plain_part` takes what it likes of this from the front of a format and returns where it stopped.
 
 template <class unit> constexpr bool is_plain_text(unit c) {
     return c > ' ' && c < 0x7f && c != '%';
+}
+
+// The units of a character beyond ASCII that stands for itself and is not white space; else 0.
+inline int32_t plain_length(const ctype_rec &ct, const char *at) {
+    if (static_cast<signed char>(*at) >= 0)
+        return 0;
+    const decoded_char c = decode_limited(ct.class_walk, at, longest_character);
+    return is_char(c) && (c.step.datum & CT_SPACE) == 0 ? c.length : 0;
+}
+inline int32_t plain_length(const ctype_rec &ct, const gl_wchar *at) {
+    if (*at < 0x80)
+        return 0;
+    const multi_step step = wide_step(ct, ct.class_walk, ct.class_prefixes, *at);
+    return step.next == multi_end && (step.datum & CT_SPACE) == 0 ? 1 : 0;
 }
 
 // The number of a directive of two units; null for another one.

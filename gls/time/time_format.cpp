@@ -37,17 +37,26 @@ template <class unit> class destination_range {
 public:
     bool has_room_for_terminator() const { return end_ != nullptr; }
 
-    // Writes what a format begins with, plain numbers and ASCII text, as the walk does, at twice
-    // its speed: all stays in registers. Returns where it stopped, which is before anything else.
-    const unit *write_plain_part(const unit *format, const gl_tm &time, bool gregorian) {
+    // Writes plain numbers and text as the walk does, at twice its speed: all stays in registers.
+    // Returns where it stopped, which is before anything else.
+    const unit *write_plain_part(const ctype_rec &ct, const unit *format, const gl_tm &time,
+                                 bool gregorian) {
         unit *at = at_;
-        for (; end_ - at >= 4; ++format) {
+        while (end_ - at >= 4) {
             if (is_plain_text(*format) || *format == ' ') {
-                *at++ = *format;
+                *at++ = *format++;
                 continue;
             }
             const time_number *number = plain_number(format);
-            if (number == nullptr || range_error(*number, time, gregorian) != GLS_OK)
+            if (number == nullptr) {
+                const int32_t length = plain_length(ct, format);
+                if (length == 0)
+                    break;
+                for (int32_t i = 0; i < length; ++i)
+                    *at++ = *format++;
+                continue;
+            }
+            if (range_error(*number, time, gregorian) != GLS_OK)
                 break;
             const int32_t value = number_of_field(*number, time.*number->field);
             if (value < 100 && number->precision == 2) {
@@ -58,7 +67,7 @@ public:
             } else {
                 break;
             }
-            ++format;
+            format += 2;
         }
         at_ = at;
         return format;
@@ -174,7 +183,7 @@ public:
     }
 
     const unit *plain_part(const unit *format) {
-        return to_.write_plain_part(format, time_, visit::gregorian);
+        return to_.write_plain_part(ctype_of(visit::lc), format, time_, visit::gregorian);
     }
     int32_t text(const unit *start, const unit *end) { return to_.copy(start, end - start); }
     int32_t character(char c) { return to_.ascii(&c, 1); }

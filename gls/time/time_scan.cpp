@@ -45,10 +45,11 @@ private:
     int32_t own_form_ = not_read; // the era whose own format is being read
 };
 
-// Takes plain numbers with ASCII text between them as the walk does, at three times its speed: both
+// Takes plain numbers with text between them as the walk does, at three times its speed: both
 // texts stay in registers. Stops before anything else and where the text does not fit, which is then
 // the walk's to say.
 template <class unit> const unit *time_scanner<unit>::plain_part(const unit *format) {
+    const ctype_rec &ct = ctype_of(visit::lc);
     const unit *text = at_.at();
     for (;; at_.move_to(text)) {
         if (is_plain_text(*format)) {
@@ -71,7 +72,14 @@ template <class unit> const unit *time_scanner<unit>::plain_part(const unit *for
             format += 2;
             text = at;
         } else {
-            return format;
+            const int32_t length = plain_length(ct, format);
+            for (int32_t i = 0; i < length; ++i)
+                if (text[i] != format[i]) // at the latest at a terminator
+                    return format;
+            if (length == 0)
+                return format;
+            format += length;
+            text += length;
         }
     }
 }
