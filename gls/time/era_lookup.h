@@ -11,7 +11,7 @@ namespace kestrion {
 
 inline int64_t whole_year(const gl_tm &time) { return int64_t{time.year} + 1900; }
 
-// A record's month from 1, the greatest number for what is no month.
+// A record's month from 1, the greatest number where that overflows.
 inline int32_t one_based(int32_t month) { return month == INT32_MAX ? month : month + 1; }
 
 // The year within the era, whether or not the era holds the date.

@@ -20,19 +20,17 @@
 
 #pragma once
 
+#include "gls/text/char_walk.h"
 #include "gls/time/calendars.h"
 #include "gls/time/conversions.h"
+#include "gls/time/directive.h"
+#include "gls/time/locale_texts.h"
 #include "gls/time/text_cursor.h"
 #include <kestrion/ctype_masks.h>
-#include <kestrion/format_modifiers.h>
 #include <kestrion/gls_errors.h>
-#include <kestrion/integer_format.h>
 #include <kestrion/locale_rec.h>
 
-#include <algorithm>
-#include <stddef.h>
 #include <stdint.h>
-#include <string.h>
 
 namespace kestrion {
 
@@ -40,26 +38,6 @@ namespace kestrion {
 // those that fan out at the count.
 inline constexpr int32_t deepest_format = 8;
 inline constexpr int32_t most_nested_formats = 10000;
-
-// How a directive wants its number shaped.
-struct number_shape {
-    bool as_usual = true; // no modifiers
-    int32_t width = gl_modifier_unset;
-    int32_t precision = gl_modifier_unset;
-    uint32_t flags = 0;
-};
-
-// How a directive is to be written.
-struct directive {
-    number_shape shape;
-    bool own_digits = false; // of the locale
-    int32_t fraction_digits = default_fraction_digits;
-};
-
-inline constexpr directive usual_directive;
-
-// What a null locale has: no names and no formats.
-extern const time_rec no_time;
 
 inline bool has_ascii_units(const locale_rec *, const gl_wchar *) { return true; }
 inline bool has_ascii_units(const locale_rec *lc, const char *) {
@@ -71,164 +49,20 @@ template <class unit> struct format_visit {
     explicit format_visit(locale_rec *locale)
         : lc(locale), data(locale == nullptr ? no_time : locale->time_cat),
           gregorian(calendar_of(locale) == CALENDAR_GREGORIAN),
-          has_ascii(has_ascii_units(locale, form)),
-          has_eras(data.eras != nullptr && data.era_count > 0),
-          has_digits(data.alt_digits != nullptr && data.alt_digit_count > 0) {}
+          has_ascii(has_ascii_units(locale, form)), has{.eras = data.eras != nullptr &&
+                                                                data.era_count > 0,
+                                                        .digits = data.alt_digits != nullptr &&
+                                                                  data.alt_digit_count > 0} {}
 
     static constexpr const unit *form = nullptr; // chooses among the locale's texts
     locale_rec *lc;
     const time_rec &data;
     bool gregorian;
     bool has_ascii; // the units below 80 that begin a character are ASCII
-    bool has_eras;
-    bool has_digits;
+    own_forms has;
     int32_t depth = 0;
     int32_t nested_formats = 0;
 };
-
-// ---- The two forms of the locale's texts
-
-template <class record>
-const char *text_in(const record &r, const text_field<record> &field, const char *) {
-    return r.*field.text;
-}
-template <class record>
-const gl_wchar *text_in(const record &r, const text_field<record> &field, const gl_wchar *) {
-    return r.*field.wide;
-}
-
-inline ptrdiff_t length_of(const char *text) { return static_cast<ptrdiff_t>(strlen(text)); }
-inline ptrdiff_t length_of(const gl_wchar *text) {
-    const gl_wchar *end = text;
-    while (*end != 0)
-        ++end;
-    return end - text;
-}
-
-template <class unit> struct name_table {
-    const unit *const *names;
-    int32_t count;
-};
-
-name_table<char> names_in(const time_rec &data, name_list list, const char *);
-name_table<gl_wchar> names_in(const time_rec &data, name_list list, const gl_wchar *);
-
-// The texts of numbers from 0 in the locale's own digits.
-name_table<char> own_digits_in(const time_rec &data, const char *);
-name_table<gl_wchar> own_digits_in(const time_rec &data, const gl_wchar *);
-
-inline constexpr text_field<era_rec> era_format = {&era_rec::format, &era_rec::wide_format};
-inline constexpr text_field<time_rec> am_text = {&time_rec::am, &time_rec::wide_am};
-inline constexpr text_field<time_rec> pm_text = {&time_rec::pm, &time_rec::wide_pm};
-
-// ---- Numbers that modifiers shape
-
-inline constexpr int32_t most_number_elements = 255;
-
-struct shaped_number {
-    gl_wchar text[most_number_elements];
-    int32_t length;
-};
-
-// Writes a number as the number formatter does. What `wanted` leaves open, width and precision,
-// comes from `usual`. GLS_ERR_NO_ROOM when it is too long.
-int32_t shape_number(locale_rec *lc, int64_t number, const number_shape &usual,
-                     const number_shape &wanted, shaped_number &out);
-
-// The shape that a number has by itself.
-constexpr number_shape usual_shape(int32_t precision, int32_t width = gl_modifier_unset) {
-    return {.width = width, .precision = precision};
-}
-constexpr number_shape usual_shape(const time_number &number) {
-    return usual_shape(number.precision, number.width);
-}
-
-// A fraction's precision is the digits that it is cut to, whatever a modifier asks for: fewer
-// digits would be another fraction.
-inline number_shape fraction_shape(const directive &d) {
-    number_shape shape = d.shape;
-    shape.precision = std::max(shape.precision, d.fraction_digits);
-    return shape;
-}
-
-// ---- Directives
-
-constexpr bool is_modifier(gl_wchar c) {
-    return (c >= '0' && c <= '9') || c == '\'' || c == '-' || c == '+' || c == ' ' || c == '#' ||
-           c == '.';
-}
-
-// Takes the modifiers apart; `text` is terminated and goes on behind them. `used` elements of it.
-int32_t parse_modifiers(locale_rec *lc, const gl_wchar *text, number_shape &shape, int32_t &used);
-
-// Reads modifiers through a copy: they are ASCII in either form of a format, and few.
-template <class unit>
-int32_t read_modifiers(locale_rec *lc, text_cursor<unit> &format, number_shape &shape) {
-    constexpr int32_t most_modifiers = 60;
-    gl_wchar copy[most_modifiers + 2];
-    int32_t count = 0;
-    text_cursor<unit> ahead = format;
-    for (; is_modifier(ahead.character()); ahead.advance()) {
-        if (count == most_modifiers)
-            return GLS_ERR_FORMAT;
-        copy[count++] = ahead.character();
-    }
-    copy[count] = ahead.character();
-    copy[count + 1] = 0;
-    const int32_t error = parse_modifiers(lc, copy, shape, count);
-    for (; error == GLS_OK && count > 0; --count)
-        format.advance();
-    return error;
-}
-
-template <class unit> int32_t end_of_directive(const text_cursor<unit> &format) {
-    return format.is_broken() ? GLS_ERR_BAD_CHARACTER : GLS_ERR_NO_REGISTRY; // 15: ended too early
-}
-
-template <class unit>
-int32_t take_conversion(text_cursor<unit> &format, const conversion_index &table,
-                        const time_conversion *&row) {
-    if (format.character() == 0)
-        return end_of_directive(format);
-    row = find_conversion(table, format.character());
-    format.advance();
-    return row == nullptr ? GLS_ERR_FORMAT : GLS_OK;
-}
-
-inline bool is_one_letter(const time_conversion &conversion) {
-    return conversion.kind != conversion_kind::prefix &&
-           conversion.kind != conversion_kind::fraction;
-}
-
-// Reads what follows "%". Without eras an "E", without digits of the locale's own an "O" is passed
-// over.
-template <class unit>
-int32_t read_directive(const format_visit<unit> &visit, text_cursor<unit> &format, directive &out,
-                       const time_conversion *&conversion) {
-    int32_t error = GLS_OK;
-    if (is_modifier(format.character()))
-        error = read_modifiers(visit.lc, format, out.shape);
-    const conversion_index *table = &plain_conversions;
-    if (format.character() == 'E') {
-        format.advance();
-        table = visit.has_eras ? &era_conversions : table;
-    } else if (format.character() == 'O') {
-        format.advance();
-        out.own_digits = visit.has_digits;
-    }
-    if (error == GLS_OK)
-        error = take_conversion(format, *table, conversion);
-    if (error == GLS_OK && out.own_digits && conversion->digits == digits_form::refused)
-        return GLS_ERR_FORMAT;
-    if (error == GLS_OK && conversion->kind == conversion_kind::prefix)
-        error = take_conversion(format, conversions_after_i, conversion);
-    if (error == GLS_OK && conversion->kind == conversion_kind::fraction &&
-        format.character() >= '0' && format.character() <= '0' + most_fraction_digits) {
-        out.fraction_digits = static_cast<int32_t>(format.character() - '0');
-        format.advance();
-    }
-    return error;
-}
 
 // ---- What most formats are made of: plain numbers, and text that stands for itself
 //
@@ -341,7 +175,7 @@ template <class unit, class visitor> int32_t walk_format(visitor &visit, const u
                         : visit_directive<unit>(visit, *conversion, usual_directive);
         } else {
             directive d;
-            error = read_directive<unit>(visit, at, d, conversion);
+            error = read_directive(visit.lc, visit.has, at, d, conversion);
             if (error == GLS_OK)
                 error = visit_directive<unit>(visit, *conversion, d);
         }

@@ -47,7 +47,7 @@ private:
     const gl_wchar *at_;
 };
 
-// What is not a character reads as the end does; `is_broken` tells the two apart. ASCII, which most
+// What is not a character reads as the end does; `is_broken` distinguishes them. ASCII, which most
 // formats and numbers are, is not decoded.
 template <> class text_cursor<char> {
 public:

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "gls/time/format_walk.h"
+#include "gls/time/number_shape.h"
 #include "gls/time/text_cursor.h"
 #include <kestrion/locale_rec.h>
 

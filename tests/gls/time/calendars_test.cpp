@@ -55,7 +55,7 @@ private:
 };
 
 // ICU puts four Hebrew new years a day late. In each the new moon of Tishri falls on a Sunday after
-// 15 hours 589 parts, behind a leap year; Sunday is put off to Monday, and ICU then applies the rule
+// 15 hours 589 parts, after a leap year; Sunday is put off to Monday, and ICU then applies the rule
 // for a new moon on a Monday to the day that was put off. The published rule looks at the moon alone.
 // Heshvan of the year before then has a day more and that of the late year one less, so that all
 // dates from Kislev to the next Heshvan differ: 385 days.
