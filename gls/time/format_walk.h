@@ -76,7 +76,7 @@ template <class unit> constexpr bool is_plain_text(unit c) {
 inline int32_t plain_length(const ctype_rec &ct, const char *at) {
     if (static_cast<signed char>(*at) >= 0)
         return 0;
-    const decoded_char c = decode_limited(ct.class_walk, at, longest_character);
+    const decoded_char c = decode_limited(ct.class_walk, at, gl_char_bytes);
     return is_char(c) && (c.step.datum & CT_SPACE) == 0 ? c.length : 0;
 }
 inline int32_t plain_length(const ctype_rec &ct, const gl_wchar *at) {
