@@ -1,4 +1,5 @@
-// Formats of numbers and of money as they come: a byte for the locale, a byte for the room, the format.
+// Formats of numbers and of money as they come: a byte for the locale, a byte for the room, the
+// format.
 
 #include "fuzz/number_conventions.h"
 #include <kestrion/money_format.h>

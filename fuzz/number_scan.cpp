@@ -1,5 +1,5 @@
-// Texts and formats of the scanners as they come: a byte for the locale, the format up to a line feed,
-// the text. What a float or an integer is read from is the whole text.
+// Texts and formats of the scanners as they come: a byte for the locale, the format up to a line
+// feed, the text. What a float or an integer is read from is the whole text.
 
 #include "fuzz/number_conventions.h"
 #include <kestrion/money_scan.h>

@@ -64,8 +64,8 @@ const std::vector<int64_t> &cents() {
     return made;
 }
 
-// Processor time of one pass over the values, in nanoseconds a value: other programs of the machine do
-// not count.
+// Processor time of one pass over the values, in nanoseconds a value: other programs of the machine
+// do not count.
 template <typename Call> double nanoseconds(Call call) {
     const auto now = [] {
         timespec time;

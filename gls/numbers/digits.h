@@ -19,7 +19,8 @@ char *integer_digits(char *end, uint64_t value, uint32_t base, bool upper_case);
 
 // "%.*f" of a finite value that is not negative, made in a buffer.
 // precision  0 or more.
-// Returns    where the text is, not terminated, with a place before it that is free to be written to;
+// Returns    where the text is, not terminated, with a place before it that is free to be written
+// to;
 //            a length of float_text_limit or more when it does not fit.
 ascii_piece fixed_digits(char (&buffer)[float_text_limit], double value, int32_t precision);
 

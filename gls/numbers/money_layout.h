@@ -38,8 +38,8 @@ struct money_layout {
     wide_piece sign;
 };
 
-// The layouts for a directive; the sign of the positive one is the locale's positive sign. Where the
-// locale does not say how amounts look, the layout is empty.
+// The layouts for a directive; the sign of the positive one is the locale's positive sign. Where
+// the locale does not say how amounts look, the layout is empty.
 money_layout layout_of(const locale_rec *lc, const money_directive &directive, bool negative);
 
 // The text of a token other than the value.

@@ -48,9 +48,9 @@ template <class source> struct amount_start {
     bool after_white; // white space before it was skipped
 };
 
-// Walks a layout along the source. A missing symbol does no harm; the end of the source ends the walk.
-// A layout whose first text is a space, since there is no symbol, finds it in the white space that
-// was skipped.
+// Walks a layout along the source. A missing symbol does no harm; the end of the source ends the
+// walk. A layout whose first text is a space, since there is no symbol, finds it in the white space
+// that was skipped.
 template <class source>
 amount_match<source> mon_maskmatch(const amount_start<source> &start, const money_layout &layout,
                                    const number_marks &marks) {
@@ -83,8 +83,8 @@ amount_match<source> mon_maskmatch(const amount_start<source> &start, const mone
     return match;
 }
 
-// The better of the two layouts: the one that uses more of the source, at equal length the positive.
-// A positive amount may also go without its sign.
+// The better of the two layouts: the one that uses more of the source, at equal length the
+// positive. A positive amount may also go without its sign.
 template <class source>
 amount_match<source> best_match(const amount_start<source> &start, money_layout positive,
                                 const money_layout &negative) {

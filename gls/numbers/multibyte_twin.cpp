@@ -97,14 +97,13 @@ int32_t _gl_get_mbstring(locale_rec *lc, char *dst, int32_t size, const gl_wchar
         return no_result(lc, dst, size, count);
     const ctype_rec &ct = ctype_of(lc);
     const int32_t room = size - ct.mb_loc_min;
+    const bool ascii = ct.ascii_bytes != 0;
     int32_t bytes = 0;
-    if (ct.ascii_bytes)
-        for (const int32_t end = count < room ? count : room; bytes < end; ++bytes) {
-            if (src[bytes] - 1 >= 0x7f)
-                break;
-            dst[bytes] = static_cast<char>(src[bytes]);
+    for (int32_t i = 0; i < count; ++i) {
+        if (ascii && src[i] - 1 < 0x7f && bytes < room) {
+            dst[bytes++] = static_cast<char>(src[i]);
+            continue;
         }
-    for (int32_t i = bytes; i < count; ++i) {
         unsigned char character[gl_char_bytes];
         const int32_t length = encode_wide(ct, character, src[i]);
         if (length == 0 || length > room - bytes)

@@ -49,8 +49,8 @@ struct conversion {
 // Null for a letter that is not a conversion.
 const conversion *conversion_of(gl_wchar letter);
 
-// Read a whole directive from the element after "%" into one as it is made, and leave `at` after the
-// conversion. Return
+// Read a whole directive from the element after "%" into one as it is made, and leave `at` after
+// the conversion. Return
 // GLS_OK or the error: GLS_ERR_NO_REGISTRY when the format ends inside it, GLS_ERR_FORMAT for a bad
 // number before "$", GLS_ERR_PRECISION. Whether the conversion exists is left to the caller.
 int32_t read_format_directive(locale_rec *lc, const gl_wchar *&at, number_directive &out);

@@ -1,5 +1,5 @@
-// Integers and floats in text, wide or multibyte: what the single operations, the number scanner and
-// the money scanner share.
+// Integers and floats in text, wide or multibyte: what the single operations, the number scanner
+// and the money scanner share.
 
 #pragma once
 

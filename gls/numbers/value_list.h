@@ -1,8 +1,8 @@
 // The variable arguments of a formatter or scanner, taken one after the other or, when directives
 // are numbered, by number.
 //
-// A list can be walked only once and only when the type of each argument is known. So the numbers of
-// all directives are announced first; then the list is walked to the highest number.
+// A list can be walked only once and only when the type of each argument is known. So the numbers
+// of all directives are announced first; then the list is walked to the highest number.
 
 #pragma once
 
@@ -27,8 +27,8 @@ public:
     value_list(const value_list &) = delete;
     value_list &operator=(const value_list &) = delete;
 
-    // Begun and ended by the operation that has the arguments: with va_start, which spares a copy, or
-    // with va_copy.
+    // Begun and ended by the operation that has the arguments: with va_start, which spares a copy,
+    // or with va_copy.
     va_list list;
 
     // The value of a directive or star: the next one, or that of its number. False when numbers are

@@ -2,9 +2,9 @@
 //
 // Group sizes, separator and signs are those of the locale's NUMERIC category. Operations take the
 // locale first; a null locale has the signs "+" and "-" and no groups. They return -1 with
-// GLS_ERR_ARGUMENT for a base that is not 2 to 36, GLS_ERR_NO_ROOM when the text with its terminator
-// does not fit or takes more than 255 elements, GLS_ERR_BAD_CHARACTER when the code set has no such
-// text.
+// GLS_ERR_ARGUMENT for a base that is not 2 to 36, GLS_ERR_NO_ROOM when the text with its
+// terminator does not fit or takes more than 255 elements, GLS_ERR_BAD_CHARACTER when the code set
+// has no such text.
 
 #pragma once
 

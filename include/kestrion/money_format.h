@@ -1,8 +1,8 @@
 // Amounts of money to text of a locale, by formats with "%i" and "%n".
 //
-// A format is text and directives. A directive is "%", flags, width, "#" and left precision, "." and
-// right precision, and "i" (the international symbol, "USD ") or "n" (the local one, "$"); "%%" is a
-// percent sign. The value is a double. en_US, de_DE:
+// A format is text and directives. A directive is "%", flags, width, "#" and left precision, "."
+// and right precision, and "i" (the international symbol, "USD ") or "n" (the local one, "$"); "%%"
+// is a percent sign. The value is a double. en_US, de_DE:
 //
 //   %n    of 1234567.891   $1,234,567.89       1.234.567,89 EURO
 //   %i    of 1234567.891   USD 1,234,567.89    1.234.567,89 EUR and a blank, which the symbol has
@@ -23,14 +23,15 @@
 //
 // Width is the least count of display columns; the left precision n makes room for n digits with
 // their separators and the point, and for the longer of the positive and the negative layout, so
-// that amounts stand in columns. The right precision is the count of digits after the point; without
-// it the locale says, and where the locale does not, 2. A width or precision above 9999 counts as 9999.
+// that amounts stand in columns. The right precision is the count of digits after the point;
+// without it the locale says, and where the locale does not, 2. A width or precision above 9999
+// counts as 9999.
 //
 // The value is rounded half up on the six digits after the point that "%f" prints, so that 0.995
-// gives 1.00; below 0 decides the sign, so that -0.004 gives -0.00 and -0.0 gives 0.00. The groups are
-// those of MONETARY, their separator that of NUMERIC: other programs of the installation read amounts
-// that way. An amount above 255 elements is cut there. A locale that does not say how amounts look
-// (a null one, too) gives empty amounts.
+// gives 1.00; below 0 decides the sign, so that -0.004 gives -0.00 and -0.0 gives 0.00. The groups
+// are those of MONETARY, their separator that of NUMERIC: other programs of the installation read
+// amounts that way. An amount above 255 elements is cut there. A locale that does not say how
+// amounts look (a null one, too) gives empty amounts.
 
 #pragma once
 

@@ -1,14 +1,15 @@
 // Amounts of money out of text of a locale, by the formats of <kestrion/money_format.h>.
 //
-// White space in a format skips white space in the source; "%%" skips one character; other characters
-// must be the same in the source. The first amount read ends the scan: what the format has after it is
-// not looked at.
+// White space in a format skips white space in the source; "%%" skips one character; other
+// characters must be the same in the source. The first amount read ends the scan: what the format
+// has after it is not looked at.
 //
 // The symbol may be missing in the source, and the sign of positive amounts, too. A negative amount
-// needs its sign text or its brackets. Separators may stand between any two digits: those of MONETARY
-// or those of NUMERIC. With a width, so many columns of the source are looked at. "-" and "0" leave
-// white space before the amount to the format. "^", "=f" and the precisions change nothing; so fills
-// other than blanks and zeros can't be read. 2147483647 itself counts as no value.
+// needs its sign text or its brackets. Separators may stand between any two digits: those of
+// MONETARY or those of NUMERIC. With a width, so many columns of the source are looked at. "-" and
+// "0" leave white space before the amount to the format. "^", "=f" and the precisions change
+// nothing; so fills other than blanks and zeros can't be read. 2147483647 itself counts as no
+// value.
 
 #pragma once
 

@@ -34,7 +34,8 @@
 //
 // Where this is not C: "0" pads also with a precision; zeros of the precision are not grouped
 // ("%'.9d" of 1088030 -> 001,088,030); "#" adds its prefix to 0 as well; "+" and blank act on
-// unsigned conversions too; zeros of "0" come after the prefix; a value of 0 always has a digit; "L" is long.
+// unsigned conversions too; a value of 0 always has a digit; "L" is long. As in C, the zeros of "0"
+// come after sign and prefix.
 //
 // Operations take the locale first; a null locale has the point ".", the signs "+" and "-" and no
 // groups. They return -1 and leave the cause in the error word: GLS_ERR_NO_ROOM when the result

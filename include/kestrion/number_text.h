@@ -1,9 +1,9 @@
 // Single integers and floats read from text of a locale.
 //
 // A number begins after white space (the locale's class "space"). Its sign is a sign text of the
-// locale's NUMERIC category, or "+" or "-". With `group` not 0 the group separator may stand between
-// any two digits of the integer part. Operations take the locale first; a null locale has the point
-// ".", the signs "+" and "-" and no separator.
+// locale's NUMERIC category, or "+" or "-". With `group` not 0 the group separator may stand
+// between any two digits of the integer part. Operations take the locale first; a null locale has
+// the point ".", the signs "+" and "-" and no separator.
 //
 //     const char *end;
 //     int64_t value = gl_mbstol(lc, "1.234.567 Stk", &end, 10, 1); // de_DE: 1234567, end at " Stk"

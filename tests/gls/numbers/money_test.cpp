@@ -23,8 +23,8 @@ std::string amount(locale_rec *lc, const std::string &format, double value) {
     return "error " + std::to_string(taken_error(lc));
 }
 
-// The layouts as they are published: sign position times ten plus separation, then the tokens with the
-// symbol after the value and before it.
+// The layouts as they are published: sign position times ten plus separation, then the tokens with
+// the symbol after the value and before it.
 constexpr struct {
     int32_t key;
     const char *after, *before;
