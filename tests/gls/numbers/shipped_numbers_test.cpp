@@ -237,6 +237,16 @@ bool places_are_shared() {
            money->n_sign_posn == money->int_n_sign_posn;
 }
 
+// Amounts are separated like numbers here, which a few locales separate in another way.
+std::string with_separator_of_numbers(std::string text, const locale_rec *lc) {
+    const std::string money = lc->monetary_cat.mon_thousands_sep;
+    const std::string numbers = lc->numeric_cat.thousands_sep;
+    if (money != numbers && !money.empty())
+        for (size_t at = 0; (at = text.find(money, at)) != text.npos; at += numbers.size())
+            text.replace(at, money.size(), numbers);
+    return text;
+}
+
 std::string without_blanks(std::string text) {
     std::erase(text, ' ');
     return text;
@@ -245,9 +255,6 @@ std::string without_blanks(std::string text) {
 } // namespace
 
 TEST_P(ShippedNumbers, AmountsAreThoseOfStrfmon) {
-    // The engine separates amounts by the separator of numbers.
-    if (strcmp(lc_->numeric_cat.thousands_sep, lc_->monetary_cat.mon_thousands_sep) != 0)
-        GTEST_SKIP() << "numbers and amounts have different separators";
     for (long i = 0; i < random_cases(1000); ++i) {
         // Whole cents, and away from halves: these are rounded half up on what "%f" prints.
         const auto cents = static_cast<int64_t>(random_() >> (24 + random_() % 40));
@@ -261,8 +268,9 @@ TEST_P(ShippedNumbers, AmountsAreThoseOfStrfmon) {
         for (const amount_format &format : amount_formats) {
             if (format.has("i") && !places_are_shared())
                 continue; // an object has one set of places for both symbols
-            char theirs[256];
-            strfmon(theirs, sizeof theirs, format.text.c_str(), value);
+            char written[256];
+            strfmon(written, sizeof written, format.text.c_str(), value);
+            const std::string theirs = with_separator_of_numbers(written, lc_);
             const std::string own = our_amount(format.text, value);
             ASSERT_TRUE(own == theirs || blanks_may_differ(format, lc_->monetary_cat))
                 << format.text << " of " << value << ": '" << own << "', the library '" << theirs
