@@ -164,6 +164,8 @@ void release_loaded(GlsEnv *env) {
         gl_lc_unload(env->cur_lc);
     env->cur_lc = nullptr;
     state.client_lc = nullptr; // was the same object
+    init_dflt_lconv_int(state.lconv);
+    state.mon_ready = 0;
     unload_conversion(state.cv_clienttodb);
     unload_conversion(state.cv_dbtoclient);
     unload_conversion(state.cv_app2os);
@@ -239,6 +241,7 @@ int CreateGlsEnv(const GlsEnvLocale *request, GlsEnv **out, int init) {
     created->node.env = &created->env;
     created->env.state = state;
     state->mode = GLS_MODE_CLIENT;
+    init_dflt_lconv_int(state->lconv);
     init_dflt_lconv_int(state->net_lconv);
     ++glsenv_count;
     if (init) {

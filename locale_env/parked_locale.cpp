@@ -6,6 +6,12 @@
 
 namespace {
 
+// Makes `lc` the locale, and derives its conventions.
+void take_locale(GlsEnv *env, locale_rec *lc) {
+    env->cur_lc = lc;
+    init_local_lconv(env->state->lconv);
+}
+
 // What was derived from the locale before must be derived anew.
 void forget_money(new_gls_env_rec &state) {
     state.mon_ready = 0;
@@ -20,7 +26,7 @@ int restoreploc(void) {
     state.dbnls = DBNLSset() == 1 ? 1 : 2;
     if (state.saved_lc == nullptr)
         return 0;
-    env->cur_lc = state.saved_lc;
+    take_locale(env, state.saved_lc);
     state.saved_lc = nullptr;
     if (const int result = restorelocsp(env->cur_lc); result != 0)
         return result;
@@ -36,7 +42,7 @@ int restorelang(int32_t dbnls, locale_rec *lc, locale_rec *saved_lc, cv_rec *app
     GlsEnv *env = CheckGlsEnv();
     new_gls_env_rec &state = *env->state;
     state.dbnls = dbnls;
-    env->cur_lc = lc;
+    take_locale(env, lc);
     state.saved_lc = saved_lc;
     state.cv_app2os = app2os;
     state.saved_cv_app2os = saved_app2os;

@@ -302,6 +302,7 @@ int initgls(int16_t mode) {
         return getiniterr();
     }
     state.mode = mode;
+    init_local_lconv(state.lconv);
     settle_file_names();
     state.init_flags = static_cast<int16_t>(state.init_flags | mode);
     state.initialising = 0;

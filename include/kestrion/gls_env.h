@@ -58,9 +58,10 @@ typedef struct lconv_rec {
     char thousands_sep[32];
     char positive_sign[32];
     char negative_sign[32];
-    int32_t group_count; // sizes in use; 0: digits are not grouped
-    int32_t groups[15];  // digits in a group, from the right
-    char reserved[68];
+    int32_t group_count;  // sizes in use; 0: digits are not grouped
+    int32_t groups[15];   // digits in a group, from the right; 0 repeats, -1 ends grouping
+    char money_radix[32]; // of amounts of money; empty until rmoninit has run
+    char reserved[36];
 } lconv_rec;
 static_assert(sizeof(lconv_rec) == 260, "stated size");
 
