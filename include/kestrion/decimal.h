@@ -156,6 +156,27 @@ int dectoint(const dec_value *dec, int32_t *out);  // -32767..32767
 int deccvlong(int32_t value, dec_value *dec);
 int deccvint(int32_t value, dec_value *dec); // 40000 passes
 
+// -- Floating point ------------------------------------------------------------------------------
+
+// The double or float nearest to the decimal; NULL gives the one with all bits set. A value beyond
+// the floats is an infinity of its sign.
+int dectodbl(const dec_value *dec, double *out);
+void dectoflt(const dec_value *dec, float *out);
+
+// The decimal that has the first 17 significant digits of a double, or 9 of a float, which comes
+// widened; 16 and 8 when get_useprec16() says so. deccvfd takes the count, cut to 1..17.
+// Returns 0, or err_float_range, with 0 in the record, for what is not finite or is outside
+// 1e-130..9.9..e125. The double with all bits set (the widened float, for 9 digits and less) is
+// NULL.
+// Example 0.1 -> 0.10000000000000001 with 17 digits, 0.1 with 16.
+int deccvdbl(dec_value *dec, double value);
+int deccvflt(dec_value *dec, double value);
+int deccvfd(dec_value *dec, int digits, double value);
+
+// Not 0 when QVT_USE_PREC_16 is "1", which is asked for once in the process; 0 without a control
+// block.
+int get_useprec16(void);
+
 #ifdef __cplusplus
 }
 #endif

@@ -14,7 +14,9 @@ typedef struct value_heap value_heap; // <kestrion/value_heap.h>
 
 // Bits of `gen_flags`.
 enum gen_flag {
-    GEN_DBVER_SET = 16, // the version of the database is known
+    GEN_DBVER_SET = 16,    // the version of the database is known
+    GEN_PREC16_KNOWN = 32, // QVT_USE_PREC_16 was asked for
+    GEN_PREC16 = 64,       // it is in force
 };
 
 enum {
@@ -51,7 +53,9 @@ typedef struct gentcb {
     char *install_dir;           // installation directory, null until first use; owned
     value_heap *string_heap;     // loaded messages, null until first use
     char path[gen_path_size];    // path built last
-    unsigned char reserved[560]; // fields to come
+    char *digit_text;            // digits of the decimal printed last, null at first; owned
+    int32_t digit_capacity;      // bytes of it
+    unsigned char reserved[544]; // fields to come
 } gentcb;
 static_assert(sizeof(gentcb) == 1248, "stated size");
 
