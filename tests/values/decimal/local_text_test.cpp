@@ -2,9 +2,12 @@
 // environment of its own.
 
 #include <kestrion/conventions.h>
+#include <kestrion/decimal_format.h>
 #include <kestrion/decimal_text.h>
 #include <kestrion/double_text.h>
 #include <kestrion/environments.h>
+#include <kestrion/gentcb.h>
+#include <kestrion/gls_errors.h>
 #include <kestrion/money_text.h>
 #include <kestrion/startup.h>
 
@@ -42,15 +45,19 @@ std::string money(const char *value, int length, int right) {
     return text;
 }
 
-// The amount that a text is read as, in the neutral form; "?" when it is refused.
-std::string amount(std::string text) {
-    dec_value value;
-    if (rmondec(text.data(), static_cast<int>(text.size()), &value) != 0)
-        return "?";
-    text.assign(30, ' ');
+std::string written_neutral(const dec_value &value) {
+    std::string text(30, ' ');
     dectoasc_net(&value, text.data(), 30, -1);
     text.erase(text.find_last_not_of(' ') + 1);
     return text;
+}
+
+// The amount that a text is read as, in the neutral form; "?" when it is refused.
+std::string amount(const std::string &text) {
+    dec_value value;
+    if (rmondec(text.data(), static_cast<int>(text.size()), &value) != 0)
+        return "?";
+    return written_neutral(value);
 }
 
 TEST(LocalNumbers, FollowTheLocaleAndGoBackWithIt) {
@@ -166,6 +173,78 @@ TEST(Money, FollowsItsVariableBothWays) {
 TEST(Money, WithoutARadixInTheVariableHasTheLocales) {
     start("de_de.utf8", "DM");
     EXPECT_EQ(money("1.5", 8, 2), "DM1,50  ");
+}
+
+TEST(NumberFormats, KindsAreThoseOfTheFirstDirective) {
+    const struct {
+        const char *format;
+        int kind;
+    } rows[] = {
+        {"%f", 1},     {"a%%b %'+-# 012.3G%%", 1},
+        {"%d", 2},     {"%.5q", 2},
+        {"", 0},       {"100%%", 0},
+        {"%s", 0},     {"%lf", 0},
+        {"%*d", 0},    {"%1$d", 0},
+        {"%d %d", -1}, {"%d %", -1},
+        {"%", 0},      {"%5", 0},
+        {"%d %%", 2},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(get_num_fmt_type(row.format), row.kind) << row.format;
+}
+
+TEST(NumberFormats, ConvertBothWaysInTheLocale) {
+    start("de_de.utf8");
+    const struct {
+        const char *text, *format, *value;
+    } rows[] = {
+        {"1.234,5", "%'f", "1234.5"}, {"1234,5", nullptr, "1234.5"},        {"-17", "%d", "-17.0"},
+        {"ff", "%x", "255.0"},        {"0,1", "%e", "0.10000000000000001"}, {"-32768", "%d", ""},
+        {"  ", nullptr, ""},          {"= 7 %", "= %i %%", "7.0"},
+    };
+    for (const auto &row : rows) {
+        dec_value got;
+        EXPECT_EQ(qvt_gl_convert_number(&got, row.text, row.format), 0) << row.text;
+        EXPECT_EQ(written_neutral(got), row.value) << row.text;
+    }
+    dec_value got;
+    EXPECT_EQ(qvt_gl_convert_number(&got, "x", "%f"), -1);
+    EXPECT_EQ(get_glserror(), GLS_ERR_ARGUMENT);
+    EXPECT_EQ(qvt_gl_convert_number(&got, "x", nullptr), -1);
+    EXPECT_EQ(get_glserror(), GLS_ERR_ARGUMENT);
+    EXPECT_EQ(qvt_gl_convert_number(&got, "1", "%s"), -1);
+    EXPECT_EQ(get_glserror(), GLS_ERR_FORMAT);
+    EXPECT_EQ(qvt_gl_convert_number(&got, "1", (std::string(300, ' ') + "%f").c_str()), -1);
+    EXPECT_EQ(get_glserror(), GLS_ERR_FORMAT);
+
+    const struct {
+        const char *value, *format, *wanted; // null: refused
+    } written[] = {
+        {"1234.5", "%'.2f", "1.234,50"},
+        {"1234.5", nullptr, "1234,5"},
+        {"-7", "<%5d>", "<   -7>"},
+        {"32768", "%d", nullptr},
+        {"1", "%s", nullptr},
+        {"", nullptr, ""},
+        {"", "%f", nullptr},
+        {"255", "%#x", "0xff"},
+    };
+    for (const auto &row : written) {
+        char text[20];
+        const dec_value value = value_of(row.value);
+        EXPECT_EQ(qvt_gl_format_number(text, 20, &value, row.format), row.wanted ? 0 : -1);
+        if (row.wanted != nullptr) {
+            EXPECT_STREQ(text, row.wanted);
+        } else {
+            EXPECT_EQ(get_glserror(), GLS_ERR_ARGUMENT) << row.value;
+        }
+    }
+    char small[3] = "ab";
+    const dec_value value = value_of("12.5");
+    EXPECT_EQ(qvt_gl_format_number(small, 0, &value, nullptr), -1);
+    EXPECT_STREQ(small, "ab");
+    EXPECT_EQ(qvt_gl_format_number(small, 3, &value, nullptr), 0);
+    EXPECT_STREQ(small, "13");
 }
 
 } // namespace
