@@ -1,5 +1,5 @@
 // A locale object of any bytes: it is refused and leaves nothing allocated, or it loads and the
-// operations on characters serve a text that ends at the end of its block.
+// operations on characters and the comparers serve a text that ends at the end of its block.
 
 #include "gls/objects/category_data.h"
 #include <kestrion/categories.h>
@@ -8,7 +8,10 @@
 #include <kestrion/char_convert.h>
 #include <kestrion/char_length.h>
 #include <kestrion/char_width.h>
+#include <kestrion/collation.h>
 #include <kestrion/locale_file.h>
+#include <kestrion/sort_key.h>
+#include <kestrion/thai_order.h>
 
 #include <stddef.h>
 #include <stdint.h>
@@ -49,6 +52,26 @@ void use_characters(locale_rec *lc, const uint8_t *data, size_t size) {
     free(text);
 }
 
+// Compares the last bytes of the object, cut in two, by every comparer.
+void compare_texts(locale_rec *lc, const uint8_t *data, size_t size) {
+    const size_t count = size < 200 ? size : 200;
+    char *text = static_cast<char *>(malloc(count + text_tail));
+    memcpy(text, data + (size - count), count);
+    memset(text + count, 0, text_tail);
+    const int32_t half = static_cast<int32_t>(count / 2);
+    const int32_t rest = static_cast<int32_t>(count) - half;
+    const gl_mbfscoll_fn comparers[] = {lc->mbfscoll_fn,          _qvt_gl_im_mbfscoll,
+                                        _qvt_gl_is_mbfscoll_exp,  _qvt_gl_is_mbfscoll_elem,
+                                        _qvt_gl_is_mbfscoll_back, _qvt_gl_is_mbfscoll_exp_elem};
+    for (const gl_mbfscoll_fn compare : comparers)
+        compare(lc, text, half, text + half, rest);
+    qvt_gl_begins_with(lc, text, half, text + half, rest, 2);
+    char key[64];
+    _gl_thaismoxfrm(lc, text, key, sizeof key);
+    gl_full_mbsxfrm(lc, key, text, sizeof key);
+    free(text);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
@@ -66,6 +89,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     }
     update_locale(lc);
     use_characters(lc, data, size);
+    compare_texts(lc, data, size);
     gl_lc_unload(lc);
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include "gls/base/engine_error.h"
 #include "gls/naming/category_words.h"
+#include "gls/collation/order_tables.h"
 #include "gls/objects/category_data.h"
 #include "gls/text/char_walk.h"
 #include <kestrion/code_set_registry.h>
@@ -84,6 +85,7 @@ void gl_free_category(locale_rec *lc, int32_t category) {
     if (!is_single_category(category))
         return;
     int32_t slot = category - gl_first_category;
+    lc->order_walk = nullptr; // until it is settled again whether rows and characters agree
     if (lc->shared[slot])
         categories[slot].clear(lc); // lent data are only forgotten
     lc->shared[slot] = 0;
@@ -94,6 +96,7 @@ int32_t update_locale(locale_rec *lc) {
     lc->is_single_byte = lc->ctype_cat.mb_loc_max == 1;
     lc->code_set_order = lc->collate_cat.code_order_form != 0;
     lc->glu_collate = lc->glu_in_use[GL_CAT_COLLATE - gl_first_category];
+    lc->order_walk = walk_of_both(lc);
     if (set_function_pointers(lc) != 0)
         return -1;
     if (same_code_sets(lc))

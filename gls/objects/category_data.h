@@ -6,6 +6,7 @@
 
 #pragma once
 
+#include "gls/base/arrays.h"
 #include "gls/base/engine_error.h"
 #include "gls/objects/locale_object.h"
 #include <kestrion/ext_funcs.h>
@@ -46,32 +47,6 @@ bool read_table(locale_rec *lc, FILE *file, multi_arr *&table);
 
 // An empty table of 16-bit data.
 bool make_empty_table(locale_rec *lc, multi_arr *&table);
-
-// ---- Arrays that grow as entries are read
-
-// Makes room for one more entry after the first `count`.
-template <class entry> bool make_room(locale_rec *lc, entry *&array, size_t count, size_t &room) {
-    if (count < room)
-        return true;
-    size_t wanted = room == 0 ? 8 : room * 2;
-    void *bigger = _gl_ext_realloc(array, wanted * sizeof(entry));
-    if (!bigger)
-        return refuse(lc, GLS_ERR_NO_MEMORY);
-    array = static_cast<entry *>(bigger);
-    room = wanted;
-    return true;
-}
-
-// Zeroed entries; `count` is at least 1.
-template <class entry> bool make_array(locale_rec *lc, entry *&array, size_t count) {
-    array = static_cast<entry *>(_gl_ext_calloc(count, sizeof(entry)));
-    return array || refuse(lc, GLS_ERR_NO_MEMORY);
-}
-
-template <class entry> void free_array(entry *&array) {
-    _gl_free_ptr(const_cast<void *>(static_cast<const void *>(array)));
-    array = nullptr;
-}
 
 // ---- Texts
 

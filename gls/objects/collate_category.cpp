@@ -3,6 +3,7 @@
 #include "gls/objects/category_data.h"
 
 #include "gls/base/engine_error.h"
+#include "gls/collation/order_tables.h"
 #include "gls/multi/multi_tree.h"
 #include "gls/objects/collate_analysis.h"
 #include "gls/objects/locale_object.h"
@@ -61,8 +62,11 @@ bool read_counts(locale_rec *lc, FILE *file, section_counts &n) {
 }
 
 bool read_directions(locale_rec *lc, FILE *file, collate_rec &r) {
-    for (int32_t level = 0; level < r.level_count; ++level)
+        for (int32_t level = 0; level < r.level_count; ++level) {
         r.level_order[level] = static_cast<int32_t>(_gl_get_hex(file, 4));
+        if (r.level_order[level] != coll_forward && r.level_order[level] != coll_backward)
+            return refuse(lc, GLS_ERR_MALFORMED);
+    }
     return read_line_end(lc, file);
 }
 
@@ -97,6 +101,14 @@ bool read_contractions(locale_rec *lc, FILE *file, collate_rec &r, int64_t count
     return true;
 }
 
+// In a single-byte code set the bytes of an expansion are walked as a text.
+bool all_are_bytes(const coll_expansion &e) {
+    for (int32_t i = 0; i < e.length; ++i)
+        if (e.chars[i] == 0 || e.chars[i] > 0xff)
+            return false;
+    return true;
+}
+
 bool read_expansions(locale_rec *lc, FILE *file, collate_rec &r, int64_t count) {
     size_t room = 0;
     for (int32_t i = 0; i < count; ++i) {
@@ -108,12 +120,18 @@ bool read_expansions(locale_rec *lc, FILE *file, collate_rec &r, int64_t count) 
         e.length = static_cast<int32_t>(_gl_get_hex(file, 1));
         if (!read_sequence(lc, file, e.length, e.chars))
             return false;
+        if (r.row_table->max_len == 1 && !all_are_bytes(e))
+            return refuse(lc, GLS_ERR_MALFORMED);
     }
     return true;
 }
 
+// Weights start at 2; what would be 0 or 1 but for the tie bit is none.
 bool weight_fits(const collate_rec &r, uint16_t weight) {
-    return !(weight & coll_expands) || (weight & coll_value_bits) < r.expansion_count;
+    const uint16_t value = weight & coll_value_bits;
+    if (weight & coll_expands)
+        return value < r.expansion_count;
+    return weight == coll_ignored || (value > coll_ignored && value <= r.max_weight);
 }
 
 bool read_rows(locale_rec *lc, FILE *file, collate_rec &r) {
@@ -227,7 +245,8 @@ bool read_collation(locale_rec *lc, FILE *file) {
         return false;
     if (!table_rows_fit(r))
         return refuse(lc, GLS_ERR_MALFORMED);
-    multi_flatten(r.row_table); // without it the lookups are slower, and the same
+    if (!make_order_tables(lc))
+        return false;
     if (r.code_order_form != 1 && !analyse_rows(lc))
         return false;
     if (!derive_byte_expansions(lc, r) || !derive_contraction_starts(lc, r))
@@ -256,6 +275,7 @@ bool empty_collate(locale_rec *lc) {
 void free_collate(locale_rec *lc) {
     collate_rec &r = lc->collate_cat;
     free_analysis(r);
+    free_order_tables(r);
     for (int32_t i = 0; i < r.expansion_count; ++i)
         _gl_free_ptr(r.expansions[i].chars);
     for (int32_t i = 0; i < r.contraction_count; ++i)

@@ -4,6 +4,7 @@
 
 #include "base/ascii_class.h"
 #include "gls/base/c_locale_number.h"
+#include "gls/collation/comparers.h"
 #include "gls/multi/multi_tree.h"
 #include "gls/objects/category_data.h"
 #include "gls/objects/locale_object.h"
@@ -347,6 +348,7 @@ int32_t read_ctype(locale_rec *lc, FILE *file) {
 }
 
 int32_t set_function_pointers(locale_rec *lc) {
+    choose_comparers(lc);
     if (!lc->is_single_byte) {
         free_byte_tables(lc);
         lc->mbstowcs_fn = _gl_im_mbstowcs;

@@ -19,9 +19,10 @@
 
 #include <stdint.h>
 
-typedef struct multi_arr multi_arr;   // <kestrion/multi.h>
-typedef struct multi_step multi_step; // <kestrion/multi.h>
-typedef struct locale_rec locale_rec; // below
+typedef struct multi_arr multi_arr;       // <kestrion/multi.h>
+typedef struct multi_step multi_step;     // <kestrion/multi.h>
+typedef struct locale_rec locale_rec;     // below
+typedef struct order_tables order_tables; // private to the engine
 
 enum {
     gl_cs_name_size = 21,   // code-set name: 19 characters in a file, and room
@@ -44,9 +45,13 @@ enum {
     coll_value_bits = 0x3fff
 };
 
+// Directions of collation levels.
+enum { coll_forward = 1, coll_backward = 2 };
+
 typedef int32_t (*gl_mbscoll_fn)(locale_rec *, const char *, const char *);
 typedef int32_t (*gl_mbfscoll_fn)(locale_rec *, const char *, int32_t, const char *, int32_t);
-typedef int32_t (*gl_mbsxfrm_fn)(locale_rec *, char *, const char *, int32_t);
+// Destination and source, but for the Thai method: source and destination.
+typedef int32_t (*gl_mbsxfrm_fn)(locale_rec *, char *first, const char *second, int32_t size);
 typedef int32_t (*gl_mbstowcs_fn)(locale_rec *, gl_wchar *, const char *, int32_t);
 typedef int32_t (*gl_mbfstowcfs_fn)(locale_rec *, gl_wchar *, const char *, int32_t, int32_t);
 
@@ -136,7 +141,7 @@ typedef struct collate_rec {
     int32_t expansion_count;   //
     int32_t contraction_count; //
     uint32_t max_weight;       // largest weight; fixes the width of a weight in a sort key
-    int32_t level_order[gl_level_limit];     // bit 0 set: forward; 2: backward
+    int32_t level_order[gl_level_limit];     // coll_forward or coll_backward
     uint16_t *level_weights[gl_level_limit]; // weight of each row by level
     coll_expansion *expansions;              //
     coll_contraction *contractions;          //
@@ -144,6 +149,7 @@ typedef struct collate_rec {
     coll_expansion **sb_expansions[gl_level_limit]; // 256 by byte: its expansion or null
     int32_t *contraction_start; // 256 by byte: 1 when a contraction begins with it; or null
     int32_t coll_method;        // enum coll_method
+    order_tables *order;        // what lookups use instead; null when there are no rows
 } collate_rec;
 
 // Sizes of digit groups, from the right.
@@ -267,8 +273,7 @@ typedef struct time_rec {
 
 struct locale_rec {
     int32_t err; // error word (<kestrion/gls_errors.h>); must stay the first field
-    // Routines chosen for the code set. The three of collation are null: no collation method offers
-    // routines to choose from yet, so text is compared by its code values.
+    // Routines chosen for the code set and the order.
     gl_mbscoll_fn mbscoll_fn;
     gl_mbfscoll_fn mbfscoll_fn;
     gl_mbsxfrm_fn mbsxfrm_fn;
@@ -296,4 +301,5 @@ struct locale_rec {
     uintptr_t glu_word;                    // the Unicode plug-in's own
     int32_t glu_in_use[gl_category_count]; // 1: the plug-in serves the category
     void *glu_locale[gl_category_count];   // the plug-in's locale object
+    const multi_step *order_walk; // finds rows and characters at once; null when they differ
 };
