@@ -10,11 +10,12 @@
 //     pair 41 61                    upper and lower case, - for none; the first pair has index 1
 //     case 41..5a 1+                index of the first character, counting up
 //     growth 1
-//     collation as_specified        or thai_smo, with no more of the next six
+//     collation as_specified        or thai_smo, with no more of the next seven
 //     code_order 1
 //     max_weight 257
 //     levels 1 2                    directions
 //     row 00..ff 0+                 like case
+//     carrier f7bfbfbf 9            row of a sequence that is not a character
 //     contraction 5 63 68           row, characters
 //     expansion 61 65               characters
 //     weights 0 2 2                 of row 0, one for each level

@@ -99,6 +99,12 @@ std::vector<listing_statement> listing_reader::statements() {
              for (const uint32_t level : hex_numbers(line, 1, UINT16_MAX))
                  collation.levels.push_back(static_cast<uint16_t>(level));
          }},
+        {"carrier", occurrence::any, 2, 2,
+         [&](const auto &line) {
+             object_character carrier = {line.sequence(1, line[1])};
+             carrier.row = static_cast<uint16_t>(line.number(2, 0, UINT16_MAX));
+             collation.carriers.push_back(carrier);
+         }},
         {"contraction", occurrence::any, 1, 1 + longest_collating_sequence,
          [&](const auto &line) {
              collation.contractions.push_back({static_cast<uint16_t>(line.number(1, 0, UINT16_MAX)),

@@ -128,6 +128,12 @@ void append_collation(std::string &out, const locale_object &object) {
     append_line(out, "max_weight", {std::to_string(collation.max_weight)});
     append_line(out, "levels", hex_words(collation.levels));
     append_numbered(out, "row", object, &object_character::row);
+    for (const object_character &carrier : collation.carriers)
+        out.append("carrier ")
+            .append(hex_text(carrier.sequence.text()))
+            .append(" ")
+            .append(std::to_string(carrier.row))
+            .append("\n");
     for (const auto &contraction : collation.contractions) {
         std::vector<std::string> operands = hex_words(contraction.characters);
         operands.insert(operands.begin(), std::to_string(contraction.row));

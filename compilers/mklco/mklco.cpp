@@ -2,6 +2,7 @@
 
 #include "compilers/head_lines.h"
 #include "compilers/mklco/collation_by_code.h"
+#include "compilers/mklco/collation_source.h"
 #include "compilers/mklco/ctype_source.h"
 #include "compilers/mklco/listing.h"
 #include "compilers/mklco/sections_source.h"
@@ -27,7 +28,7 @@ struct mklco_options {
     std::string code_set;
     std::string registry; // empty: the one that the runtime finds
     std::string calendar = "gregorian";
-    std::string collation = "code";
+    std::string collation; // empty: as suits the locale
     std::vector<std::string> directories;
 
     std::vector<std::string> below(const char *folder) const {
@@ -39,8 +40,8 @@ struct mklco_options {
 };
 
 std::string collation_named(const std::string &name) {
-    if (name != "code" && name != "thai_smo")
-        throw usage_error("--collation takes code or thai_smo, not '" + name + "'");
+    if (name != "as_specified" && name != "code" && name != "thai_smo")
+        throw usage_error("--collation takes as_specified, code or thai_smo, not '" + name + "'");
     return name;
 }
 
@@ -67,6 +68,7 @@ private:
     }
     void check_thai(const charmap &map) const;
     void check_code_set(const std::string &name);
+    void collate(const locale_source &source, const charmap &map, locale_object &object);
     void describe(locale_object &object, const charmap &map) const;
 
     const mklco_options &options_;
@@ -87,11 +89,7 @@ locale_object compilation::run() {
         compile_ctype(library_, source, map, widths.get(), said_, object);
         text_encoder encoder(library_, source, map, said_);
         compile_sections(library_, source, encoder, said_, options_.calendar, object);
-        object.collation.thai = options_.collation == "thai_smo";
-        if (object.collation.thai)
-            check_thai(map);
-        else
-            collate_by_code(object);
+        collate(source, map, object);
         describe(object, map);
         check_code_set(object.code_set);
     } catch (const source_error &error) {
@@ -121,6 +119,25 @@ void compilation::check_code_set(const std::string &name) {
     if (number == gl_unknown_code_set)
         said_.warning("the registry of code sets has no name " + name,
                       "give the name that it has by --code-set, or add it to the registry");
+}
+
+// The order: what an option says, else the one that fits bytes of Thai, code order for the locales
+// that are defined by it or have no order, and the source's own for all others.
+void compilation::collate(const locale_source &source, const charmap &map, locale_object &object) {
+    std::string method = options_.collation;
+    const charmap_row *ko_kai = map.find(0x0E01);
+    if (method.empty() && map.mb_cur_max == 1 && ko_kai != nullptr)
+        method = "thai_smo";
+    const bool ordered = source.find("LC_COLLATE") != nullptr;
+    if (method.empty() && (!ordered || name_ == "C" || name_ == "POSIX"))
+        method = "code";
+    object.collation.thai = method == "thai_smo";
+    if (object.collation.thai)
+        check_thai(map);
+    else if (method == "code")
+        collate_by_code(object);
+    else
+        compile_collation(library_, source, map, said_, object);
 }
 
 // The head lines: what made the object, and of what.
@@ -214,7 +231,7 @@ int mklco_main(int argc, char **argv, FILE *messages) {
                 {"calendar", 0, "NAME", "gregorian, hebrew, islamic or arabic",
                  given(
                      [&](const std::string &value) { options.calendar = calendar_named(value); })},
-                {"collation", 0, "NAME", "order texts by code, or by thai_smo",
+                {"collation", 0, "NAME", "as_specified by the source, by code, or by thai_smo",
                  given([&](const std::string &value) {
                      options.collation = collation_named(value);
                  })},

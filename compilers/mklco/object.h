@@ -44,6 +44,8 @@ struct object_collation {
     std::vector<contraction> contractions;
     std::vector<std::vector<uint32_t>> expansions;
     std::vector<std::vector<uint16_t>> rows; // weights of each row, one a level
+    // Sequences that expansions name and that are no characters: they have a row and nothing else.
+    std::vector<object_character> carriers;
 };
 
 // How the file holds a field of the sections after the collation.

@@ -89,6 +89,20 @@ void take_ctype(const locale_rec &lc, locale_object &object) {
     object.growth = lc.case_expansion;
 }
 
+// What has a row and is not a character.
+void take_carriers(const locale_rec &lc, std::vector<object_character> &carriers) {
+    for_each_entry(lc.collate_cat.row_table,
+                   [&](const code_sequence &sequence, const unsigned char *) {
+                       gl_char_desc desc{sequence.length, {}};
+                       memcpy(desc.bytes, sequence.bytes, sizeof desc.bytes);
+                       if (_gl_retrieve_desc_multi(&desc, lc.ctype_cat.class_table) != nullptr)
+                           return;
+                       object_character &carrier = carriers.emplace_back();
+                       carrier.sequence = sequence;
+                       carrier.row = datum_of(sequence, lc.collate_cat.row_table);
+                   });
+}
+
 void take_collation(const collate_rec &r, object_collation &collation) {
     collation.thai = r.coll_method == COLL_THAI_SMO;
     if (collation.thai)
@@ -201,6 +215,8 @@ locale_object read_object(const source_file &file) {
     object.code_set = lc->cs_names[0];
     take_ctype(*lc, object);
     take_collation(lc->collate_cat, object.collation);
+    if (!object.collation.thai)
+        take_carriers(*lc, object.collation.carriers);
     take_fields(*lc, object);
     return object;
 }

@@ -17,12 +17,14 @@ void append_hex(std::string &out, uint64_t value, int digits) {
 }
 
 // A table of all characters with one of their numbers.
-std::string character_table(const locale_object &object, uint16_t object_character::*datum) {
+std::string character_table(const locale_object &object, uint16_t object_character::*datum,
+                            const std::vector<object_character> &more = {}) {
     multi_table table = make_table(sizeof(uint16_t));
-    for (const object_character &character : object.characters) {
-        const uint16_t value = character.*datum;
-        add_to_table(table.get(), character.sequence, value == 0 ? nullptr : &value);
-    }
+    for (const auto *characters : {&object.characters, &more})
+        for (const object_character &character : *characters) {
+            const uint16_t value = character.*datum;
+            add_to_table(table.get(), character.sequence, value == 0 ? nullptr : &value);
+        }
     return table_text(table.get(), ub2_writer);
 }
 
@@ -94,7 +96,7 @@ void append_collation(std::string &out, const locale_object &object) {
         return;
     }
     out += "as_specified\n";
-    out += character_table(object, &object_character::row);
+    out += character_table(object, &object_character::row, collation.carriers);
     append_line(out, collation.code_order_form);
     append_line(out, static_cast<int64_t>(collation.rows.size()) - 1);
     append_line(out, static_cast<int64_t>(collation.levels.size()));

@@ -1,5 +1,6 @@
 #include <kestrion/code_order.h>
 
+#include "gls/base/engine_error.h"
 #include "gls/text/char_walk.h"
 #include <kestrion/char_length.h>
 #include <kestrion/ext_funcs.h>
@@ -31,7 +32,7 @@ int32_t next_length(locale_rec *lc, const char *s) {
         return *s != 0;
     const decoded_char c = decode_text(ct, ct.class_walk, s);
     if (!is_char(c))
-        return failed(lc, GLS_ERR_BAD_CHARACTER);
+        return fail(lc, GLS_ERR_BAD_CHARACTER);
     return c.wide == 0 ? 0 : c.length;
 }
 

@@ -36,7 +36,7 @@ struct spelled_text {
     spelled_text &operator=(const spelled_text &) = delete;
 
     bool spell(locale_rec *lc, const gl_wchar *wide, int32_t count) {
-        const int64_t most = int64_t{longest_character} * count;
+        const int64_t most = int64_t{gl_char_bytes} * count;
         if (most > stack_size) {
             heap = static_cast<char *>(_gl_ext_malloc(static_cast<size_t>(most)));
             if (heap == nullptr || most > INT32_MAX)

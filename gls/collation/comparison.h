@@ -68,7 +68,7 @@ inline decoded_char decode_char(const locale_rec &lc, const multi_step *walk, co
         return {{0, multi_end}, 1, static_cast<unsigned char>(*at)};
     const ptrdiff_t left = end - at;
     decoded_char c = decode_limited(
-        walk, at, left < longest_character ? static_cast<int32_t>(left) : longest_character);
+        walk, at, left < gl_char_bytes ? static_cast<int32_t>(left) : int32_t{gl_char_bytes});
     if (!is_char(c))
         c.length = 0;
     return c;

@@ -33,7 +33,7 @@ int32_t digits_for(uint32_t limit) {
 uint32_t element_limit(const locale_rec *lc) {
     constexpr uint32_t limits[] = {0, 0xFF, 0xFFFF, 0xFFFFFF, 0xFFFFFFFF};
     const int32_t bytes = lc->ctype_cat.mb_loc_max;
-    return bytes >= 0 && bytes <= longest_character ? limits[bytes] : 0;
+    return bytes >= 0 && bytes <= gl_char_bytes ? limits[bytes] : 0;
 }
 
 // Writes a weight as `digits` digits, highest first. The elements 0 and 1 are below the first
@@ -141,7 +141,7 @@ int32_t thai_key(locale_rec *lc, char *dst, const gl_wchar *src, int32_t size) {
                      ? stack
                      : static_cast<char *>(_gl_ext_malloc(static_cast<size_t>(bytes)));
     if (text == nullptr)
-        return failed(lc, GLS_ERR_NO_MEMORY);
+        return fail(lc, GLS_ERR_NO_MEMORY);
     const int32_t room = bytes < stack_size ? stack_size : bytes;
     const bool spelled = gl_full_wcstombs(lc, text, src, room) >= 0;
     const int32_t length = spelled ? thai_strxfrm(text, dst, size) : -1;
@@ -158,7 +158,7 @@ int32_t key_by_wide(locale_rec *lc, char *dst, const char *src, int32_t count, i
                          : static_cast<gl_wchar *>(
                                _gl_ext_malloc((static_cast<size_t>(count) + 1) * sizeof(gl_wchar)));
     if (wide == nullptr)
-        return failed(lc, GLS_ERR_NO_MEMORY);
+        return fail(lc, GLS_ERR_NO_MEMORY);
     // One more for the zero element.
     const int32_t made = lc->mbstowcs_fn(lc, wide, src, count + 1);
     const int32_t length = made < 0 ? -1 : gl_wcsxfrm(lc, dst, wide, size);
