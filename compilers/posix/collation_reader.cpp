@@ -64,6 +64,7 @@ private:
     collation_section *section_ = nullptr; // where the next element goes,
     collation_element *cursor_ = nullptr;  // and after which one; null: at the start
     source_statement ellipsis_; // waits for the element that ends it; no tokens: none does
+    std::map<const locale_source *, size_t> read_up_to_; // offsets in each source
     std::map<const collation_element *, const source_file *> reordered_;
     std::map<const collation_element *, source_place>
         used_; // symbols, where a weight named them first
@@ -310,7 +311,8 @@ std::vector<collation_weight> collation_reader::weights_of(const source_statemen
     return weights;
 }
 
-// A symbol that begins a line is declared by that.
+// A symbol that begins a line is declared by that. A source moves it once: of two places only one
+// can be meant.
 void collation_reader::note_place(collation_element &element, const source_statement &line) {
     if (!element.declared)
         said_.warning(*line.place().file, line.place().position(),
@@ -318,7 +320,7 @@ void collation_reader::note_place(collation_element &element, const source_state
                       "write collating-symbol <" + element.name + "> above");
     element.declared = true;
     element.place = line.place();
-    if (state_ != state::reordering)
+    if (state_ != state::reordering || !element.characters.empty())
         return;
     const source_file *&source = reordered_[&element];
     if (source == line.place().file)
@@ -389,6 +391,12 @@ void collation_reader::take(const source_statement &line) {
         // What is not listed goes last, whatever weights this line gives it.
         {"UNDEFINED", &collation_reader::pass_over},
     };
+    // A source that is copied a second time is there already: two locales that a third one copies may
+    // begin with the same table.
+    size_t &read_up_to = read_up_to_[line.source];
+    if (line.tokens[0].offset < read_up_to)
+        return;
+    read_up_to = line.tokens[0].offset + 1;
     if (conditions_.take(line) || !conditions_.hold())
         return;
     for (const keyword_row &row : keywords)
