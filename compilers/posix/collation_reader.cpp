@@ -114,10 +114,10 @@ collation_element &collation_reader::mentioned(const source_statement &line,
 collation_element &collation_reader::mentioned(const source_statement &line, size_t token) {
     const source_token &t = line.tokens[token];
     text_element what = {text_element::kind::code_point, t.code_point, t.text, t.offset};
-    if (t.code_point == no_code_point && t.text.size() == 1)
-        what.value = static_cast<unsigned char>(t.text[0]);
-    else if (t.code_point == no_code_point && t.kind == token_kind::symbol)
+    if (t.code_point == no_code_point && t.kind == token_kind::symbol)
         what.is = text_element::kind::name;
+    else if (t.code_point == no_code_point && t.text.size() == 1)
+        what.value = static_cast<unsigned char>(t.text[0]);
     else if (t.code_point == no_code_point)
         throw bad(line, token, "expected a character or a symbol, found " + quoted(t.text),
                   "write <Uxxxx>, or a symbol in angle brackets");
