@@ -123,8 +123,6 @@ TEST(LocalCalendar, NamesAreHandedOut) {
         ASSERT_EQ(count, row.count);
         EXPECT_STREQ(names[0], row.first);
         EXPECT_STREQ(names[count - 1], row.last);
-        for (int32_t i = 0; i < count; ++i)
-            free(names[i]);
         free(names);
     }
 }
