@@ -14,9 +14,15 @@ typedef struct value_heap value_heap; // <kestrion/value_heap.h>
 
 // Bits of `gen_flags`.
 enum gen_flag {
-    GEN_DBVER_SET = 16,    // the version of the database is known
-    GEN_PREC16_KNOWN = 32, // QVT_USE_PREC_16 was asked for
-    GEN_PREC16 = 64,       // it is in force
+    GEN_DBVER_SET = 16,        // the version of the database is known
+    GEN_PREC16_KNOWN = 32,     // QVT_USE_PREC_16 was asked for
+    GEN_PREC16 = 64,           // it is in force
+    GEN_DTENV_KNOWN = 128,     // USE_DTENV was asked for
+    GEN_DTENV = 256,           // it is in force
+    GEN_DBTODAY_BUSY = 512,    // DBTODAY is being looked at; none of the three: not asked for yet
+    GEN_DBTODAY_OFFSET = 1024, // dbtoday_offset moves the clock
+    GEN_DBTODAY_NONE = 2048,   // nothing does
+    GEN_PRESENT_SET = 4096,    // the program set the present
 };
 
 enum {
@@ -40,22 +46,26 @@ typedef struct gen_catalogue {
 } gen_catalogue;
 
 typedef struct gentcb {
-    uint32_t gen_flags;          // gen_flag bits
-    int32_t gen_err;             // error word of the general layer
-    int32_t gls_err;             // error word of the locale environment
-    int32_t conv_err;            // conversion error of the value layer
-    int32_t float_type;          // stored form of floats in the database
-    int32_t msg_depth;           // above 0 while a stand-in text is being looked up
-    gen_catalogue catalogues[2]; // 0 is in use; 1 never opens a file
-    char *scratch;               // texts on their way to the string heap; owned
-    int32_t scratch_size;        // bytes of it
-    char *message_file;          // explicit file for all messages, null for none; owned
-    char *install_dir;           // installation directory, null until first use; owned
-    value_heap *string_heap;     // loaded messages, null until first use
-    char path[gen_path_size];    // path built last
-    char *digit_text;            // digits of the decimal printed last, null at first; owned
-    int32_t digit_capacity;      // bytes of it
-    unsigned char reserved[544]; // fields to come
+    uint32_t gen_flags;               // gen_flag bits
+    int32_t gen_err;                  // error word of the general layer
+    int32_t gls_err;                  // error word of the locale environment
+    int32_t conv_err;                 // conversion error of the value layer
+    int32_t float_type;               // stored form of floats in the database
+    int32_t msg_depth;                // above 0 while a stand-in text is being looked up
+    gen_catalogue catalogues[2];      // 0 is in use; 1 never opens a file
+    char *scratch;                    // texts on their way to the string heap; owned
+    int32_t scratch_size;             // bytes of it
+    char *message_file;               // explicit file for all messages, null for none; owned
+    char *install_dir;                // installation directory, null until first use; owned
+    value_heap *string_heap;          // loaded messages, null until first use
+    char path[gen_path_size];         // path built last
+    char *digit_text;                 // digits of the decimal printed last, null at first; owned
+    int32_t digit_capacity;           // bytes of it
+    int32_t thread_date;              // day on which the thread began its work
+    int16_t dbtoday_qualifier;        // of the offset
+    unsigned char dbtoday_offset[22]; // a decimal: DBTODAY less the clock
+    unsigned char set_present[22];    // a decimal: what the program set as the present
+    unsigned char reserved[498];      // fields to come
 } gentcb;
 static_assert(sizeof(gentcb) == 1248, "stated size");
 
