@@ -1,6 +1,7 @@
 #include <kestrion/date_format.h>
 
 #include "base/ascii_class.h"
+#include "locale_env/datetime_formats.h"
 #include <kestrion/cached_names.h>
 #include <kestrion/categories.h>
 #include <kestrion/env_registry.h>
@@ -249,7 +250,9 @@ int initdatetime(void) {
     // Without the names dates are read by number alone: no reason to refuse the start.
     cache_month_strings();
     cache_era_strings();
-    // No format is made for a datetime qualifier here: readers of the table expect nulls.
-    memset(env->dt_fmt, 0, sizeof env->dt_fmt);
-    return 0;
+    if (const char *text = idx_ggetenv("GL_DATETIME", -1); text != nullptr)
+        if (const int result = follow_setting(state, GLS_GL_DATETIME, text); result != 0)
+            return set_glserror(result);
+    const int result = kestrion::settle_datetime_formats(env);
+    return result != 0 ? set_glserror(result) : 0;
 }

@@ -2,6 +2,7 @@
 
 #include "base/default_locale.h"
 #include "base/owned_text.h"
+#include "locale_env/datetime_formats.h"
 #include "locale_env/release.h"
 #include <kestrion/cached_names.h>
 #include <kestrion/categories.h>
@@ -155,6 +156,7 @@ void release_loaded(GlsEnv *env) {
         free_locale_string(list);
     free(state.owned_date_fmt);
     state.owned_date_fmt = state.date_fmt = nullptr;
+    release_datetime_formats(env);
     if (state.saved_lc == state.db_lc || state.saved_lc == env->cur_lc)
         state.saved_lc = nullptr; // goes with the object
     if (state.db_lc != nullptr && state.db_lc != env->cur_lc)

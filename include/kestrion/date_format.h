@@ -40,8 +40,8 @@ int parse_dbdate(const char *text, dbdate_format *out);
 int nogetenv_getglsfmt(void *ignored1, void *ignored2, char *buffer, int zero);
 
 // Settles all of the current environment that depends on dates: the format, the calendar, the
-// cached names, an empty table of datetime formats. Returns 0, or the error of the format, which it
-// stored.
+// cached names, the copy of GL_DATETIME, the table of datetime formats. Returns 0, or the error of a
+// format, which it stored.
 int initdatetime(void);
 
 #ifdef __cplusplus
