@@ -299,8 +299,10 @@ TEST_P(OrderWitness, WordsOfTheLanguage) {
                                                        {"pl", "polish"}};
     make_witness("");
     const auto own = lists.find(GetParam().source.substr(0, 2));
+    // Greek words are not in a list, and the Thai source does not list the accented letters of English.
     const bool latin = strchr("ecdfhpst", GetParam().source[0]) != nullptr &&
-                       GetParam().source.substr(0, 2) != "el";
+                       GetParam().source.substr(0, 2) != "el" &&
+                       GetParam().source.substr(0, 2) != "th";
     if (own != lists.end())
         check_texts(words_of(own->second, 60000), 60000);
     else if (latin)
