@@ -143,11 +143,11 @@ void collation_reader::collating_symbol(const source_statement &line) {
     }
     expect_end(line, 4);
     const int base = line.tokens[2].text.size() == 4 ? 10 : 16;
-    const std::vector<std::string> names = counted_names(first, line.tokens[3].text, base);
-    if (names.empty())
-        throw bad(line, 2, "the two symbols make no range", "count up in the digits at their ends");
-    for (const std::string &name : names)
-        declare(line, name);
+    const auto names = counted_names::between(first, line.tokens[3].text, base);
+    if (!names)
+        throw bad(line, 2, not_a_name_range, name_range_remedy);
+    for (uint32_t i = 0; i < names->size(); ++i)
+        declare(line, names->name(i));
 }
 
 // collating-element <c-h> from "ch"
