@@ -32,6 +32,7 @@
 
 typedef struct coll_change coll_change; // <kestrion/collection_cursor.h>
 typedef struct coll_cursor coll_cursor;
+typedef struct coll_index coll_index; // private
 
 enum coll_flag {
     coll_is_null = 4,
@@ -59,7 +60,8 @@ struct coll_rec {
     coll_type *cl_svr_typeinfo; // type as the server sent it
     coll_type *cl_typeinfo;     // the program's own type; never released here
     int64_t cl_blockcount;      // elements in the block
-    int64_t reserved_words[2];  // zero
+    coll_index *cl_index;       // finds the elements of a SET; null until it is needed
+    int64_t reserved_word;      // zero
 };
 static_assert(sizeof(coll_rec) == 120, "stated size");
 

@@ -139,6 +139,7 @@ int32_t qvt_coll_copy(coll_rec *destination, const coll_rec *source) {
     coll_rec copy = *source;
     copy.cl_curs = nullptr;
     copy.cl_data = nullptr;
+    copy.cl_index = nullptr;
     copy.cl_log = copy.cl_lastlog = nullptr;
     copy.cl_svr_typeinfo = nullptr;
     copy.cl_flags |= owner_bits;

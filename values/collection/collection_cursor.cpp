@@ -1,5 +1,6 @@
 // Cursors: a place in block and log together, and the changes made there.
 
+#include "values/collection/element_index.h"
 #include "values/collection/elements.h"
 
 #include <kestrion/collection_compare.h>
@@ -148,9 +149,15 @@ int32_t update_in_block(coll_cursor *cursor, const void *data, int32_t length) {
     return 0;
 }
 
-void end_change(coll_cursor *cursor) {
+void end_insert(coll_cursor *cursor) {
     cursor->collection->cl_flags &= ~uint32_t{coll_hash_valid};
     refresh_copies(cursor->collection);
+}
+
+// The index follows inserts alone.
+void end_change(coll_cursor *cursor) {
+    drop_index(cursor->collection);
+    end_insert(cursor);
 }
 
 // What a cursor is on for a change: 0, or the error of a place that has no element.
@@ -237,7 +244,8 @@ int32_t cursor_insert(coll_cursor *cursor, const void *data, int32_t length, int
     raise_rows(entry->ch_next, 1);
     collection->cl_len += added;
     ++collection->cl_cardinality;
-    end_change(cursor);
+    add_to_index(collection, {static_cast<const unsigned char *>(entry->ch_newrow), added});
+    end_insert(cursor);
     seat_after_insert(cursor, entry, appended);
     return 0;
 }

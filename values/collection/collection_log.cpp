@@ -3,6 +3,7 @@
 #include "values/collection/elements.h"
 
 #include "base/byte_order.h"
+#include "values/collection/element_index.h"
 
 #include <kestrion/error_numbers.h>
 
@@ -141,6 +142,7 @@ coll_change *new_changelog(coll_rec *collection, int32_t row, int32_t kind, cons
 }
 
 void free_changelogs(coll_rec *collection) {
+    drop_index(collection); // its elements may lie in the log
     for (coll_change *entry = collection->cl_log; entry;) {
         coll_change *next = entry->ch_next;
         free(entry);

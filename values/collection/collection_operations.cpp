@@ -1,5 +1,6 @@
 // Opening cursors, and walking and changing by the rules of the kinds.
 
+#include "values/collection/element_index.h"
 #include "values/collection/elements.h"
 
 #include <kestrion/collection_compare.h>
@@ -109,16 +110,27 @@ int32_t prepare_change(const coll_rec *collection, coll_cursor *cursor, int32_t 
     return position ? cursor_seek(cursor, position, CSEEK_SET) : 0;
 }
 
+// err_coll_duplicate when a SET has the element, 0 when it does not, or another error.
+int32_t search_set(coll_rec *collection, element value) {
+    switch (find_in_index(collection, value)) {
+    case found::yes:
+        return err_coll_duplicate;
+    case found::no:
+        return 0;
+    default:
+        return qvt_coll_inpred(collection, collelmtcmp, value.bytes, value.length);
+    }
+}
+
 int32_t insert_checked(coll_rec *collection, coll_cursor *cursor, const coll_field *field,
                        element given, int32_t position) {
     const stored_element value(collection, field, given);
     if (!value.get().bytes)
         return err_no_buffer_memory;
     if (kind_of(type_in_force(collection)) == coll_set) {
-        const int32_t found =
-            qvt_coll_inpred(collection, collelmtcmp, value.get().bytes, value.get().length);
-        if (found)
-            return found == err_coll_duplicate ? 0 : found;
+        const int32_t there = search_set(collection, value.get());
+        if (there)
+            return there == err_coll_duplicate ? 0 : there;
     }
     if (cursor)
         return insert_at(cursor, value.get(), position);

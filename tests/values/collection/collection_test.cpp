@@ -5,6 +5,8 @@
 #include <kestrion/error_numbers.h>
 
 #include <gtest/gtest.h>
+#include <random>
+#include <set>
 
 namespace {
 
@@ -141,6 +143,35 @@ TEST(Collection, RefusesWhatItsKindDoesNotAllow) {
     EXPECT_EQ(sample::walked(&list), (strings{"aaaa", "aaaa", null_integer}));
     EXPECT_EQ(qvt_coll_delete(&list, nullptr, 1), err_coll_no_element);
     EXPECT_EQ(qvt_coll_close(&list, &cursor), -1);
+}
+
+TEST(Collection, SetHasEachElementOnce) {
+    const sample::type_ptr type = sample::type_of(coll_set, 13, 20);
+    sample::collection set(type.get());
+    std::set<std::string> model;
+    std::mt19937 random(1);
+    coll_cursor cursor = {};
+    qvt_coll_open(&set, &cursor);
+    for (int i = 0; i < 3000; ++i) {
+        const std::string element = std::to_string(random() % 500);
+        if (random() % 8 == 0 && !model.empty()) {
+            std::string text;
+            cursor_seek(&cursor, static_cast<int32_t>(random() % model.size()), CSEEK_SET);
+            if (next_text(&set, &cursor, &text) == 0 && cursor_delete(&cursor) == 0)
+                model.erase(text.substr(0, text.find(' ')));
+        } else {
+            const std::string padded = element + std::string(random() % 3, ' ');
+            ASSERT_EQ(sample::append(&set, set.cl_cardinality % 2 ? padded : element), 0);
+            model.insert(element);
+        }
+        ASSERT_EQ(static_cast<size_t>(set.cl_cardinality), model.size());
+        if (i % 700 == 0)
+            qvt_coll_fold(&set);
+    }
+    std::set<std::string> elements;
+    for (std::string element : sample::walked(&set))
+        elements.insert(element.substr(0, element.find(' ')));
+    EXPECT_EQ(elements, model);
 }
 
 TEST(Collection, HashesAsServersDo) {
