@@ -16,34 +16,35 @@ namespace {
 
 constexpr uint32_t owner_bits = coll_owns_block | coll_owns_type;
 
-void to_start(coll_cursor *cursor) {
-    cursor->position = 0;
-    cursor->location = nullptr;
-    cursor->change = nullptr;
-    cursor->passed = 0;
-}
+// Where a walk is; a cursor's place without its position.
+struct place {
+    unsigned char *location;
+    coll_change *change;
+    int64_t passed;
+};
+
+constexpr place start = {};
 
 // Moves the location over `count` elements of the block; false when it has fewer.
-bool skip_elements(coll_cursor *cursor, int64_t count) {
+bool skip_elements(const coll_rec *collection, place &at, int64_t count) {
     if (count == 0)
         return true;
-    const coll_rec *collection = cursor->collection;
     unsigned char *data = collection->cl_data;
     if (!data)
         return false;
     if (collection->cl_isfixed) {
         const int64_t size = collection->cl_elsize;
-        const int64_t at = cursor->location ? cursor->location - data : -size;
-        if (at + count * size > collection->cl_datalen - size)
+        const int64_t offset = (at.location ? at.location - data : -size) + count * size;
+        if (offset > collection->cl_datalen - size)
             return false;
-        cursor->location = data + (at + count * size);
+        at.location = data + offset;
         return true;
     }
     unsigned char *end = data + collection->cl_datalen; // the table grows downward from here
-    const int64_t passed = cursor->location ? (end - cursor->location) / 4 : 0;
-    if (passed + count > collection->cl_blockcount)
+    const int64_t passed = (at.location ? (end - at.location) / 4 : 0) + count;
+    if (passed > collection->cl_blockcount)
         return false;
-    cursor->location = end - 4 * (passed + count);
+    at.location = end - 4 * passed;
     return true;
 }
 
@@ -56,23 +57,31 @@ int64_t untouched_run(const coll_rec *collection, const coll_change *from, const
 }
 
 // Moves `n` elements on, 0 or more.
-bool walk(coll_cursor *cursor, int64_t n) {
-    const coll_rec *collection = cursor->collection;
+bool walk(const coll_rec *collection, place &at, int64_t n) {
     for (;;) {
-        coll_change *to = cursor->change ? cursor->change->ch_next : collection->cl_log;
-        const int64_t run = untouched_run(collection, cursor->change, to) - cursor->passed;
+        coll_change *to = at.change ? at.change->ch_next : collection->cl_log;
+        const int64_t run = untouched_run(collection, at.change, to) - at.passed;
         if (n <= run) {
-            cursor->passed += static_cast<int32_t>(n);
-            return skip_elements(cursor, n);
+            at.passed += n;
+            return skip_elements(collection, at, n);
         }
-        if (!to || !skip_elements(cursor, run + (to->ch_flag & CHANGELOG_WITH_DATA ? 1 : 0)))
+        const int64_t hidden = to && to->ch_flag & CHANGELOG_WITH_DATA ? 1 : 0;
+        if (!to || !skip_elements(collection, at, run + hidden))
             return false;
-        cursor->change = to;
-        cursor->passed = 0;
-        n -= run + (to->ch_modtype == coll_deleted ? 0 : 1);
-        if (n == 0 && to->ch_modtype != coll_deleted)
+        const bool deleted = to->ch_modtype == coll_deleted;
+        at.change = to;
+        at.passed = 0;
+        n -= run + (deleted ? 0 : 1);
+        if (n == 0 && !deleted)
             return true;
     }
+}
+
+void put_cursor(coll_cursor *cursor, const place &at, int64_t position) {
+    cursor->position = static_cast<int32_t>(position);
+    cursor->location = at.location;
+    cursor->change = at.change;
+    cursor->passed = static_cast<int32_t>(at.passed);
 }
 
 void raise_rows(coll_change *first, int32_t by) {
@@ -100,13 +109,13 @@ int32_t check_length(const coll_rec *collection, int64_t by) {
 
 // After an append the place of its entry is known without a walk: only deletes follow it.
 void seat_on_appended(coll_cursor *cursor, coll_change *entry) {
-    to_start(cursor);
+    const coll_rec *collection = cursor->collection;
     int64_t hidden = 0;
     for (const coll_change *later = entry->ch_next; later; later = later->ch_next)
         hidden += later->ch_flag & CHANGELOG_WITH_DATA ? 1 : 0;
-    skip_elements(cursor, cursor->collection->cl_blockcount - hidden);
-    cursor->position = cursor->collection->cl_cardinality;
-    cursor->change = entry;
+    place at = {nullptr, entry, 0};
+    skip_elements(collection, at, collection->cl_blockcount - hidden);
+    put_cursor(cursor, at, collection->cl_cardinality);
 }
 
 // Seats cursors after an element came in: those at its row or beyond move on with their elements. An
@@ -145,6 +154,8 @@ void put_at_cursor(coll_cursor *cursor, coll_change *entry) {
 int32_t update_in_block(coll_cursor *cursor, const void *data, int32_t length) {
     if (!cursor->location)
         return err_coll_no_element;
+    if (!data)
+        return err_coll_null_element;
     memmove(cursor->location, data, static_cast<size_t>(length));
     return 0;
 }
@@ -173,7 +184,7 @@ int32_t check_entry(const coll_cursor *cursor) {
 
 void kestrion::seat(coll_cursor *cursor, int32_t position) {
     const uint32_t flags = cursor->flags;
-    to_start(cursor);
+    put_cursor(cursor, start, 0);
     if (position >= 1 && cursor_seek(cursor, position, CSEEK_SET) != 0)
         cursor->position = cursor->collection->cl_cardinality + 1;
     cursor->flags = flags;
@@ -205,15 +216,17 @@ int32_t cursor_seek(coll_cursor *cursor, int32_t n, int32_t whence) {
         target += cursor->position;
     if (target < 1 || target > collection->cl_cardinality)
         return coll_end;
-    coll_cursor moved = *cursor;
+    place at = {cursor->location, cursor->change, cursor->passed};
+    int64_t n_from_there = n;
     // A cursor beyond the end has no place from which a walk could go on.
-    if (whence != CSEEK_CUR || n < 0 || moved.position > collection->cl_cardinality)
-        to_start(&moved);
-    if (!walk(&moved, target - moved.position))
+    if (whence != CSEEK_CUR || n < 0 || cursor->position > collection->cl_cardinality) {
+        at = start;
+        n_from_there = target;
+    }
+    if (!walk(collection, at, n_from_there))
         return coll_end;
-    moved.position = static_cast<int32_t>(target);
-    moved.flags &= ~uint32_t{coll_stay};
-    *cursor = moved;
+    put_cursor(cursor, at, target);
+    cursor->flags &= ~uint32_t{coll_stay};
     return 0;
 }
 
