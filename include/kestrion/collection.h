@@ -103,7 +103,7 @@ int32_t ldcollection(const void *buffer, coll_rec *collection, int32_t new_serve
 int32_t qvt_coll_load(const void *buffer, int32_t size, coll_rec *collection, int32_t new_server);
 
 // Stores a collection with all its changes; the record stays as it is. Returns the bytes written,
-// which qvt_coll_stored_size tells beforehand. Both fail alike:
+// which qvt_coll_stored_size gives beforehand. Both fail alike:
 // Errors  err_coll_no_type; err_coll_type for a name longer than 18 bytes in the old form;
 //         err_coll_no_memory.
 int32_t stcollection(void *buffer, coll_rec *collection, int32_t new_server);
