@@ -53,7 +53,4 @@ inline bool is_small_float(const value_rec &value) { return sql_type_of(value) =
 // Sets the conversion error and returns it.
 int converted(int code);
 
-// chkprec without the conversion error.
-int check_precision(dec_value *dec, int word);
-
 } // namespace kestrion
