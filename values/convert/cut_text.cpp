@@ -29,7 +29,7 @@ int32_t copy_cut(const char *text, int32_t length, char *to, int32_t room) {
     if (written <= 0)
         return 0;
     const int32_t whole = whole_characters(text, length, room);
-    memcpy(to, text, static_cast<size_t>(whole));
+    memmove(to, text, static_cast<size_t>(whole)); // a text may be cut in place
     memset(to + whole, ' ', static_cast<size_t>(written - whole));
     return written;
 }

@@ -79,7 +79,7 @@ int write_text(const value_rec &v, const field &to) {
     const text_bytes text(v);
     if (to.width == 0) {
         if (text.length > 0)
-            memcpy(to.buffer, text.at, static_cast<size_t>(text.length));
+            memmove(to.buffer, text.at, static_cast<size_t>(text.length));
         to.buffer[text.length] = '\0';
         return 0;
     }
@@ -176,7 +176,7 @@ int write_plain_amount(locale_rec *lc, const value_rec &v, char *work, int w) {
     const int taken =
         (dec.sign == dec_negative ? 1 : 0) + rfrontlen() + rbacklen() + digits_before_point(dec);
     const int room = std::clamp(w - taken - 1, 0, scale);
-    char mask[16];
+    char mask[24];
     snprintf(mask, sizeof mask, "%%^!.%dn", std::min(room, 99));
     double value;
     dectodbl(&dec, &value);
