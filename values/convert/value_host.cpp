@@ -6,7 +6,6 @@
 #include <kestrion/decimal_text.h>
 #include <kestrion/env_registry.h>
 #include <kestrion/error_numbers.h>
-#include <kestrion/gentcb.h>
 #include <kestrion/money_text.h>
 #include <kestrion/text_length.h>
 #include <kestrion/value_steps.h>
@@ -508,7 +507,6 @@ bool is_null(const void *variable, int type, int length, const int16_t *indicato
 
 int rvalcvar_flag(value_rec *value, void *variable, int host_type, int host_length,
                   int16_t *indicator, int blank_flag) {
-    set_toerrno(0);
     const int type = host_type < sql_type_count ? sqlctype(host_type) : host_type;
     if (!is_host_type(type) || type == 106) {
         indicate(indicator, 1);

@@ -360,8 +360,7 @@ int run_dated(target wanted, bool valid, const value_rec *value, int qualifier, 
 int long_step(const value_rec *value, int32_t *result) {
     *result = INT32_MIN;
     const int code = convert(to_long, value, 0, result);
-    const bool cut_down = kind_of(*value) == source_kind::bigint;
-    if (code != 0 && !cut_down)
+    if (code != 0 && kind_of(*value) != source_kind::bigint) // which is cut down
         *result = INT32_MIN;
     return code;
 }
