@@ -1,8 +1,8 @@
 // The reader of locale sources: every category to its end, every text in its characters.
 
 #include "compilers/posix/locale_source.h"
-#include "compilers/posix/statement_reader.h"
 #include "compilers/posix/source_place.h"
+#include "compilers/posix/statement_reader.h"
 
 #include <stdlib.h>
 

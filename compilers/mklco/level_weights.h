@@ -15,8 +15,8 @@
 // weight for itself; the shortest form goes to what texts hold most of.
 #pragma once
 
-#include <stddef.h>
 #include <map>
+#include <stddef.h>
 #include <stdint.h>
 #include <vector>
 

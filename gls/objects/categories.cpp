@@ -1,8 +1,8 @@
 #include <kestrion/categories.h>
 
 #include "gls/base/engine_error.h"
-#include "gls/naming/category_words.h"
 #include "gls/collation/order_tables.h"
+#include "gls/naming/category_words.h"
 #include "gls/objects/category_data.h"
 #include "gls/text/char_walk.h"
 #include <kestrion/code_set_registry.h>

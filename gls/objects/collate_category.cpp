@@ -62,7 +62,7 @@ bool read_counts(locale_rec *lc, FILE *file, section_counts &n) {
 }
 
 bool read_directions(locale_rec *lc, FILE *file, collate_rec &r) {
-        for (int32_t level = 0; level < r.level_count; ++level) {
+    for (int32_t level = 0; level < r.level_count; ++level) {
         r.level_order[level] = static_cast<int32_t>(_gl_get_hex(file, 4));
         if (r.level_order[level] != coll_forward && r.level_order[level] != coll_backward)
             return refuse(lc, GLS_ERR_MALFORMED);

@@ -42,7 +42,9 @@ int32_t gl_mbstimeinfo_ext(const locale_rec *lc, int32_t kind, gl_names_alloc al
     char *const *names = lists[kind - GL_NAMES_DAY];
     const bool of_days = kind == GL_NAMES_DAY || kind == GL_NAMES_ABDAY;
     return copy_names(
-        of_days ? gl_week_days : names != nullptr ? time.month_count : 0,
+        of_days            ? gl_week_days
+        : names != nullptr ? time.month_count
+                           : 0,
         [&](size_t i) { return names[i]; }, alloc, texts, count);
 }
 

@@ -148,7 +148,7 @@ TEST(CollationOrder, FaultsAreRefusedAtTheirPlace) {
          "declared already"},
         {"collating-element <e> from \"a\"\n", 1, 28, "at least two"},
         {"collating-element <e> \"ab\"\n", 1, 1, "expected collating-element"},
-        {"collating-symbol <s1>..<t2>\n", 1, 22, "no range"},
+        {"collating-symbol <s1>..<t2>\n", 1, 22, "not a range"},
         {"order_start forward\na\n", 1, 1, "not ended"},
         {base + "reorder-after <C>\n<A>\n", 12, 1, "not ended"},
         {"order_start forward\norder_start forward\n", 2, 1, "ordered already"},

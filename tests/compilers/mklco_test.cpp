@@ -196,7 +196,8 @@ TEST_F(Mklco, SectionsTakeTheirFieldsFromTheSource) {
     EXPECT_EQ(section("### LC_MONETARY\n"),
               "4 45555220\n3 455552\n1 2c\n1 2e\n1 -1\n0\n0\n-1\n-1\n0\n0\n1\n0\n1\n1\n");
     EXPECT_NE(
-        section("### LC_TIME\n").find("\n0\n0\n0\n1 3f\n1 7e\n11 25493a254d3a2553202570\n0\n0\n0\n0\n2\n1 30\n1 31\n"),
+        section("### LC_TIME\n")
+            .find("\n0\n0\n0\n1 3f\n1 7e\n11 25493a254d3a2553202570\n0\n0\n0\n0\n2\n1 30\n1 31\n"),
         std::string::npos)
         << section("### LC_TIME\n");
     EXPECT_EQ(section("### LC_MESSAGES\n"), "5 5e5b79e45d\n0\n0\n0\n");

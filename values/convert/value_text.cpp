@@ -337,3 +337,9 @@ int rstol(const char *text, int64_t *out) {
     *out = code == 0 ? value : int64_t{INT32_MIN};
     return 0;
 }
+
+int rdatastr(const void *stored, int column_type, int column_length, char *buffer, int width) {
+    value_rec value = {};
+    const int code = rdataval(stored, column_type, column_length, &value);
+    return code < 0 ? code : rvalstr(&value, buffer, width, 1);
+}
