@@ -119,8 +119,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size) {
     }
     const int host = code - sql_type_count + 100;
     if (host == 121 || host == 124) { // the address comes from the program
-        host_binary binary = {word & 2U, static_cast<int32_t>(size), static_cast<int32_t>(size),
-                              const_cast<unsigned char *>(data)};
+        host_binary binary = {static_cast<uint32_t>(word) & 2U, static_cast<int32_t>(size),
+                              static_cast<int32_t>(size), const_cast<unsigned char *>(data)};
         if (rcvarval(&binary, host, &value, length, nullptr) == 0)
             use(value, word, length);
         return 0;

@@ -182,13 +182,13 @@ void listing_reader::code_set_line(const listing_line &line) {
 uint32_t listing_reader::class_mask(const std::string &word) const {
     for (int bit = 0; bit < ct_named_limit; ++bit)
         if (word == bit_word(bit))
-            return CT_NAMED << bit;
+            return uint32_t{CT_NAMED} << bit;
     for (const class_word &known : class_words)
         if (word == known.word)
             return known.mask;
     for (const auto &[bit, name] : object_.class_names)
         if (word == name && bit >= 0 && bit < ct_named_limit)
-            return CT_NAMED << bit;
+            return uint32_t{CT_NAMED} << bit;
     return 0;
 }
 

@@ -67,7 +67,7 @@ std::vector<std::string> class_list(const locale_object &object, uint32_t mask) 
         if (mask & known.mask)
             words.emplace_back(known.word);
     for (int bit = 0; bit < ct_named_limit; ++bit) {
-        if (!(mask & CT_NAMED << bit))
+        if ((mask & uint32_t{CT_NAMED} << bit) == 0)
             continue;
         std::string name = bit_word(bit);
         for (size_t i = 0; i < object.class_names.size(); ++i)

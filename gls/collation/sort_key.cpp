@@ -16,9 +16,8 @@ constexpr char level_separator = 1;
 
 // ---- Weights as digits. The digits 00 and 01 remain free for the terminator and the separator.
 
-constexpr uint32_t digit_base = 254;
 constexpr uint32_t first_digit = 2;
-constexpr uint32_t powers[] = {1, 254, 64516, 16387064, 4162314256}; // of the base
+constexpr uint32_t powers[] = {1, 254, 64516, 16387064, 4162314256}; // of the base 254
 constexpr int32_t most_digits = static_cast<int32_t>(std::size(powers));
 
 // How many digits a weight has depends on the largest one that can occur, never on its own value.
