@@ -2,9 +2,9 @@
 
 #include "base/byte_order.h"
 #include "values/collection/block_builder.h"
-#include "values/collection/element_codes.h"
 
 #include <kestrion/error_numbers.h>
+#include <kestrion/value_types.h>
 
 #include <stdlib.h>
 #include <string.h>

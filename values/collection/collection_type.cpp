@@ -1,8 +1,8 @@
 // Type information, and its SQL text.
 
 #include <kestrion/collection_type.h>
+#include <kestrion/value_types.h>
 
-#include "values/collection/element_codes.h"
 #include "values/collection/elements.h"
 
 #include <iterator>

@@ -1,9 +1,9 @@
 #include "values/collection/elements.h"
 
 #include "base/byte_order.h"
-#include "values/collection/element_codes.h"
 
 #include <kestrion/error_numbers.h>
+#include <kestrion/value_types.h>
 
 #include <string.h>
 
